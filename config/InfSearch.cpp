@@ -1,0 +1,137 @@
+#include "InfSearch.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+
+#include "InfQualification.h"
+#include "InfReader.h"
+#include "IniLines.h"
+#include "OSVersion.h"
+#include "OrvSecure.h"
+#include "PathResolution.h"
+#include "ProfileReading.h"
+#include "RunOptions.h"
+#include "SetupIni.h"
+#include "Trace.h"
+
+namespace {
+constexpr std::size_t kInfPathBytes = 260;
+constexpr std::size_t kSignatureBytes = 100;
+constexpr std::size_t kManufacturerKeysBytes = 100;
+constexpr std::size_t kManufacturerValueBytes = 500;
+
+bool SignatureMatches(const std::string& infPath, const std::string& expectedSignature)
+{
+    std::array<char, kSignatureBytes> signature{};
+    ReadProfileText("Version", "Signature", "", signature, infPath);
+    return EqualsIgnoringCase(TextIn(signature), expectedSignature);
+}
+
+bool IsFromOurBrand(const std::string& infPath)
+{
+    std::array<char, kManufacturerKeysBytes> keys{};
+    ReadProfileText("Manufacturer", nullptr, "Manufacturer", keys, infPath);
+    return std::ranges::any_of(LinesOf(keys), [&infPath](std::string_view key) {
+        std::array<char, kManufacturerValueBytes> value{};
+        ReadProfileText("Manufacturer", std::string(key).c_str(), "", value, infPath);
+        return NamesOurBrand(TextIn(value));
+    });
+}
+
+/// @return true when the INF qualifies and lists the device `key`.
+bool InfServesDevice(const char* key, const std::string& fileName, const std::string& directoryPath,
+                     const InfSearchRules& rules)
+{
+    Trace("processing: " + fileName + "\n");
+    if (ContainsName(rules.excludes, fileName)) {
+        return false;
+    }
+    const std::string fullPath = directoryPath + fileName;
+    // What the file is encoded in is only traced: the platform reads both forms.
+    IsFileUnicode(fullPath);
+    if (!InfQualifies(fullPath, rules.expectedSignature)) {
+        return false;
+    }
+    CopyInfOnce(fileName, fullPath, directoryPath);
+    return std::ranges::any_of(rules.sectionNames, [&](const std::string& section) {
+        return ParseINFile(key, section.c_str(), fullPath.c_str()) != 0;
+    });
+}
+} // namespace
+
+void GetInfDirs(std::vector<std::string>& directories, std::vector<std::string>& excludes)
+{
+    GetInfDirsFor(COSVersion().GetOSCode(), directories, excludes);
+}
+
+void GetInfDirsFor(OSCode system, std::vector<std::string>& directories, std::vector<std::string>& excludes)
+{
+    Trace("Entering - GetInfDirs");
+    Trace("reading ini file for candidate directories\n");
+    const SystemRow& row = RowOf(system);
+    Trace(std::string(row.detectionLine));
+    if (IsServed(system)) {
+        ReadInfDirsFromIni(std::string(row.sectionKey), directories);
+        ReadInfExcludeFilesFromINI(std::string(row.sectionKey), excludes);
+    }
+    std::string line = "infdirs: ";
+    for (const std::string& directory : directories) {
+        line += "[" + directory + "] ";
+    }
+    Trace(line + "\n");
+}
+
+bool GetInfFile(const char* key, const std::string& directory, const DriverInstallRecord& record, char* infPath,
+                const std::vector<std::string>& excludes)
+{
+    Trace("Entering - GetInfFile");
+    Trace("GetInfFile(), key:[[" + std::string(key == nullptr ? "" : key) + "]], dir:" + directory + "\n");
+    const InfSearchRules rules =
+        InfSearchRulesFor(COSVersion().GetOSCode(), FamilyOf(record), RunOptions.forceInfScan != 0, excludes);
+    const std::string found = FindInfInDirectory(key, WithTrailingBackslash(directory), rules);
+    if (!found.empty()) {
+        OrvSafeCopy("InfSearch", __LINE__, infPath, kInfPathBytes, found.c_str());
+    }
+    Trace("done processing infs in this directory\n");
+    return !found.empty();
+}
+
+InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
+                                 const std::vector<std::string>& excludes)
+{
+    InfSearchRules rules;
+    rules.expectedSignature = ExpectedSignature(family);
+    GetINFSectionNamesFor(system, rules.sectionNames);
+    if (!forceInfScan) {
+        rules.excludes = excludes;
+    }
+    return rules;
+}
+
+std::string FindInfInDirectory(const char* key, const std::string& directoryPath, const InfSearchRules& rules)
+{
+    WIN32_FIND_DATAA file{};
+    // The search stays open for the rest of the run: one handle per directory searched, by design.
+    const HANDLE search = FindFirstFileA((directoryPath + "*.inf").c_str(), &file);
+    if (search == INVALID_HANDLE_VALUE) {
+        return {};
+    }
+    do {
+        const std::string fileName = file.cFileName;
+        if (InfServesDevice(key, fileName, directoryPath, rules)) {
+            return directoryPath + fileName;
+        }
+    } while (FindNextFileA(search, &file) != FALSE);
+    return {};
+}
+
+bool InfQualifies(const std::string& infPath, const std::string& expectedSignature)
+{
+    if (!SignatureMatches(infPath, expectedSignature)) {
+        Trace("signature section match for this OS not found\n");
+        return false;
+    }
+    return IsFromOurBrand(infPath);
+}

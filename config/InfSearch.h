@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DriverInstallRecord.h"
+#include "InfStore.h"
+#include "OSCode.h"
+
+/// Search for the INF file that lists a device, among those that the setup INI names for a system.
+
+/// Reads the setup INI's lists for the running system.
+/// @param directories  Appended to: directories to search, absolute, each with a backslash at its end.
+/// @param excludes     Appended to: file names of INF files to leave out, as written.
+void GetInfDirs(std::vector<std::string>& directories, std::vector<std::string>& excludes);
+
+/// The same for a system of code `system`.
+void GetInfDirsFor(OSCode system, std::vector<std::string>& directories, std::vector<std::string>& excludes);
+
+/// What decides which INF files of a directory count.
+struct InfSearchRules
+{
+    std::string expectedSignature;         ///< of the system family; empty when the family is not known
+    std::vector<std::string> sectionNames; ///< model sections, in the order in which they are tried
+    std::vector<std::string> excludes;     ///< file names to leave out; none when the user forced a scan of all
+};
+
+/// Searches one directory for an INF file that lists a device. Each INF that qualifies on the way is handed once per
+/// run to the platform's INF store. The first INF that lists the device ends the search and leaves its traces in
+/// matchedHardwareId and deviceDescription.
+/// @param key        Hardware ID without the bus prefix.
+/// @param directory  Directory to search.
+/// @param record     Only its family name is read.
+/// @param infPath    Buffer of at least 260 chars; receives the INF's full path, untouched when nothing matches.
+/// @param excludes   File names of INF files to leave out, unless RunOptions.forceInfScan is set.
+/// @return true when an INF was found.
+bool GetInfFile(const char* key, const std::string& directory, const DriverInstallRecord& record, char* infPath,
+                const std::vector<std::string>& excludes);
+
+/// @return the rules for a system of code `system` and family `family`. Reads the setup INI.
+/// @param forceInfScan  Whether the user asked to scan excluded INF files as well.
+[[nodiscard]] InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
+                                               const std::vector<std::string>& excludes);
+
+/// Searches one directory by the given rules.
+/// @param directoryPath  Directory with a backslash at its end.
+/// @return full path of the first INF that lists the device `key`; empty when there is none.
+[[nodiscard]] std::string FindInfInDirectory(const char* key, const std::string& directoryPath,
+                                             const InfSearchRules& rules);
+
+/// @return true when the INF's signature and manufacturer make it one of ours for this system. Nothing is changed.
+[[nodiscard]] bool InfQualifies(const std::string& infPath, const std::string& expectedSignature);

@@ -1,0 +1,47 @@
+#include "PathResolution.h"
+
+namespace {
+constexpr int kMostLevels = 260;
+
+std::string BaseOf(const std::string& setupDir, int levelsToRoot)
+{
+    std::string base = setupDir;
+    if (levelsToRoot >= 1 && levelsToRoot <= kMostLevels) {
+        for (int level = 0; level < levelsToRoot; ++level) {
+            base = base.substr(0, base.rfind('\\'));
+        }
+    }
+    return base;
+}
+} // namespace
+
+bool IsAbsolutePath(std::string_view path)
+{
+    return path.find(':') != std::string_view::npos;
+}
+
+std::string ResolveRelativePath(const std::string& path, const std::string& setupDir, int levelsToRoot)
+{
+    const std::string base = BaseOf(setupDir, levelsToRoot);
+    if (path.starts_with('\\')) {
+        return base.substr(0, 2) + path;
+    }
+    if (path.starts_with('.')) {
+        // The rest of the path is dropped on purpose: "." and everything that begins with it name the base.
+        return base;
+    }
+    return WithTrailingBackslash(base) + path;
+}
+
+std::string WithTrailingBackslash(std::string directory)
+{
+    if (!directory.ends_with('\\')) {
+        directory += '\\';
+    }
+    return directory;
+}
+
+std::string BaseNameOf(std::string_view fileName)
+{
+    return std::string(fileName.substr(0, fileName.rfind('.')));
+}

@@ -1,0 +1,146 @@
+#include "Staging.h"
+
+#include <windows.h>
+
+#include <array>
+#include <vector>
+
+#include "Handles.h"
+#include "InfSearch.h"
+#include "LastError.h"
+#include "LegacyCommand.h"
+#include "LocationInfo.h"
+#include "OSVersion.h"
+#include "PathResolution.h"
+#include "ProcessLaunch.h"
+#include "Trace.h"
+
+namespace {
+constexpr char kSetupKey[] = R"(Software\Microsoft\Windows\CurrentVersion\Setup)";
+constexpr REGSAM kReadWrite = KEY_READ | KEY_WRITE;
+constexpr char kSourcePath[] = "SourcePath";
+
+struct SearchCloser
+{
+    void operator()(HANDLE search) const noexcept
+    {
+        if (FindClose(search) == FALSE) {
+            Trace("Unable to close search handle\n");
+        }
+    }
+};
+using UniqueSearch = std::unique_ptr<std::remove_pointer_t<HANDLE>, SearchCloser>;
+
+/// @return the cab directory as the registry names it; empty when it names none.
+std::string ReadSourcePath()
+{
+    HKEY opened = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kSetupKey, 0, kReadWrite, &opened) != ERROR_SUCCESS) {
+        return {};
+    }
+    const UniqueRegKey key(opened);
+    // One byte more than the platform may fill, so that a text without its terminator ends inside.
+    std::array<char, 257> text{};
+    DWORD bytes = text.size() - 1;
+    if (RegQueryValueExA(key.get(), kSourcePath, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes) !=
+        ERROR_SUCCESS) {
+        return {};
+    }
+    return text.data();
+}
+
+std::string FallbackDirectory()
+{
+    std::array<char, MAX_PATH> windows{};
+    GetWindowsDirectoryA(windows.data(), MAX_PATH);
+    const std::string directory = windows.data() + std::string(R"(\INSTALL)");
+    CreateDirectoryA(directory.c_str(), nullptr);
+    // The registry keeps naming its own directory: the fallback serves this run only.
+    return directory + "\\";
+}
+
+bool CopyInfDirectories(OSCode system, const std::string& cabDirectory)
+{
+    std::vector<std::string> directories;
+    std::vector<std::string> excludes;
+    GetInfDirsFor(system, directories, excludes);
+    bool copied = false;
+    for (const std::string& directory : directories) {
+        copied = CopyAllFiles(directory, cabDirectory) == 1 || copied;
+    }
+    return copied;
+}
+
+bool CopyOneFile(const std::string& source, const std::string& destination, bool hasPlace)
+{
+    SetLastError(ERROR_PATH_NOT_FOUND);
+    if (hasPlace) {
+        SetFileAttributesA(destination.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (CopyFileA(source.c_str(), destination.c_str(), FALSE) != FALSE) {
+            Trace("copied file to: " + destination + "\n");
+            return true;
+        }
+    }
+    const DWORD error = GetLastError();
+    Trace("src: " + source + "\ndst: " + destination + "\n");
+    SetLastError(error);
+    PrintGetLastErrorMessage();
+    return false;
+}
+} // namespace
+
+void CopyFilesToCabDir()
+{
+    CopyFilesToCabDirFor(COSVersion().GetOSCode());
+}
+
+void CopyFilesToCabDirFor(OSCode system)
+{
+    Trace("Enter -> CopyFilesToCabDir\n");
+    const std::string sourcePath = ReadSourcePath();
+    // A directory that the registry does not name stays without a name: a lone backslash would mean the root of
+    // whatever drive is the current one.
+    std::string cabDirectory = sourcePath.empty() ? std::string() : WithTrailingBackslash(sourcePath);
+    Trace("cab dir: " + cabDirectory + "\n");
+    if (!CopyInfDirectories(system, cabDirectory)) {
+        cabDirectory = FallbackDirectory();
+        Trace("new cab dir: " + cabDirectory + "\n");
+        CopyInfDirectories(system, cabDirectory);
+    }
+    if (system == osWIN98) {
+        Win98InfNotAvail(cabDirectory);
+    }
+    Trace("Exit -> CopyFilesToCabDir\n");
+}
+
+int CopyAllFiles(const std::string& sourceDirectory, const std::string& destinationDirectory)
+{
+    Trace("Entering - CopyAllFiles");
+    WIN32_FIND_DATAA entry{};
+    const HANDLE opened = FindFirstFileA((sourceDirectory + "*.*").c_str(), &entry);
+    if (opened == INVALID_HANDLE_VALUE) {
+        Trace("no files found in source directory\n");
+        return 0;
+    }
+    const UniqueSearch search(opened);
+    int copied = 0;
+    do {
+        const std::string name = entry.cFileName;
+        if (CopyOneFile(sourceDirectory + name, destinationDirectory + name, !destinationDirectory.empty())) {
+            copied = 1;
+        }
+    } while (FindNextFileA(search.get(), &entry) != FALSE);
+    Trace(GetLastError() == ERROR_NO_MORE_FILES ? "Found all of the files\n" : "Unable to find next file\n");
+    return copied;
+}
+
+int Win98InfNotAvail(const std::string& cabDirectory)
+{
+    Trace("Enter -> Win98InfNotAvail\n");
+    const std::string command = LegacyStagingCommandLine(cabDirectory);
+    std::array<char, MAX_PATH> directory{};
+    GetShortPathNameA(DriveAndDirectoryOf(LocationInfo.programName).c_str(), directory.data(), MAX_PATH);
+    SetCurrentDirectoryA(directory.data());
+    Trace("Exit -> Win98InfNotAvail\n");
+    return LaunchAppandWait(command);
+}

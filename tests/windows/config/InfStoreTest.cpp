@@ -1,0 +1,126 @@
+#include "InfStore.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <array>
+
+#include "ChildProcess.h"
+#include "DebugOutput.h"
+#include "Handles.h"
+#include "InfFiles.h"
+#include "ScratchDirectory.h"
+#include "StoredInfs.h"
+
+using testing::ElementsAre;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+std::string SystemText(DWORD error)
+{
+    std::array<char, 512> text{};
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0x400, text.data(),
+                   text.size(), nullptr);
+    return text.data();
+}
+
+class InfStore : public testing::Test
+{
+protected:
+    InfStore() { CopiedInfList = {}; }
+    ~InfStore() override { CopiedInfList = {}; }
+
+    ScratchDirectory m_directory;
+    StoredInfs m_stored;
+};
+} // namespace
+
+TEST_F(InfStore, AnInfIsStoredAndTheLastErrorTracedAfterTheSuccess)
+{
+    const std::string inf = m_directory.At("tav1.inf");
+    const std::string content = QualifiedInf("VEN_5D1A&DEV_7A01");
+    WriteFileBytes(inf, content);
+    TraceCapture trace;
+    EXPECT_EQ(SetupCopyInf(inf, m_directory.Path() + "\\"), 1);
+
+    const std::vector<std::string> stored = m_stored.New();
+    ASSERT_THAT(stored, SizeIs(1));
+    EXPECT_EQ(ReadFileBytes(stored.front()), content);
+    const std::vector<std::string> messages = trace.Messages();
+    ASSERT_THAT(messages, SizeIs(6));
+    EXPECT_EQ(messages[0], "Entering - SetupCopyInf");
+    EXPECT_EQ(messages[1], "SetupCopyOEMInfA(), src inf:" + inf + ", src media loc:" + m_directory.Path() + "\\\n");
+    EXPECT_EQ(messages[2], "Calling SetupCopyOEMInfA for " + inf);
+    const std::string done = "SetupCopyOEMInfA completed successfully - inf=" + inf + ", oem INF= ";
+    EXPECT_THAT(messages[3], StartsWith(done));
+    EXPECT_EQ(lstrcmpiA(messages[3].substr(done.size()).c_str(), stored.front().c_str()), 0) << messages[3];
+    EXPECT_EQ(messages[4], "Entering - PrintGetLastErrorMessage");
+}
+
+TEST_F(InfStore, ARefusedInfIsTracedWithTheReasonAndStillCountsAsCalled)
+{
+    const std::string inf = m_directory.At("missing.inf");
+    TraceCapture trace;
+    EXPECT_EQ(SetupCopyInf(inf, m_directory.Path() + "\\"), 1);
+    EXPECT_THAT(m_stored.New(), SizeIs(0));
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering - SetupCopyInf",
+                            "SetupCopyOEMInfA(), src inf:" + inf + ", src media loc:" + m_directory.Path() + "\\\n",
+                            "Calling SetupCopyOEMInfA for " + inf, "Entering - PrintGetLastErrorMessage",
+                            SystemText(ERROR_FILE_NOT_FOUND)));
+}
+
+TEST_F(InfStore, AStoredInfIsNotOverwritten)
+{
+    const std::string inf = m_directory.At("tav1.inf");
+    WriteFileBytes(inf, QualifiedInf("VEN_5D1A&DEV_7A01"));
+    ASSERT_EQ(SetupCopyInf(inf, m_directory.Path()), 1);
+    ASSERT_THAT(m_stored.New(), SizeIs(1));
+    TraceCapture trace;
+    EXPECT_EQ(SetupCopyInf(inf, m_directory.Path()), 1);
+    EXPECT_THAT(m_stored.New(), SizeIs(1));
+    EXPECT_EQ(trace.Messages().back(), SystemText(ERROR_FILE_EXISTS));
+}
+
+TEST_F(InfStore, CopyInfOnceCopiesAndRemembersTheNameWithItsExtension)
+{
+    const std::string inf = m_directory.At("Tav1.INF");
+    WriteFileBytes(inf, QualifiedInf("VEN_5D1A&DEV_7A01"));
+    TraceCapture trace;
+    CopyInfOnce("Tav1.INF", inf, m_directory.Path() + "\\");
+    EXPECT_THAT(CopiedInfList.names, ElementsAre("Tav1.inf"));
+    EXPECT_THAT(m_stored.New(), SizeIs(1));
+    EXPECT_EQ(trace.Messages().back(), "Adding INF Tav1.infto vector\n");
+    trace.Clear();
+    CopyInfOnce("TAV1.inf", m_directory.At("other\\tav1.inf"), m_directory.At("other\\"));
+    EXPECT_THAT(CopiedInfList.names, ElementsAre("Tav1.inf"));
+    EXPECT_THAT(trace.Messages(), SizeIs(0));
+}
+
+TEST_F(InfStore, CopyInfOnceRemembersARefusedInfToo)
+{
+    CopyInfOnce("missing.inf", m_directory.At("missing.inf"), m_directory.Path());
+    TraceCapture trace;
+    CopyInfOnce("missing.inf", m_directory.At("missing.inf"), m_directory.Path());
+    EXPECT_THAT(CopiedInfList.names, ElementsAre("missing.inf"));
+    EXPECT_THAT(trace.Messages(), SizeIs(0));
+}
+
+TEST_F(InfStore, AMissingLibraryIsTraced)
+{
+    const ChildReport report = RunChild("copy-inf", {"", {{"setupapi", ""}}, {R"(C:\tav1.inf)", "C:"}});
+    EXPECT_EQ(report.At("result"), "0");
+    EXPECT_THAT(report.trace,
+                ElementsAre("Entering - SetupCopyInf", "SetupCopyInf - Returning FALSE, invalid instance"));
+}
+
+TEST_F(InfStore, ALibraryWithoutTheFunctionIsTraced)
+{
+    ChildOptions options{"", {{"setupapi", "native"}}, {R"(C:\tav1.inf)", "C:"}};
+    options.ownCopyAs = "SetupApi.dll";
+    const ChildReport report = RunChild("copy-inf", options);
+    EXPECT_EQ(report.At("result"), "0");
+    EXPECT_THAT(report.trace,
+                ElementsAre("Entering - SetupCopyInf", "SetupCopyInf - NULL Return Value, function call failed"));
+}

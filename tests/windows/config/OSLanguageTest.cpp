@@ -1,0 +1,98 @@
+#include "OSLanguage.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <array>
+#include <vector>
+
+#include "ChildProcess.h"
+#include "DebugOutput.h"
+#include "LanguageTable.h"
+
+using testing::ElementsAre;
+
+TEST(GetOSLanguageID, AnswersForTheSystemsLanguageAndTracesItsEntry)
+{
+    TraceCapture trace;
+    const RunLanguage expected = LanguageForSystem(GetSystemDefaultLangID());
+    std::array<char, 8> code{};
+    code.fill('x');
+    EXPECT_EQ(GetOSLanguageID(code.data(), code.size()), expected.id);
+    EXPECT_EQ(std::string(code.data()), expected.code3);
+    for (std::size_t index = expected.code3.size(); index < code.size(); ++index) {
+        EXPECT_EQ(code[index], '\0') << "all bytes are cleared first";
+    }
+    EXPECT_EQ(GetOSLanguageID(nullptr, 0), expected.id);
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - GetOSLanguageID", "Entering - GetOSLanguageID"));
+}
+
+TEST(GetOSLanguageID, FillsABufferOfExactlyFour)
+{
+    const RunLanguage expected = LanguageForSystem(GetSystemDefaultLangID());
+    std::array<char, 5> code{'x', 'x', 'x', 'x', 'x'};
+    EXPECT_EQ(GetOSLanguageID(code.data(), 4), expected.id);
+    EXPECT_EQ(std::string(code.data()), expected.code3);
+    EXPECT_EQ(code[4], 'x');
+}
+
+TEST(GetOSLanguageID, GivesTheRawIdentifierWhenTheCodeDoesNotFit)
+{
+    for (const int size : {3, 1, 0, -1}) {
+        std::array<char, 4> code{'x', 'x', 'x', 'x'};
+        EXPECT_EQ(GetOSLanguageID(code.data(), size), GetSystemDefaultLangID()) << size;
+        for (int index = 0; index < 4; ++index) {
+            EXPECT_EQ(code[static_cast<std::size_t>(index)], index < size ? '\0' : 'x') << size;
+        }
+    }
+}
+
+TEST(GetOSLanguageID, ASizeWithoutABufferIsIgnored)
+{
+    EXPECT_EQ(GetOSLanguageID(nullptr, 3), LanguageForSystem(GetSystemDefaultLangID()).id);
+}
+
+TEST(GetOSLanguageID, AsksEveryGenerationOfSystemsForItsDefaultLanguage)
+{
+    for (const char* const version : {"win98", "nt40", "win2k", "win8"}) {
+        const ChildReport report = RunChild("language", {version, {}, {}});
+        const RunLanguage expected = LanguageForSystem(static_cast<uint16_t>(std::stoul(report.At("system"))));
+        EXPECT_EQ(report.At("system"), std::to_string(GetSystemDefaultLangID())) << version;
+        EXPECT_EQ(report.At("id"), std::to_string(expected.id)) << version;
+        EXPECT_EQ(report.At("code"), expected.code3) << version;
+        EXPECT_THAT(report.trace, ElementsAre("Entering - GetOSLanguageID")) << version;
+    }
+}
+
+TEST(LanguageAnswer, GivesCodeAndIdentifierOfEachLanguage)
+{
+    struct Row
+    {
+        uint16_t system;
+        uint16_t id;
+        std::string code;
+    };
+    for (const Row& row : std::vector<Row>{{0x0804, 0x0804, "CHS"},
+                                           {0x1004, 0x1004, "CHS"},
+                                           {0x0404, 0x0404, "CHT"},
+                                           {0x0C04, 0x0C04, "CHT"},
+                                           {0x1404, 0x1404, "CHT"},
+                                           {0x1804, 0, ""},
+                                           {0x0C07, 1031, "DEU"},
+                                           {0x0809, 1033, "ENU"},
+                                           {0x040A, 3082, "ESN"},
+                                           {0x0C0C, 1036, "FRA"},
+                                           {0x0810, 1040, "ITA"},
+                                           {0x0411, 0x0411, "JPN"},
+                                           {0x0412, 0x0412, "KOR"},
+                                           {0x0816, 1046, "PTB"},
+                                           {0x0415, 0, ""},
+                                           {0xFFFF, 0, ""}}) {
+        std::array<char, 260> code{};
+        code.fill('x');
+        EXPECT_EQ(LanguageAnswer(row.system, code.data(), code.size()), row.id) << row.system;
+        EXPECT_EQ(std::string(code.data()), row.code) << row.system;
+        EXPECT_EQ(LanguageAnswer(row.system, nullptr, 0), row.id) << row.system;
+        EXPECT_EQ(LanguageAnswer(row.system, code.data(), 3), row.system) << row.system;
+    }
+}
