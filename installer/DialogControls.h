@@ -1,0 +1,14 @@
+#pragma once
+
+/// Controls and timers of the progress dialog, template 101 of MorvixRes.dll.
+inline constexpr int kProgressDialog = 101;
+inline constexpr int kStatusText = 1000;
+inline constexpr int kFinishButton = 1002;
+inline constexpr int kRestartNowButton = 1004;
+inline constexpr int kRestartLaterButton = 1007;
+
+inline constexpr unsigned kCountdownTimer = 0;
+inline constexpr unsigned kCountdownPeriodMilliseconds = 1000;
+inline constexpr int kCountdownStart = 20;
+inline constexpr unsigned kCloseTimer = 1;
+inline constexpr unsigned kClosePeriodMilliseconds = 5000;

@@ -1,0 +1,189 @@
+#include "InstallRun.h"
+
+#include <objbase.h>
+
+#include <cstdint>
+
+#include "DevicePass.h"
+#include "DevicePassState.h"
+#include "DialogControls.h"
+#include "DriverUpdate.h"
+#include "EndOfRun.h"
+#include "EntryPoints.h"
+#include "FcoeCheck.h"
+#include "Handles.h"
+#include "LangString.h"
+#include "NetInstLibrary.h"
+#include "PostInstall.h"
+#include "RestartMessage.h"
+#include "RestorePoint.h"
+#include "RunFlow.h"
+#include "RunOptions.h"
+#include "RunState.h"
+#include "Staging.h"
+#include "Trace.h"
+
+namespace {
+/// Stands in where the installer library hands out no install interface: every device then counts as not installed, and
+/// the results say so, instead of a run that ends without a word.
+struct UnavailableDriverInstall final : IDriverInstallInterface
+{
+    int32_t __stdcall AddRef() override { return 1; }
+    int32_t __stdcall Release() override { return 1; }
+    int32_t __stdcall InstallForRecord(void*, int32_t) override { return E_NOINTERFACE; }
+};
+
+bool InitializeCom()
+{
+    Trace("CoInitialize");
+    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
+        Trace("Unexpected error: CoInitializeEx() failed");
+        return false;
+    }
+    if (FAILED(CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
+                                    RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr))) {
+        Trace("CoInitializeSecurity() failed");
+    }
+    return true;
+}
+
+HMODULE LoadRestorePointLibrary()
+{
+    const HMODULE library = LoadLibraryW(L"srclient.dll");
+    if (library == nullptr) {
+        Trace("LoadLibrary failed!");
+        return nullptr;
+    }
+    setRestorePoint = FindEntry<SetRestorePointFn>(library, "SRSetRestorePointW");
+    if (setRestorePoint == nullptr) {
+        Trace("Failed to find SRSetRestorePointW.");
+    }
+    return library;
+}
+
+void PostToDialog(HWND dialog, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
+{
+    if (dialog != nullptr) {
+        PostMessageA(dialog, message, wParam, lParam);
+    }
+}
+
+bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface& driverInstall, HWND dialog)
+{
+    ScanForHardwareChanges();
+    if (EnumerateRegistryForPCIDevices(record, &driverInstall, dialog) == kDevicePassFailed) {
+        return false;
+    }
+    ScanForHardwareChanges();
+    return true;
+}
+
+void OfferFinish(HWND dialog, int show)
+{
+    const HWND finish = GetDlgItem(dialog, kFinishButton);
+    EnableWindow(finish, TRUE);
+    ShowWindow(finish, show);
+    PostToDialog(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(finish), 1);
+}
+
+/// @return false when the device pass could not run.
+bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
+{
+    if (!FcoeBootAllowsRun()) {
+        PostToDialog(dialog, WM_CLOSE);
+        return true;
+    }
+    uint32_t status = 0;
+    const auto created = CreateDriverInstall(&record, status);
+    UnavailableDriverInstall unavailable;
+    IDriverInstallInterface& driverInstall = created ? *created : unavailable;
+
+    if (IsUnattended(RunOptions)) {
+        if (!DevicePassBetweenScans(record, driverInstall, dialog)) {
+            return false;
+        }
+        PostToDialog(dialog, WM_CLOSE);
+        return true;
+    }
+    if (dialog != nullptr) {
+        if (!DevicePassBetweenScans(record, driverInstall, dialog)) {
+            return false;
+        }
+        const unsigned outcome = OutcomeString(DevicePassState.deviceMatched != 0, DevicePassState.installFailed == 1);
+        SetDlgItemTextA(dialog, kStatusText, LangString(outcome).c_str());
+    }
+    if (RunState.fcoeRestart == 1) {
+        PostToDialog(dialog, restartMessage);
+        return true;
+    }
+    if (RunOptions.oemGui != 0) {
+        SetTimer(dialog, kCloseTimer, kClosePeriodMilliseconds, nullptr);
+    }
+    OfferFinish(dialog, SW_SHOWNORMAL);
+    return true;
+}
+
+/// On these systems the files are staged after the device pass, where the platform looks for them at the next start.
+/// @return false when the device pass could not run.
+bool RunWindows9x(RunFlow flow, DriverInstallRecord& record, HWND dialog)
+{
+    (flow == RunFlow::WindowsMe ? RunState.windowsMeRun : RunState.windows98Run) = 1;
+    const bool silent = RunOptions.silent != 0;
+    if (!silent && dialog == nullptr) {
+        return true;
+    }
+    if (EnumerateRegistryForPCIDevices(record, nullptr, dialog) == kDevicePassFailed) {
+        return false;
+    }
+    CopyFilesToCabDir();
+    PostInstallRegResult(record.infPath);
+    if (silent) {
+        PostToDialog(dialog, WM_CLOSE);
+    } else if (flow == RunFlow::WindowsMe && DevicePassState.deviceMatched == 0) {
+        SetDlgItemTextA(dialog, kStatusText, LangString(kStringNoAdapter).c_str());
+        OfferFinish(dialog, SW_SHOW);
+    } else {
+        PostToDialog(dialog, restartMessage);
+    }
+    return true;
+}
+
+bool RunFlowFor(DriverInstallRecord& record, HWND dialog)
+{
+    const RunFlow flow = FlowForFamily(FamilyOf(record));
+    switch (flow) {
+        case RunFlow::WindowsNT:
+            return RunWindowsNT(record, dialog);
+        case RunFlow::WindowsMe:
+        case RunFlow::Windows98:
+            return RunWindows9x(flow, record, dialog);
+        case RunFlow::Unknown:
+            break;
+    }
+    Trace("unable to determine OS\n");
+    return true;
+}
+} // namespace
+
+int InstallDrivers(DriverInstallRecord& record, HWND dialog)
+{
+    Trace("Enter -> InstallDrivers()\n");
+    const bool comInitialized = InitializeCom();
+    const HMODULE restoreLibrary = comInitialized ? LoadRestorePointLibrary() : nullptr;
+    RESTOREPOINTINFOW restorePoint{};
+    int64_t sequence = 0;
+    const bool restorePointBegun = BeginRestorePoint(restorePoint, sequence) != 0;
+
+    if (!RunFlowFor(record, dialog)) {
+        return -1;
+    }
+    if (restorePointBegun) {
+        EndRestorePoint(restorePoint, sequence);
+    }
+    Trace("Exit -> InstallDrivers()\n");
+    const UniqueLibrary freed(restoreLibrary);
+    if (comInitialized) {
+        CoUninitialize();
+    }
+    return 0;
+}

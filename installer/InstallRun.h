@@ -1,0 +1,14 @@
+#pragma once
+
+#include <windows.h>
+
+#include "DriverInstallRecord.h"
+
+/// One whole installation: COM, the restore point, the device pass between two scans for hardware changes, and the word
+/// to the dialog how to finish. Runs on the install thread.
+/// @param record  The run's record with the family name in it.
+/// @param dialog  The progress dialog, or null.
+/// @return 0; -1 when the device pass could not run. After -1 the restore point is still open and COM still
+/// initialised:
+///         the process is about to end.
+int InstallDrivers(DriverInstallRecord& record, HWND dialog);

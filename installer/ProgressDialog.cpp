@@ -1,0 +1,239 @@
+#include "ProgressDialog.h"
+
+#include <array>
+#include <string>
+
+#include "DialogControls.h"
+#include "EndOfRun.h"
+#include "Handles.h"
+#include "InstallRun.h"
+#include "LangString.h"
+#include "PendingUninstall.h"
+#include "Restart.h"
+#include "RestartMessage.h"
+#include "RestartReasons.h"
+#include "ResultKeys.h"
+#include "RunOptions.h"
+#include "RunState.h"
+#include "Trace.h"
+
+InstallThreadParameters installThreadParameters;
+
+namespace {
+int countdown = kCountdownStart;
+
+struct DialogButtons
+{
+    HWND restartNow;
+    HWND restartLater;
+    HWND cancel;
+    HWND ok;
+    HWND finish;
+};
+
+DialogButtons FindButtons(HWND dialog)
+{
+    return {GetDlgItem(dialog, kRestartNowButton), GetDlgItem(dialog, kRestartLaterButton),
+            GetDlgItem(dialog, IDCANCEL), GetDlgItem(dialog, IDOK), GetDlgItem(dialog, kFinishButton)};
+}
+
+void HideAndDisable(HWND control)
+{
+    ShowWindow(control, SW_HIDE);
+    EnableWindow(control, FALSE);
+}
+
+void EnableAndShow(HWND control)
+{
+    EnableWindow(control, TRUE);
+    ShowWindow(control, SW_SHOW);
+}
+
+void Focus(HWND dialog, HWND control)
+{
+    PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), 1);
+}
+
+void SetStatus(HWND dialog, const std::string& text)
+{
+    SetDlgItemTextA(dialog, kStatusText, text.c_str());
+}
+
+void StartInstallThread()
+{
+    DWORD threadId = 0;
+    // The thread ends with the process; nobody waits for it.
+    const UniqueHandle thread(CreateThread(nullptr, 0, InstallThread, &installThreadParameters, 0, &threadId));
+}
+
+void InitializeDialog(HWND dialog, const DialogButtons& buttons)
+{
+    installThreadParameters.dialog = dialog;
+    if (RunOptions.msiMode != 0 || RunOptions.silent != 0) {
+        SetStatus(dialog, LangString(kStringWorking));
+        StartInstallThread();
+        return;
+    }
+    const std::string family = FamilyOf(*installThreadParameters.record);
+    if (EqualsIgnoringCase(family, kFamilyWindowsNT) || EqualsIgnoringCase(family, kFamilyWindows98)) {
+        SetStatus(dialog, LangString(kStringWelcome) + LangString(kStringAdvice));
+        return;
+    }
+    SetStatus(dialog, LangString(kStringWelcome));
+    SetWindowTextA(buttons.cancel, LangString(kStringCancel).c_str());
+    SetWindowTextA(dialog, LangString(kStringCaption).c_str());
+}
+
+INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPARAM lParam)
+{
+    const HWND control = reinterpret_cast<HWND>(lParam);
+    if (HIWORD(wParam) != 0 || control == nullptr) {
+        return 0;
+    }
+    if (control == buttons.ok) {
+        HideAndDisable(buttons.cancel);
+        HideAndDisable(buttons.ok);
+        StartInstallThread();
+        return 1;
+    }
+    if (control == buttons.finish || control == buttons.restartLater || control == buttons.cancel) {
+        PostMessageA(dialog, WM_CLOSE, 0, 0);
+        return 1;
+    }
+    if (control == buttons.restartNow) {
+        RestartMachine();
+        return 1;
+    }
+    return 0;
+}
+
+INT_PTR OnRestartOffered(HWND dialog, const DialogButtons& buttons)
+{
+    EnableAndShow(buttons.restartNow);
+    EnableAndShow(buttons.restartLater);
+    Focus(dialog, buttons.restartNow);
+    SetTimer(dialog, kCountdownTimer, kCountdownPeriodMilliseconds, nullptr);
+    countdown = kCountdownStart;
+    return 1;
+}
+
+std::string CountdownText()
+{
+    const std::string format = LangString(kStringRestartCountdown);
+    // 99 is the highest insert that FormatMessage knows: a text that asks for more than the seconds reads zeros of
+    // ours.
+    std::array<DWORD_PTR, 99> arguments{static_cast<DWORD_PTR>(countdown)};
+    char* text = nullptr;
+    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY,
+                   format.c_str(), 0, 0, reinterpret_cast<char*>(&text), kMessageBytes,
+                   reinterpret_cast<va_list*>(arguments.data()));
+    const UniqueLocalText owner(text);
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+// Shows 20, 19, ... 0 and restarts on the 21st tick.
+INT_PTR OnCountdownTick(HWND dialog)
+{
+    SetStatus(dialog, CountdownText());
+    if (countdown <= 0) {
+        KillTimer(dialog, kCountdownTimer);
+        RestartMachine();
+    }
+    --countdown;
+    return 1;
+}
+
+INT_PTR EndMessageLoop()
+{
+    PostQuitMessage(0);
+    return 1;
+}
+
+INT_PTR OnTimer(HWND dialog, WPARAM timer)
+{
+    if (timer == kCountdownTimer) {
+        return OnCountdownTick(dialog);
+    }
+    if (timer == kCloseTimer) {
+        PostMessageA(dialog, WM_CLOSE, 0, 0);
+    }
+    return EndMessageLoop();
+}
+
+bool ActOnOutcome()
+{
+    const bool needed = RestartIsNeeded();
+    if (needed) {
+        isRegEntryTAVUnstl();
+    }
+    switch (DecideRestart(RunOptions, needed)) {
+        case RestartAction::Restart:
+            return true;
+        case RestartAction::Ask:
+            return AskRestartQuestion() == IDYES;
+        case RestartAction::RecordForInstaller:
+            SetRebootNeeded();
+            return false;
+        case RestartAction::None:
+            return false;
+    }
+    return false;
+}
+
+INT_PTR OnClose(HWND dialog)
+{
+    KillTimer(dialog, kCloseTimer);
+    const bool restart =
+        OutcomeDecidesRestart(RunOptions) ? ActOnOutcome() : DecideRestart(RunOptions, false) == RestartAction::Restart;
+    FreeLibrary(resourceModule);
+    resourceModule = nullptr;
+    if (restart) {
+        RestartMachine();
+    }
+    DestroyWindow(dialog);
+    return 0;
+}
+} // namespace
+
+INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const DialogButtons buttons = FindButtons(dialog);
+    if (RunOptions.msiMode != 0) {
+        HideAndDisable(buttons.cancel);
+        HideAndDisable(buttons.ok);
+    }
+    if (message == restartMessage) {
+        return OnRestartOffered(dialog, buttons);
+    }
+    switch (message) {
+        case WM_INITDIALOG:
+            InitializeDialog(dialog, buttons);
+            return 0;
+        case WM_COMMAND:
+            return OnCommand(dialog, buttons, wParam, lParam);
+        case WM_TIMER:
+            return OnTimer(dialog, wParam);
+        case WM_DESTROY:
+            return EndMessageLoop();
+        case WM_CLOSE:
+            return OnClose(dialog);
+        default:
+            return 0;
+    }
+}
+
+DWORD WINAPI InstallThread(void* parameters)
+{
+    Trace("Entering - InstallThread");
+    auto& thread = *static_cast<InstallThreadParameters*>(parameters);
+    thread.result = InstallDrivers(*thread.record, thread.dialog);
+    const bool failedInteractively =
+        thread.result == -1 && RunState.fcoeRestart == 0 && RunOptions.silent == 0 && RunOptions.msiMode == 0;
+    if (failedInteractively) {
+        SetStatus(thread.dialog, LangString(kStringInstallFailed));
+        const HWND finish = GetDlgItem(thread.dialog, kFinishButton);
+        EnableAndShow(finish);
+        Focus(thread.dialog, finish);
+    }
+    return 0;
+}

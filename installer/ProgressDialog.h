@@ -1,0 +1,21 @@
+#pragma once
+
+#include <windows.h>
+
+#include "DriverInstallRecord.h"
+
+/// What the install thread works on. One for the process.
+struct InstallThreadParameters
+{
+    DriverInstallRecord* record = nullptr; ///< set by start-up before the dialog exists
+    HWND dialog = nullptr;                 ///< set by the dialog when it is initialised
+    int result = 0;                        ///< set by the thread: what InstallDrivers returned
+};
+extern InstallThreadParameters installThreadParameters;
+
+/// Dialog procedure of the progress dialog: starts the install thread, shows what it reports, decides about the restart
+/// and ends the message loop. Nonzero for handled messages.
+INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/// The install thread. @param parameters  the InstallThreadParameters. @return 0.
+DWORD WINAPI InstallThread(void* parameters);

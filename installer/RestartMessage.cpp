@@ -1,0 +1,3 @@
+#include "RestartMessage.h"
+
+const UINT restartMessage = RegisterWindowMessageA("Norda Morvix Restart Now");

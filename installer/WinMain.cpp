@@ -1,0 +1,149 @@
+#include <windows.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <string>
+
+#include "CommandLine.h"
+#include "DialogControls.h"
+#include "DriverInstallRecord.h"
+#include "Handles.h"
+#include "LangString.h"
+#include "LanguageTable.h"
+#include "LocationInfo.h"
+#include "OSLanguage.h"
+#include "ProgressDialog.h"
+#include "RestorePoint.h"
+#include "ResultKeys.h"
+#include "RunOptions.h"
+#include "RunState.h"
+#include "SetupLocation.h"
+#include "SingleInstance.h"
+#include "SystemProbe.h"
+#include "Trace.h"
+
+namespace {
+constexpr int kExitFailure = -1;
+constexpr char kWindowClass[] = "Morvix";
+
+// A fault that nothing handles, such as a device name that no search rule fits, ends the process at once with a trace
+// and the exit code of a failed run: nobody may be there to close a system box.
+[[noreturn]] void EndOnUnhandledFault()
+{
+    std::string what = "unknown";
+    try {
+        if (const std::exception_ptr fault = std::current_exception()) {
+            std::rethrow_exception(fault);
+        }
+    } catch (const std::exception& fault) {
+        what = fault.what();
+    } catch (...) {
+        what = "not a standard exception";
+    }
+    Trace("unhandled fault: " + what + "\n");
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(kExitFailure));
+    std::abort();
+}
+
+bool LoadResourceLibrary()
+{
+    const std::string path = LocationInfo.setupDir + R"(\MorvixRes.dll)";
+    resourceModule = LoadLibraryA(path.c_str());
+    if (resourceModule == nullptr) {
+        Trace("unable to load: " + path + "\n");
+        return false;
+    }
+    return true;
+}
+
+void FreeResourceLibrary()
+{
+    FreeLibrary(resourceModule);
+    resourceModule = nullptr;
+}
+
+bool RegisterDialogClass()
+{
+    WNDCLASSA windowClass{};
+    windowClass.style = CS_VREDRAW | CS_HREDRAW | CS_NOCLOSE;
+    windowClass.lpfnWndProc = DefDlgProcA;
+    windowClass.cbWndExtra = DLGWINDOWEXTRA;
+    windowClass.hInstance = resourceModule;
+    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
+    windowClass.lpszClassName = kWindowClass;
+    return RegisterClassA(&windowClass) != 0;
+}
+
+int RunDialog(DriverInstallRecord& record)
+{
+    if (!RegisterDialogClass()) {
+        MessageBoxA(nullptr, "This program requires Windows NT.", "Morvix", MB_ICONERROR);
+        return 0;
+    }
+    installThreadParameters.record = &record;
+    // Under a Windows Installer user interface the dialog belongs to the installer's window.
+    const HWND owner = FindWindowA("MsiDialogCloseClass", nullptr);
+    const HWND dialog =
+        CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
+    ShowWindow(dialog, RunOptions.silent != 0 ? SW_HIDE : SW_SHOWNORMAL);
+
+    MSG message{};
+    while (GetMessageA(&message, nullptr, 0, 0) != 0) {
+        if (IsDialogMessageA(dialog, &message) == FALSE) {
+            TranslateMessage(&message);
+            DispatchMessageA(&message);
+        }
+    }
+    return static_cast<int>(message.wParam);
+}
+
+int RunProgram(int argc, const char* const* argv)
+{
+    Trace("Entering -WinMain ");
+    RunState = {};
+    setRestorePoint = nullptr;
+    DeleteRebootNeeded();
+    if (SetLocationInfo(argc > 0 ? argv[0] : "") == 0) {
+        Trace("error: SetLocationInfo() failed, exiting program\n");
+        return kExitFailure;
+    }
+    const uint16_t language = GetOSLanguageID(nullptr, 0);
+    runLanguageId = language == 0 ? kFallbackLanguage : language;
+    if (!LoadResourceLibrary()) {
+        return kExitFailure;
+    }
+
+    OptionMap optionMap;
+    ParseCommandLine(optionMap, argc, argv);
+    CommandLineDecision decision = DecideOptions(optionMap);
+    for (std::string& line : decision.traceLines) {
+        Trace(std::move(line));
+    }
+    if (decision.help) {
+        FreeResourceLibrary();
+        return 0;
+    }
+    RunOptions = decision.options;
+
+    if (PreviousInstanceRunning("Morvix") != 0) {
+        Trace("detected previous instance of application or Tavisk is active; unable to continue\n");
+        FreeResourceLibrary();
+        return kExitFailure;
+    }
+    const auto record = std::make_unique<DriverInstallRecord>();
+    if (const uint32_t status = ProbeSystem(*record); status != 0) {
+        ReportProbeFailure(status, *record, RunOptions.silent != 0);
+        FreeResourceLibrary();
+        return kExitFailure;
+    }
+    return RunDialog(*record);
+}
+} // namespace
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
+{
+    std::set_terminate(EndOnUnhandledFault);
+    return RunProgram(__argc, __argv);
+}

@@ -1,0 +1,69 @@
+#include "ProcessLaunch.h"
+
+#include <windows.h>
+
+#include <array>
+
+#include "Handles.h"
+#include "LastError.h"
+#include "Trace.h"
+
+namespace {
+int StartAndWait(std::string& commandLine)
+{
+    STARTUPINFOA startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) ==
+        FALSE) {
+        const DWORD error = GetLastError();
+        Trace("CreateProcess() error (path too long?)");
+        SetLastError(error);
+        PrintGetLastErrorMessage();
+        return -1;
+    }
+    const UniqueHandle processOwner(process.hProcess);
+    const UniqueHandle threadOwner(process.hThread);
+    Trace("waiting for process to exit");
+    WaitForSingleObject(process.hProcess, INFINITE);
+    Trace("done waiting for process to exit\n");
+    return 0;
+}
+} // namespace
+
+int LaunchAppandWait(std::string commandLine)
+{
+    Trace("Entering - LaunchAppandWait");
+    Trace("LaunchAppandWait(),  " + commandLine + "\n");
+    std::array<char, MAX_PATH> directory{};
+    GetCurrentDirectoryA(MAX_PATH, directory.data());
+    Trace("current directory:  " + std::string(directory.data()) + "\n");
+    return StartAndWait(commandLine);
+}
+
+int UninstallAppandWait(std::string commandLine)
+{
+    Trace("Entering - UninstallAppandWait");
+    return StartAndWait(commandLine);
+}
+
+int DoUninstall(const DriverInstallRecord& record)
+{
+    Trace("Entering - DoUninstall");
+    const std::string family = FamilyOf(record);
+    const bool is9x =
+        EqualsIgnoringCase(family, kFamilyWindows98) || EqualsIgnoringCase(family, kFamilyWindowsMillenium);
+    std::array<char, MAX_PATH> systemDirectory{};
+    GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
+    const std::string path = systemDirectory.data() + std::string(is9x ? R"(\Kelsdel.exe)" : R"(\Tavunstl.exe)");
+    Trace("uninstall app: " + path + "\n");
+
+    WIN32_FIND_DATAA found{};
+    // The search handle stays open: one handle per uninstall, by design.
+    if (FindFirstFileA(path.c_str(), &found) == INVALID_HANDLE_VALUE) {
+        Trace("unable to find uninstall app\n");
+        return 0;
+    }
+    UninstallAppandWait("\"" + path + "\" /nogui");
+    return 1;
+}

@@ -1,0 +1,3 @@
+#include "RunOptions.h"
+
+RunOptionsRecord RunOptions;

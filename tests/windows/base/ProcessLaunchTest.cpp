@@ -1,0 +1,134 @@
+#include "ProcessLaunch.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+
+#include "DebugOutput.h"
+#include "ScratchDirectory.h"
+#include "TestFiles.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+std::string SystemFile(const std::string& name)
+{
+    std::array<char, MAX_PATH> directory{};
+    GetSystemDirectoryA(directory.data(), MAX_PATH);
+    return directory.data() + ("\\" + name);
+}
+
+std::string CurrentDirectory()
+{
+    std::array<char, MAX_PATH> directory{};
+    GetCurrentDirectoryA(MAX_PATH, directory.data());
+    return directory.data();
+}
+
+DriverInstallRecord RecordOf(std::string_view family)
+{
+    DriverInstallRecord record;
+    std::ranges::copy(family, record.osFamily.begin());
+    return record;
+}
+
+/// The recorder under the uninstaller's name in the system directory, gone again afterwards.
+class Uninstaller
+{
+public:
+    explicit Uninstaller(const std::string& name) : m_path(SystemFile(name))
+    {
+        DeleteFileA(Journal().c_str());
+        CopyFileTo(TestFile("command_line_recorder.exe"), m_path);
+    }
+    ~Uninstaller()
+    {
+        DeleteFileA(m_path.c_str());
+        DeleteFileA(Journal().c_str());
+    }
+    Uninstaller(const Uninstaller&) = delete;
+    Uninstaller& operator=(const Uninstaller&) = delete;
+    [[nodiscard]] const std::string& Path() const { return m_path; }
+    [[nodiscard]] std::string Journal() const { return m_path + ".journal.txt"; }
+
+private:
+    std::string m_path;
+};
+} // namespace
+
+TEST(ProcessLaunch, ProgramHasEndedWhenTheCallReturns)
+{
+    const ScratchDirectory scratch;
+    const std::string program = scratch.At("with blank.exe");
+    CopyFileTo(TestFile("command_line_recorder.exe"), program);
+    const std::string command = "\"" + program + "\" one two";
+    TraceCapture trace;
+    EXPECT_EQ(0, LaunchAppandWait(command));
+    EXPECT_THAT(ReadFileBytes(program + ".journal.txt"), HasSubstr("command line: " + command));
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - LaunchAppandWait", "LaunchAppandWait(),  " + command + "\n",
+                                              "current directory:  " + CurrentDirectory() + "\n",
+                                              "waiting for process to exit", "done waiting for process to exit\n"));
+}
+
+TEST(ProcessLaunch, MissingProgramYieldsMinusOneAndItsTrace)
+{
+    TraceCapture trace;
+    EXPECT_EQ(-1, LaunchAppandWait("no-such-program.exe"));
+    const std::vector<std::string> messages = trace.Messages();
+    ASSERT_EQ(6U, messages.size());
+    EXPECT_EQ("CreateProcess() error (path too long?)", messages[3]);
+    EXPECT_EQ("Entering - PrintGetLastErrorMessage", messages[4]);
+    EXPECT_FALSE(messages[5].empty());
+}
+
+TEST(ProcessLaunch, UninstallHasTheSameResultsAndAShorterTrace)
+{
+    TraceCapture trace;
+    EXPECT_EQ(-1, UninstallAppandWait("no-such-program.exe"));
+    const std::vector<std::string> messages = trace.Messages();
+    ASSERT_EQ(4U, messages.size());
+    EXPECT_EQ("Entering - UninstallAppandWait", messages[0]);
+    EXPECT_EQ("CreateProcess() error (path too long?)", messages[1]);
+    trace.Clear();
+    EXPECT_EQ(0, UninstallAppandWait("\"" + TestFile("command_line_recorder.exe") + "\""));
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - UninstallAppandWait", "waiting for process to exit",
+                                              "done waiting for process to exit\n"));
+    DeleteFileA((TestFile("command_line_recorder.exe") + ".journal.txt").c_str());
+}
+
+TEST(ProcessLaunch, UninstallerIsRunQuotedAndWithoutItsUserInterface)
+{
+    const Uninstaller uninstaller("Tavunstl.exe");
+    TraceCapture trace;
+    EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
+    EXPECT_THAT(ReadFileBytes(uninstaller.Journal()), HasSubstr("command line: \"" + uninstaller.Path() + "\" /nogui"));
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - DoUninstall", "uninstall app: " + uninstaller.Path() + "\n",
+                                              "Entering - UninstallAppandWait", "waiting for process to exit",
+                                              "done waiting for process to exit\n"));
+}
+
+TEST(ProcessLaunch, LegacyFamiliesHaveAnUninstallerOfTheirOwn)
+{
+    const Uninstaller uninstaller("Kelsdel.exe");
+    for (const char* family : {"Windows 98", "windows millenium"}) {
+        DeleteFileA(uninstaller.Journal().c_str());
+        EXPECT_EQ(1, DoUninstall(RecordOf(family))) << family;
+        EXPECT_TRUE(FileExists(uninstaller.Journal())) << family;
+    }
+    for (const char* family : {"Windows 2000", "Windows Whistler", "Windows NT", "Windows 98 SE", ""}) {
+        EXPECT_EQ(0, DoUninstall(RecordOf(family))) << family;
+    }
+}
+
+TEST(ProcessLaunch, NoUninstallerYieldsZeroAndItsTrace)
+{
+    TraceCapture trace;
+    EXPECT_EQ(0, DoUninstall(RecordOf(kFamilyWindowsVista)));
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering - DoUninstall", "uninstall app: " + SystemFile("Tavunstl.exe") + "\n",
+                            "unable to find uninstall app\n"));
+}
