@@ -1,0 +1,50 @@
+#include "SystemFamily.h"
+
+namespace {
+constexpr uint32_t kServed = 0;
+
+SystemFamily FamilyOfWindows9x(uint32_t major, uint32_t minor) noexcept
+{
+    if (major == 4 && minor == 10) {
+        return {"Windows 98", kServed};
+    }
+    if (major == 4 && minor == 90) {
+        // The spelling is the family's name.
+        return {"Windows Millenium", kServed};
+    }
+    return {};
+}
+
+SystemFamily FamilyOfWindowsNT(uint32_t major, uint32_t minor) noexcept
+{
+    if (major < 5) {
+        // The name tells the caller which of its two refusals to show.
+        return {"Windows NT", kStatusSystemNotServed};
+    }
+    if (major > 5) {
+        // Every system since 6.0 binds drivers alike, whatever it calls itself.
+        return {"Windows Vista", kServed};
+    }
+    switch (minor) {
+        case 0:
+            return {"Windows 2000", kServed};
+        case 1:
+        case 2:
+            return {"Windows Whistler", kServed};
+        default:
+            return {};
+    }
+}
+} // namespace
+
+SystemFamily FamilyForVersion(uint32_t platform, uint32_t major, uint32_t minor) noexcept
+{
+    switch (platform) {
+        case kPlatformWindows9x:
+            return FamilyOfWindows9x(major, minor);
+        case kPlatformWindowsNT:
+            return FamilyOfWindowsNT(major, minor);
+        default:
+            return {};
+    }
+}

@@ -1,0 +1,15 @@
+#include <gmock/gmock.h>
+
+#include <cstring>
+
+#include "NetInstClient.h"
+
+// The suite starts itself again to see the libraries on other systems; everything else is an ordinary test program.
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::strcmp(argv[1], kTaskArgument) == 0) {
+        return RunTask(argv[2]);
+    }
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}

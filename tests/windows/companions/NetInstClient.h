@@ -1,0 +1,77 @@
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <string>
+#include <utility>
+
+#include "Handles.h"
+#include "NetInst.h"
+
+/// The caller's side of the installer library.
+
+/// The install record as the program lays it out: family at 0, INF path at 204, hardware ID at 716.
+struct RawRecord
+{
+    std::array<char, 1280> bytes{};
+
+    void SetInfPath(const std::string& path) { path.copy(bytes.data() + 204, 256); }
+    void SetHardwareId(const std::string& id) { id.copy(bytes.data() + 716, 300); }
+    [[nodiscard]] std::string Family() const { return bytes.data(); }
+};
+
+struct Releaser
+{
+    template <class Object>
+    void operator()(Object* object) const
+    {
+        object->Release();
+    }
+};
+template <class Object>
+using Held = std::unique_ptr<Object, Releaser>;
+
+/// NetInst.dll as it was built, loaded for the life of the object. Throws std::runtime_error when it cannot be loaded.
+class NetInstLibrary
+{
+public:
+    NetInstLibrary();
+
+    /// @return the entry point's answer and what it left in the factory pointer, which held a wild address before.
+    [[nodiscard]] std::pair<int32_t, void*> AskForFactory(const char* name) const;
+    [[nodiscard]] DllGetClassFactoryObjectFn EntryPoint() const { return m_entryPoint; }
+    [[nodiscard]] HMODULE Module() const { return m_library.get(); }
+
+    /// The objects, made the way the program makes them; null when one of the steps fails.
+    [[nodiscard]] Held<ISysProberInterface> MakeProber() const;
+    [[nodiscard]] Held<IDriverInstallInterface> MakeInstaller(RawRecord& record) const;
+
+private:
+    UniqueLibrary m_library;
+    DllGetClassFactoryObjectFn m_entryPoint = nullptr;
+};
+
+/// What an install answered.
+struct InstallAnswer
+{
+    int32_t status = 0;
+    DWORD lastError = 0;
+};
+/// Binds `hardwareId` to `infPath` through the library. The last error is set to `lastErrorBefore` first.
+[[nodiscard]] InstallAnswer InstallThroughNetInst(const std::string& infPath, const std::string& hardwareId,
+                                                  DWORD lastErrorBefore = ERROR_SUCCESS);
+
+/// Runs this test program again as a process that reports another system version (a setting that Wine reads when a
+/// process starts), hands it `task` and returns what it printed. The tasks are those of RunTask.
+[[nodiscard]] std::string RunTaskOnSystem(const std::string& wineVersion, const std::string& task);
+
+/// Does one task of a child process and prints the answer:
+///   "identify"                        "<status> <family>"
+///   "install <hardware ID> <INF path>" "<status> <last error>"
+/// Numbers are hexadecimal with eight digits.
+/// @return the process's exit code: 0 when the task was understood.
+int RunTask(const std::string& task);
+
+/// The first argument of a child process; the second is the task.
+inline constexpr char kTaskArgument[] = "--netinst-task";
