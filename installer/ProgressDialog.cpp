@@ -21,6 +21,7 @@ InstallThreadParameters installThreadParameters;
 
 namespace {
 int countdown = kCountdownStart;
+UniqueHandle installThread;
 
 struct DialogButtons
 {
@@ -62,8 +63,7 @@ void SetStatus(HWND dialog, const std::string& text)
 void StartInstallThread()
 {
     DWORD threadId = 0;
-    // The thread ends with the process; nobody waits for it.
-    const UniqueHandle thread(CreateThread(nullptr, 0, InstallThread, &installThreadParameters, 0, &threadId));
+    installThread.reset(CreateThread(nullptr, 0, InstallThread, &installThreadParameters, 0, &threadId));
 }
 
 void InitializeDialog(HWND dialog, const DialogButtons& buttons)
@@ -194,6 +194,13 @@ INT_PTR OnClose(HWND dialog)
     return 0;
 }
 } // namespace
+
+void WaitForInstallThread()
+{
+    if (installThread) {
+        WaitForSingleObject(installThread.get(), INFINITE);
+    }
+}
 
 INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {

@@ -96,6 +96,7 @@ int RunDialog(DriverInstallRecord& record)
             DispatchMessageA(&message);
         }
     }
+    WaitForInstallThread();
     return static_cast<int>(message.wParam);
 }
 

@@ -12,7 +12,7 @@ int main()
     GetModuleFileNameA(nullptr, own.data(), MAX_PATH);
     std::array<char, MAX_PATH> directory{};
     GetCurrentDirectoryA(MAX_PATH, directory.data());
-    std::ofstream journal(std::string(own.data()) + ".journal.txt", std::ios::app);
+    std::ofstream journal(std::string(own.data()) + ".journal.txt", std::ios::app | std::ios::binary);
     journal << "command line: " << GetCommandLineA() << "\ndirectory: " << directory.data() << '\n';
     return 7;
 }

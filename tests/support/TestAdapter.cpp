@@ -33,7 +33,7 @@ UniqueService OpenManager()
 /// @return false when the service does not get there in time.
 bool WaitForState(SC_HANDLE service, DWORD state)
 {
-    for (const ULONGLONG start = GetTickCount64(); GetTickCount64() - start < kLongestWait; Sleep(10)) {
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < kLongestWait; Sleep(10)) {
         SERVICE_STATUS status{};
         if (QueryServiceStatus(service, &status) != FALSE && status.dwCurrentState == state) {
             return true;
@@ -178,4 +178,16 @@ TestAdapterDriver::Asked TestAdapterDriver::WhatWasAsked(const std::string& inst
         asked.lastData = data->bytes;
     }
     return asked;
+}
+
+bool TestAdapterDriver::WaitUntilAllIsClosed(const std::string& instanceId) const
+{
+    constexpr DWORD kLongestClose = 5000;
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < kLongestClose; Sleep(10)) {
+        const Asked asked = WhatWasAsked(instanceId);
+        if (asked.closes == asked.opens) {
+            return true;
+        }
+    }
+    return false;
 }

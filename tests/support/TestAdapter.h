@@ -67,6 +67,10 @@ public:
     };
     [[nodiscard]] Asked WhatWasAsked(const std::string& instanceId = {}) const;
 
+    /// Closing a device is told to its driver some time after the program has closed it.
+    /// @return false when not everything that was opened gets closed within 5 seconds.
+    [[nodiscard]] bool WaitUntilAllIsClosed(const std::string& instanceId = {}) const;
+
 private:
     void Start(const std::string& driverFile);
 };
