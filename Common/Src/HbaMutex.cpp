@@ -1,0 +1,32 @@
+#include "HbaMutex.h"
+
+namespace {
+constexpr char kMutexName[] = R"(Global\CHBAAPINTMUT)";
+constexpr DWORD kLimitMilliseconds = 10000;
+} // namespace
+
+CHBAAPIMutex::CHBAAPIMutex() : m_mutex(CreateMutexA(nullptr, FALSE, kMutexName)) {}
+
+CHBAAPIMutex::~CHBAAPIMutex()
+{
+    Unlock();
+}
+
+bool CHBAAPIMutex::Lock()
+{
+    if (!m_mutex) {
+        return false;
+    }
+    const DWORD outcome = WaitForSingleObject(m_mutex.get(), kLimitMilliseconds);
+    // An abandoned mutex is held too, though it does not count as had: it must be released all the same.
+    m_held = outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
+    return outcome == WAIT_OBJECT_0;
+}
+
+void CHBAAPIMutex::Unlock()
+{
+    if (m_held) {
+        ReleaseMutex(m_mutex.get());
+        m_held = false;
+    }
+}

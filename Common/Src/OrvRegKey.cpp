@@ -1,0 +1,199 @@
+#include "OrvRegKey.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+constexpr REGSAM kReadAccess = KEY_READ;
+constexpr REGSAM kWriteAccess = KEY_READ | KEY_WRITE;
+constexpr DWORD kSubKeyNameBytes = 256;
+constexpr DWORD kValueNameBytes = 512;
+
+REGSAM Access(bool write)
+{
+    return write ? kWriteAccess : kReadAccess;
+}
+
+// The name of a predefined root with a backslash, or null for any other key.
+const char* RootName(HKEY root)
+{
+    struct Row
+    {
+        HKEY root;
+        const char* name;
+    };
+    static const std::array<Row, 7> kRoots{{
+        {HKEY_LOCAL_MACHINE, R"(HKEY_LOCAL_MACHINE\)"},
+        {HKEY_CLASSES_ROOT, R"(HKEY_CLASSES_ROOT\)"},
+        {HKEY_CURRENT_USER, R"(HKEY_CURRENT_USER\)"},
+        {HKEY_USERS, R"(HKEY_USERS\)"},
+        {HKEY_PERFORMANCE_DATA, R"(HKEY_PERFORMANCE_DATA\)"},
+        {HKEY_CURRENT_CONFIG, R"(HKEY_CURRENT_CONFIG\)"},
+        {HKEY_DYN_DATA, R"(HKEY_DYN_DATA\)"},
+    }};
+    for (const Row& row : kRoots) {
+        if (row.root == root) {
+            return row.name;
+        }
+    }
+    return nullptr;
+}
+} // namespace
+
+COrvRegKey::COrvRegKey(HKEY key)
+{
+    Store(key);
+}
+
+COrvRegKey::COrvRegKey(const COrvRegKey& /*other*/) {}
+
+COrvRegKey& COrvRegKey::operator=(HKEY key)
+{
+    if (m_owner && m_owner.use_count() == 1) {
+        // The handle held so far stays open: the caller was to close it and may still be using it.
+        static_cast<void>(m_owner->release());
+    }
+    Store(key);
+    return *this;
+}
+
+COrvRegKey::~COrvRegKey()
+{
+    Close();
+}
+
+void COrvRegKey::Init()
+{
+    m_hKey = nullptr;
+    m_bOpen = false;
+    m_lLastResult = 0;
+    m_dwEnumIndex = 0;
+    m_strKeyPath.ClearString();
+}
+
+void COrvRegKey::Store(HKEY key)
+{
+    m_owner = std::make_shared<UniqueRegKey>(key);
+    m_hKey = key;
+    m_bOpen = true;
+}
+
+void COrvRegKey::CloseHandleOnly()
+{
+    m_owner.reset();
+    m_hKey = nullptr;
+    m_bOpen = false;
+}
+
+void COrvRegKey::Close()
+{
+    if (m_bOpen) {
+        CloseHandleOnly();
+        Init();
+    }
+}
+
+// The path is composed even when the open fails, so that it names what was asked for. The enumeration index stays as
+// well.
+bool COrvRegKey::Open(HKEY root, const COrvString& subKey, bool write)
+{
+    CloseHandleOnly();
+    HKEY key = nullptr;
+    m_lLastResult = RegOpenKeyExA(root, subKey, 0, Access(write), &key);
+    if (m_lLastResult == ERROR_SUCCESS) {
+        Store(key);
+    }
+    if (const char* rootName = RootName(root); rootName != nullptr) {
+        m_strKeyPath = rootName + subKey;
+    }
+    return m_bOpen;
+}
+
+bool COrvRegKey::Create(HKEY root, const COrvString& subKey, bool write, bool isVolatile)
+{
+    CloseHandleOnly();
+    HKEY key = nullptr;
+    DWORD disposition = 0;
+    m_lLastResult =
+        RegCreateKeyExA(root, subKey, 0, nullptr, isVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE,
+                        Access(write), nullptr, &key, &disposition);
+    if (m_lLastResult != ERROR_SUCCESS) {
+        return false;
+    }
+    Store(key);
+    if (const char* rootName = RootName(root); rootName != nullptr) {
+        m_strKeyPath = rootName + subKey;
+    }
+    return true;
+}
+
+bool COrvRegKey::SubKeyExists(const COrvString& name) const
+{
+    COrvRegKey subKey;
+    return subKey.Open(m_hKey, name, false);
+}
+
+bool COrvRegKey::EnumSubKey(COrvString& name)
+{
+    std::array<char, kSubKeyNameBytes> buffer{};
+    DWORD chars = kSubKeyNameBytes;
+    FILETIME lastWrite{};
+    m_lLastResult =
+        RegEnumKeyExA(m_hKey, m_dwEnumIndex++, buffer.data(), &chars, nullptr, nullptr, nullptr, &lastWrite);
+    if (m_lLastResult == ERROR_NO_MORE_ITEMS) {
+        m_dwEnumIndex = 0;
+    }
+    if (m_lLastResult != ERROR_SUCCESS) {
+        return false;
+    }
+    name = buffer.data();
+    return true;
+}
+
+bool COrvRegKey::EnumValue(COrvString& name)
+{
+    std::array<char, kValueNameBytes> buffer{};
+    DWORD chars = kValueNameBytes;
+    m_lLastResult = RegEnumValueA(m_hKey, m_dwEnumIndex++, buffer.data(), &chars, nullptr, nullptr, nullptr, nullptr);
+    if (m_lLastResult == ERROR_NO_MORE_ITEMS) {
+        m_dwEnumIndex = 0;
+    }
+    if (m_lLastResult != ERROR_SUCCESS) {
+        return false;
+    }
+    name = buffer.data();
+    return true;
+}
+
+bool COrvRegKey::DeleteSubKey(const char* name)
+{
+    // An empty name would mean this key itself.
+    if (!m_bOpen || name == nullptr || *name == '\0') {
+        return false;
+    }
+    COrvRegKey child;
+    if (!child.Open(m_hKey, name, false)) {
+        return false;
+    }
+    std::array<char, kSubKeyNameBytes> buffer{};
+    DWORD chars = kSubKeyNameBytes;
+    FILETIME lastWrite{};
+    // Always the first one: the others move up as it goes.
+    while (RegEnumKeyExA(child.m_hKey, 0, buffer.data(), &chars, nullptr, nullptr, nullptr, &lastWrite) ==
+           ERROR_SUCCESS) {
+        if (!child.DeleteSubKey(buffer.data())) {
+            return false;
+        }
+        chars = kSubKeyNameBytes;
+    }
+    child.Close();
+    return RemoveSubKey(name) == ERROR_SUCCESS;
+}
+
+unsigned long COrvRegKey::RemoveSubKey(const char* name) const
+{
+    if (name == nullptr) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    return static_cast<unsigned long>(RegDeleteKeyA(m_hKey, name));
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+/// The decisions of the library trace: what each level writes, and where the log file lies.
+///
+/// level  Print                error                registry consulted
+/// 0      nothing              nothing              no
+/// 1      file                 file                 yes
+/// 2      nothing              file                 yes
+/// 3      file                 file                 no
+/// 4      file and debugger    file and debugger    no
+/// Any other level behaves as 3.
+
+[[nodiscard]] bool OrvPrintWrites(uint32_t level) noexcept;
+[[nodiscard]] bool OrvErrorWrites(uint32_t level) noexcept;
+[[nodiscard]] bool OrvMirrorsToDebugger(uint32_t level) noexcept;
+[[nodiscard]] bool OrvConsultsRegistry(uint32_t level) noexcept;
+
+/// The level at which an error line is written while the trace stands at `level`: errors appear in the file at level 2
+/// too.
+[[nodiscard]] uint32_t OrvErrorLineLevel(uint32_t level) noexcept;
+
+/// @return true for a file name of 1 to 245 characters.
+[[nodiscard]] bool OrvIsLogFileName(const char* fileName) noexcept;
+
+enum class OrvLogDirectory
+{
+    None,         ///< The file name is used as given.
+    InstalledDir, ///< The directory that the registry names.
+    Temp,         ///< The directory of the environment variable "Temp".
+};
+
+/// Where the log file of a module lies.
+/// @param plainFileName     The module writes to its file name as given.
+/// @param setUpModule       The module runs before anything is installed, so the registry has nothing to say to it.
+/// @param productKeyOpened  The product's key could be opened.
+[[nodiscard]] OrvLogDirectory OrvChooseLogDirectory(bool plainFileName, bool setUpModule,
+                                                    bool productKeyOpened) noexcept;
+
+/// @return the part of `path` from its last backslash on, or null when it has none.
+[[nodiscard]] const char* OrvNameWithBackslash(const char* path) noexcept;

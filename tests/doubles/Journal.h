@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// What every double shares: a journal of what it was asked and the answers that a test has laid down for it. Both lie
+/// beside the double's own file.
+
+/// Appends one line to journal.txt. Several doubles in one folder share the journal, so it also shows their order.
+void WriteJournal(const std::string& line);
+
+/// @return the text of `key` in the section "Answers" of <double's name>.answers.ini, or `otherwise` when there is
+/// none.
+[[nodiscard]] std::string Answer(const std::string& key, const std::string& otherwise = {});
+
+/// @return the answer as a number, decimal or with 0x; 0 when there is none.
+[[nodiscard]] uint32_t AnswerNumber(const std::string& key);
+
+/// @return `number` as 0x and eight hexadecimal digits.
+[[nodiscard]] std::string Hex(uint32_t number);

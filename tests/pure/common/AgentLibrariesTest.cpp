@@ -1,0 +1,55 @@
+#include "AgentLibraries.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace {
+constexpr std::array<AgentLibrary, 3> kLibraries{{
+    {"NetShell", "NetShlRs", "KeyA", "ResourcePath"},
+    {"Agent", "AgentOne", "KeyB", "InstallDir"},
+    {"Agent", "AgentTwo", "KeyC", "InstalledDir"},
+}};
+} // namespace
+
+TEST(AgentLibraries, AreFoundByShortNameWithoutRegardToLetterCase)
+{
+    EXPECT_EQ(FindAgentLibrary(kLibraries, "NetShell"), kLibraries.data());
+    EXPECT_EQ(FindAgentLibrary(kLibraries, "nETsHELL"), kLibraries.data());
+}
+
+TEST(AgentLibraries, TheFirstRowOfANameCounts)
+{
+    EXPECT_EQ(FindAgentLibrary(kLibraries, "Agent"), &kLibraries[1]);
+}
+
+TEST(AgentLibraries, OnlyWholeNamesAreFound)
+{
+    EXPECT_EQ(FindAgentLibrary(kLibraries, "Net"), nullptr);
+    EXPECT_EQ(FindAgentLibrary(kLibraries, "NetShell "), nullptr);
+    EXPECT_EQ(FindAgentLibrary(kLibraries, ""), nullptr);
+    EXPECT_EQ(FindAgentLibrary({}, "NetShell"), nullptr);
+    // The characters around the letters are not folded.
+    constexpr std::array<AgentLibrary, 1> kOdd{{{"a[", "", "", ""}}};
+    EXPECT_EQ(FindAgentLibrary(kOdd, "A{"), nullptr);
+}
+
+TEST(AgentLibraries, ThePathTakesTheExtensionAndOneBackslash)
+{
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "File"), R"(C:\Dir\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir\)", "File"), R"(C:\Dir\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(c:\)", "File"), R"(c:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(\\server\share)", "File"), R"(\\server\share\File.DLL)");
+}
+
+TEST(AgentLibraries, ADirectoryThatIsNoFullPathGivesNoPath)
+{
+    for (const char* directory : {"", ".", "Dir", R"(\Dir)", "C:", "C:Dir", R"(1:\Dir)", R"(\\)", R"(%Dir%\x)"}) {
+        EXPECT_EQ(AgentLibraryPath(directory, "File"), std::nullopt) << directory;
+    }
+}
+
+TEST(AgentLibraries, NoFileNameGivesNoPath)
+{
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", ""), std::nullopt);
+}
