@@ -30,3 +30,10 @@ TEST(LegacyCommand, PathsAreCutAtTheirLimit)
     EXPECT_EQ(CutToPathLimit(std::string(260, 'x')), std::string(259, 'x'));
     EXPECT_EQ(DriveAndDirectoryOf(std::string(400, 'x') + "\\Morvix.exe").size(), 259U);
 }
+
+TEST(LegacyCommand, StagingNamesNoDeviceAndTheCabDirectory)
+{
+    EXPECT_EQ(LegacyStagingCommandLine("C:\\WINDOWS\\INSTALL\\"),
+              "Rundll.exe Inst98.dll,EntryPoint noID C:\\WINDOWS\\INSTALL\\");
+    EXPECT_EQ(LegacyStagingCommandLine(std::string(2000, 'x')).size(), 999U);
+}

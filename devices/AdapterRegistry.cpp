@@ -1,0 +1,32 @@
+#include "AdapterRegistry.h"
+
+#include <vector>
+
+UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access)
+{
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access, &key) != ERROR_SUCCESS) {
+        return nullptr;
+    }
+    return UniqueRegKey(key);
+}
+
+std::optional<std::string> ReadTextValue(HKEY key, const char* name)
+{
+    constexpr std::size_t kSpareBytes = 5;
+    DWORD bytes = 0;
+    if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &bytes) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    std::vector<char> text(std::size_t{bytes} + kSpareBytes, '\0');
+    if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return std::string(text.data());
+}
+
+std::optional<std::string> ReadNetCfgInstanceId(const std::string& driverKey)
+{
+    const UniqueRegKey key = OpenMachineKey(R"(SYSTEM\CurrentControlSet\Control\Class\)" + driverKey, KEY_READ);
+    return key ? ReadTextValue(key.get(), "NetCfgInstanceId") : std::nullopt;
+}

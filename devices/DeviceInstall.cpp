@@ -1,0 +1,146 @@
+#include "DeviceInstall.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "DevicePassState.h"
+#include "DriverUpdate.h"
+#include "IScsiAdapter.h"
+#include "InfReader.h"
+#include "InstallingText.h"
+#include "LangString.h"
+#include "LegacyInstall.h"
+#include "NetCfgInstance.h"
+#include "OrvRegKey.h"
+#include "PostInstall.h"
+#include "Trace.h"
+
+namespace {
+constexpr int kProgressControl = 1000;
+constexpr std::size_t kInstanceIdChars = 260;
+constexpr char kSourcePathValue[] = "Tavunstl_source_path";
+
+/// What the driver-install interface answered.
+struct InterfaceAnswer
+{
+    int32_t status = 0;
+    DWORD lastError = ERROR_SUCCESS;
+};
+
+void ShowProgress(HWND dialog)
+{
+    const std::string text =
+        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1);
+    SetDlgItemTextA(dialog, kProgressControl, text.c_str());
+    Trace("==>installing driver(s)\n");
+}
+
+std::string DescribeInstall(const std::string& label, const DriverInstallRecord& record)
+{
+    return label + std::string(TextIn(record.hardwareId)) + ", " + std::string(TextIn(record.infPath)) + "\n";
+}
+
+/// The uninstaller learns from a registry value which INF is being installed. The value exists only during the call,
+/// also when that call leaves by an exception. A key that cannot be had makes writing and deleting fail without a
+/// report.
+class SourcePathValue
+{
+public:
+    explicit SourcePathValue(const std::string& infPath)
+    {
+        constexpr char kKey[] = R"(Software\Norda\Basedrivers)";
+        if (!m_key.Open(HKEY_LOCAL_MACHINE, kKey, true)) {
+            m_key.Create(HKEY_LOCAL_MACHINE, kKey, true, false);
+        }
+        m_key.SetValue(kSourcePathValue, COrvString(infPath), false);
+    }
+    ~SourcePathValue() { m_key.DeleteValue(kSourcePathValue); }
+    SourcePathValue(const SourcePathValue&) = delete;
+    SourcePathValue& operator=(const SourcePathValue&) = delete;
+
+private:
+    COrvRegKey m_key;
+};
+
+InterfaceAnswer CallInterface(DriverInstallRecord& record, IDriverInstallInterface* driverInstall)
+{
+    if (driverInstall == nullptr) {
+        return {.status = E_POINTER, .lastError = ERROR_INVALID_PARAMETER};
+    }
+    InterfaceAnswer answer;
+    answer.status = driverInstall->InstallForRecord(&record, 0);
+    answer.lastError = GetLastError();
+    return answer;
+}
+
+/// @return the name of the device's registry key: its hardware ID without the "PCI" and the backslash before it.
+std::string DeviceKeyNameOf(const DriverInstallRecord& record)
+{
+    constexpr std::string_view kBusPrefix = "PCI\\";
+    std::string_view name = TextIn(record.hardwareId);
+    if (name.starts_with(kBusPrefix)) {
+        name.remove_prefix(kBusPrefix.size());
+    }
+    return std::string(name);
+}
+
+/// Asks whether the machine boots over the device that was just installed; no further device is asked after one that
+/// does. After an install that left an error the device is not asked.
+void LookForStorageAdapter(const std::string& deviceKeyName, DWORD installError)
+{
+    if (DevicePassState.storageAdapterFound != 0 || installError != ERROR_SUCCESS) {
+        return;
+    }
+    std::array<char, kInstanceIdChars> instanceId{};
+    GetNetCfgInstanceId(deviceKeyName, instanceId);
+    IsIScsiAdapter(instanceId.data());
+}
+
+void InstallByInterface(DriverInstallRecord& record, IDriverInstallInterface* driverInstall)
+{
+    // Taken before the call, which is handed the record and may write to it.
+    const std::string deviceKeyName = DeviceKeyNameOf(record);
+    DWORD installError = ERROR_SUCCESS;
+    Trace(DescribeInstall("2K/XP install: ", record));
+    {
+        const SourcePathValue sourcePath{std::string(TextIn(record.infPath))};
+        const InterfaceAnswer answer = CallInterface(record, driverInstall);
+        installError = answer.lastError;
+        if (answer.status < 0 && static_cast<uint32_t>(answer.status) == kRememberedInstallError) {
+            DevicePassState.installErrorCode = kRememberedInstallError;
+            DevicePassState.installFailed = 1;
+        }
+        std::array<char, 256> line{};
+        std::snprintf(line.data(), line.size(), " 2K/XP UpdateDriver() returned: %x ---> GetLastError = %x\n",
+                      static_cast<unsigned>(answer.status), static_cast<unsigned>(answer.lastError));
+        Trace(line.data());
+    }
+    // Whatever the status was.
+    PostInstallRegResult(record.infPath);
+    LookForStorageAdapter(deviceKeyName, installError);
+}
+} // namespace
+
+void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
+                          HWND dialog)
+{
+    ShowProgress(dialog);
+    const std::string infPath(TextIn(record.infPath));
+    const std::string hardwareId(TextIn(record.hardwareId));
+    switch (route) {
+        case InstallRoute::DriverUpdate:
+            Trace(DescribeInstall("ME install: ", record));
+            UpdateDriver(infPath, hardwareId);
+            break;
+        case InstallRoute::DriverInterface:
+            InstallByInterface(record, driverInstall);
+            break;
+        case InstallRoute::LegacyInstaller:
+            Trace(DescribeInstall("98 install: ", record));
+            Win98Install(infPath, hardwareId);
+            break;
+    }
+}

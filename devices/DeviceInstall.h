@@ -1,0 +1,16 @@
+#pragma once
+
+#include <windows.h>
+
+#include "DriverInstallRecord.h"
+#include "NetInst.h"
+#include "SystemFamilies.h"
+
+/// Installs the driver of the device that the record names, by the route of the system's family, and shows the device's
+/// description in the dialog. A failed install is traced, and on the driver-interface route classified, but never ends
+/// the walk over the devices.
+/// @param record         Names the matched INF and the hardware ID.
+/// @param driverInstall  Used on the driver-interface route. Without one that route's install fails with E_POINTER.
+/// @param dialog         Progress dialog, may be null.
+void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
+                          HWND dialog);

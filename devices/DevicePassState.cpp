@@ -1,0 +1,3 @@
+#include "DevicePassState.h"
+
+DevicePassStateRecord DevicePassState;

@@ -1,0 +1,37 @@
+#include "IScsiConfigTool.h"
+
+#include <windows.h>
+
+#include <array>
+#include <string>
+
+#include "Handles.h"
+#include "Trace.h"
+
+namespace {
+bool RunAndWait(std::string commandLine)
+{
+    STARTUPINFOA startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr,
+                       &startup, &process) == FALSE) {
+        return false;
+    }
+    const UniqueHandle processOwner(process.hProcess);
+    const UniqueHandle threadOwner(process.hThread);
+    WaitForSingleObject(process.hProcess, INFINITE);
+    return true;
+}
+} // namespace
+
+void CalliSCSIConfigExe()
+{
+    Trace("Entering CalliSCSIConfigExe");
+    std::array<char, MAX_PATH> systemDirectory{};
+    GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
+    if (!RunAndWait(systemDirectory.data() + std::string(R"(\iscsivrf.exe /verify /fix)"))) {
+        Trace("Failed to call iSCSI command line utility.");
+    }
+    Trace("Leaving CalliSCSIConfigExe");
+}

@@ -1,0 +1,66 @@
+#include "LegacyInstall.h"
+
+#include <windows.h>
+
+#include <array>
+
+#include "DriverInstallRecord.h"
+#include "EnumerationEnd.h"
+#include "Handles.h"
+#include "InfReader.h"
+#include "LegacyCommand.h"
+#include "LocationInfo.h"
+#include "ProcessLaunch.h"
+#include "Trace.h"
+
+namespace {
+void InstallInstance(const std::string& instancePath, const std::string& commandLine)
+{
+    HKEY opened = nullptr;
+    if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, R"(Software\Norda\MSI)", 0, nullptr, REG_OPTION_NON_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &opened, nullptr) != ERROR_SUCCESS) {
+        return;
+    }
+    const UniqueRegKey key(opened);
+    Trace("setting RegPCIpath: " + instancePath + "\n");
+    RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
+                   static_cast<DWORD>(instancePath.size() + 1));
+    LaunchAppandWait(commandLine);
+}
+
+void InstallInstances(HKEY deviceKey, const std::string& keyPath, const std::string& commandLine)
+{
+    EnumerationEnd end;
+    for (DWORD index = 0;; ++index) {
+        std::array<char, MAX_PATH> name{};
+        DWORD length = name.size();
+        const LSTATUS status =
+            RegEnumKeyExA(deviceKey, index, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
+        if (end.ReachedWith(status)) {
+            return;
+        }
+        if (status == ERROR_SUCCESS) {
+            InstallInstance(CutToPathLimit(keyPath + "\\" + name.data()), commandLine);
+        }
+    }
+}
+} // namespace
+
+int Win98Install(const std::string& infPath, const std::string& hardwareId)
+{
+    Trace("Enter -> Win98Install");
+    SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName).c_str());
+    const std::string matchedId(TextIn(matchedHardwareId));
+    Trace("g_98key: " + matchedId + "\n");
+    const std::string commandLine = LegacyCommandLine(matchedId, infPath);
+
+    const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId);
+    Trace("opening registry key to enumerate: " + keyPath + "\n");
+    HKEY opened = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyPath.c_str(), 0, KEY_ENUMERATE_SUB_KEYS, &opened) == ERROR_SUCCESS) {
+        const UniqueRegKey deviceKey(opened);
+        InstallInstances(deviceKey.get(), keyPath, commandLine);
+    }
+    Trace("Exit -> Win98Install");
+    return 0;
+}

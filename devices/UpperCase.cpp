@@ -1,0 +1,19 @@
+#include "UpperCase.h"
+
+void MakeUpperCase(std::span<char> text, LeadByteTest isLeadByte)
+{
+    bool isSecondByte = false;
+    for (char& c : text) {
+        if (c == '\0') {
+            return;
+        }
+        if (isSecondByte) {
+            isSecondByte = false;
+            continue;
+        }
+        isSecondByte = isLeadByte(static_cast<unsigned char>(c));
+        if (c >= 'a' && c <= 'z') {
+            c = static_cast<char>(c - 'a' + 'A');
+        }
+    }
+}

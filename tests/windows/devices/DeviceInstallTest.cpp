@@ -1,0 +1,295 @@
+#include "DeviceInstall.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+
+#include "DeviceFixtures.h"
+#include "DevicePass.h"
+#include "DevicePassState.h"
+#include "DriverUpdate.h"
+#include "InfReader.h"
+#include "LangString.h"
+#include "ResultKeys.h"
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+namespace {
+constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
+constexpr char kHardwareId[] = "PCI\\VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
+constexpr char kInf[] = "C:\\KIT\\OTHER.INF"; // of no driver family
+constexpr char kFamilyInf[] = "C:\\KIT\\NGEA64.INF";
+constexpr int32_t kDeviceExists = static_cast<int32_t>(0xE0000207);
+
+class DeviceInstall : public testing::Test
+{
+protected:
+    DeviceInstall() { Name(kInf); }
+    void Name(std::string_view infPath)
+    {
+        m_record.infPath.fill('\0');
+        std::ranges::copy(infPath, m_record.infPath.begin());
+        std::ranges::copy(std::string_view(kHardwareId), m_record.hardwareId.begin());
+    }
+    void Install(RecordingInstall& install)
+    {
+        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, nullptr);
+    }
+
+    ScratchRegistryKey m_results{kBasedriversKey};
+    InfKit m_kit; // an empty kit: no uninstall data file, a fresh run's state
+    DriverInstallRecord m_record = RecordOf("Windows Vista");
+};
+
+/// A dialog of controls alone, never shown. Windows with controls need a display.
+class ControlWindow
+{
+public:
+    ControlWindow()
+        : m_window(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr)),
+          m_control(CreateWindowA("STATIC", "before", WS_CHILD, 0, 0, 9, 9, m_window,
+                                  reinterpret_cast<HMENU>(UINT_PTR{1000}), nullptr, nullptr))
+    {
+    }
+    ~ControlWindow() { DestroyWindow(m_window); }
+    ControlWindow(const ControlWindow&) = delete;
+    ControlWindow& operator=(const ControlWindow&) = delete;
+
+    [[nodiscard]] HWND Get() const { return m_window; }
+    [[nodiscard]] std::string Text() const
+    {
+        std::array<char, 1024> text{};
+        GetWindowTextA(m_control, text.data(), static_cast<int>(text.size()));
+        return text.data();
+    }
+    [[nodiscard]] bool Exists() const { return m_window != nullptr && m_control != nullptr; }
+
+private:
+    HWND m_window;
+    HWND m_control;
+};
+
+/// The test program's own string table (DeviceInstallTest.rc) holds text 10 in two languages.
+class OwnTexts
+{
+public:
+    explicit OwnTexts(uint16_t language)
+    {
+        resourceModule = GetModuleHandleA(nullptr);
+        runLanguageId = language;
+    }
+    ~OwnTexts()
+    {
+        resourceModule = nullptr;
+        runLanguageId = 1033;
+    }
+    OwnTexts(const OwnTexts&) = delete;
+    OwnTexts& operator=(const OwnTexts&) = delete;
+};
+
+void Describe(std::string_view description)
+{
+    deviceDescription.fill('\0');
+    std::ranges::copy(description, deviceDescription.begin());
+}
+} // namespace
+
+TEST_F(DeviceInstall, TheDialogShowsTheDevicesDescription)
+{
+    const OwnTexts texts(1033);
+    const ControlWindow dialog;
+    ASSERT_TRUE(dialog.Exists());
+    Describe("Norda 10G %s Adapter");
+    RecordingInstall install;
+    install.duringCall = [&dialog] { EXPECT_EQ(dialog.Text(), "Installing Norda 10G %s Adapter now"); };
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    EXPECT_EQ(install.calls.size(), 1U);
+}
+
+TEST_F(DeviceInstall, AResourceTextWithWrongPlaceholdersIsOnlyShown)
+{
+    const OwnTexts texts(1031);
+    const ControlWindow dialog;
+    ASSERT_TRUE(dialog.Exists());
+    Describe("Norda");
+    RecordingInstall install;
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    EXPECT_EQ(dialog.Text(), "%n%n Norda %s %d");
+}
+
+TEST_F(DeviceInstall, TheDialogTextHasAtMost259Characters)
+{
+    const OwnTexts texts(1033);
+    const ControlWindow dialog;
+    ASSERT_TRUE(dialog.Exists());
+    Describe(std::string(259, 'x'));
+    RecordingInstall install;
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    EXPECT_EQ(dialog.Text(), "Installing " + std::string(248, 'x'));
+}
+
+TEST_F(DeviceInstall, TheSourcePathExistsOnlyDuringTheCall)
+{
+    ASSERT_FALSE(RegistryKeyExists(kBasedriversKey));
+    RecordingInstall install;
+    Install(install);
+    ASSERT_EQ(install.calls.size(), 1U);
+    EXPECT_EQ(install.calls[0].sourcePath, kInf);
+    EXPECT_TRUE(RegistryKeyExists(kBasedriversKey)) << "a missing key is created";
+    EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Tavunstl_source_path"), "<none>");
+}
+
+TEST_F(DeviceInstall, TheSourcePathIsPlainTextAndLeavesOtherValuesAlone)
+{
+    SetRegistryText(kBasedriversKey, "Other", "kept");
+    RecordingInstall install;
+    std::optional<RegistryValue> value;
+    install.duringCall = [&value] { value = ReadRegistryValue(kBasedriversKey, "Tavunstl_source_path"); };
+    Install(install);
+    ASSERT_TRUE(value.has_value());
+    EXPECT_EQ(value->type, DWORD{REG_SZ});
+    EXPECT_EQ(value->bytes, std::string(kInf) + '\0');
+    EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Other"), "kept");
+}
+
+TEST_F(DeviceInstall, StatusAndLastErrorAreTracedInHexadecimal)
+{
+    struct Row
+    {
+        RecordingInstall::Answer answer;
+        const char* line;
+    };
+    const Row rows[] = {
+        {{.status = 0, .lastError = 0}, " 2K/XP UpdateDriver() returned: 0 ---> GetLastError = 0\n"},
+        {{.status = 1, .lastError = 0}, " 2K/XP UpdateDriver() returned: 1 ---> GetLastError = 0\n"},
+        {{.status = 0x7FFFFFFF, .lastError = 3010},
+         " 2K/XP UpdateDriver() returned: 7fffffff ---> GetLastError = bc2\n"},
+        {{.status = kDeviceExists, .lastError = 0xE0000207},
+         " 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = e0000207\n"},
+        {{.status = -1, .lastError = 5}, " 2K/XP UpdateDriver() returned: ffffffff ---> GetLastError = 5\n"},
+    };
+    for (const Row& row : rows) {
+        TraceCapture trace;
+        RecordingInstall install(row.answer);
+        Install(install);
+        const std::vector<std::string> messages = trace.Messages();
+        ASSERT_GT(messages.size(), 3U) << row.line;
+        EXPECT_EQ(messages[0], "Entering - GetLanguageSpecificString");
+        EXPECT_EQ(messages[1], "==>installing driver(s)\n");
+        EXPECT_EQ(messages[2], "2K/XP install: " + std::string(kHardwareId) + ", " + kInf + "\n");
+        EXPECT_EQ(messages[3], row.line);
+        EXPECT_EQ(messages[4], "Enter -> PostInstallRegResult\n") << "whatever the status was";
+    }
+}
+
+TEST_F(DeviceInstall, OnlyTheOneStatusIsRemembered)
+{
+    for (const int32_t status : {0, 1, -1, static_cast<int32_t>(0xE0000206), static_cast<int32_t>(0x800F0207)}) {
+        DevicePassState = {};
+        RecordingInstall install({.status = status, .lastError = 0xE0000207});
+        Install(install);
+        EXPECT_EQ(DevicePassState.installErrorCode, 0U) << std::hex << status;
+        EXPECT_EQ(DevicePassState.installFailed, 0U) << std::hex << status;
+    }
+    RecordingInstall install({.status = kDeviceExists, .lastError = 0});
+    Install(install);
+    EXPECT_EQ(DevicePassState.installErrorCode, 0xE0000207U) << "an INF of no family does not report it";
+    EXPECT_EQ(DevicePassState.installFailed, 1U);
+}
+
+TEST_F(DeviceInstall, ARememberedErrorIsReportedAsFailureAndThenForgotten)
+{
+    Name(kFamilyInf);
+    RecordingInstall install({.status = kDeviceExists, .lastError = 0});
+    Install(install);
+    EXPECT_EQ(ReadRegistryText(kBasedriversKey, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Install"), "FAILURE");
+    EXPECT_EQ(DevicePassState.installErrorCode, 0U);
+    EXPECT_EQ(DevicePassState.installFailed, 1U) << "the run's outcome text still tells of it";
+}
+
+TEST_F(DeviceInstall, WithoutAnInterfaceTheInstallFailsInADefinedWay)
+{
+    TraceCapture trace;
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, nullptr, nullptr);
+    EXPECT_THAT(trace.Messages(), Contains(" 2K/XP UpdateDriver() returned: 80004003 ---> GetLastError = 57\n"));
+    EXPECT_EQ(DevicePassState.installFailed, 0U);
+}
+
+TEST_F(DeviceInstall, TheStorageTestIsAskedOnlyAfterAnInstallWithoutErrorAndUntilItSaysYes)
+{
+    constexpr char kAsked[] = "Enter -> GetNetCfgInstanceId()\n";
+    TraceCapture trace;
+    RecordingInstall withError({.status = 0, .lastError = 2});
+    EXPECT_THAT(TraceOf(trace, [&] { Install(withError); }), Not(Contains(kAsked)));
+
+    RecordingInstall withoutError({.status = -1, .lastError = 0});
+    const std::vector<std::string> lines = TraceOf(trace, [&] { Install(withoutError); });
+    ASSERT_THAT(lines, Contains(kAsked));
+    EXPECT_EQ(*(std::ranges::find(lines, kAsked) + 1), kDevice);
+
+    DevicePassState.storageAdapterFound = 1;
+    EXPECT_THAT(TraceOf(trace, [&] { Install(withoutError); }), Not(Contains(kAsked)));
+}
+
+TEST_F(DeviceInstall, TheMilleniumRouteUsesTheDriverUpdateOnly)
+{
+    const MachineKeyOverride emptyMachine;
+    RecordingInstall install;
+    TraceCapture trace;
+    // What the platform makes of a device that it does not have is its own.
+    const std::vector<std::string> updateLines = TraceOf(trace, [] { UpdateDriver(kInf, kHardwareId); });
+    ASSERT_EQ(updateLines.size(), 1U);
+    InstallMatchedDevice(InstallRoute::DriverUpdate, m_record, &install, nullptr);
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
+                            "ME install: " + std::string(kHardwareId) + ", " + kInf + "\n", updateLines[0]));
+    EXPECT_TRUE(install.calls.empty());
+}
+
+TEST_F(DeviceInstall, TheLegacyRouteUsesTheLegacyInstallerOnly)
+{
+    const MachineKeyOverride emptyMachine;
+    RecordingInstall install;
+    TraceCapture trace;
+    InstallMatchedDevice(InstallRoute::LegacyInstaller, m_record, &install, nullptr);
+    EXPECT_THAT(
+        trace.Messages(),
+        ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
+                    "98 install: " + std::string(kHardwareId) + ", " + kInf + "\n", "Enter -> Win98Install",
+                    "g_98key: \n", "opening registry key to enumerate: Enum\\" + std::string(kHardwareId) + "\n",
+                    "Exit -> Win98Install"));
+    EXPECT_TRUE(install.calls.empty());
+}
+
+TEST_F(DeviceInstall, TheOlderFamiliesWalkTheirOwnKeyAndNeedNoInterface)
+{
+    // The walk reads "Enum\PCI"; the compatible IDs come from the NT key on the millennium edition and are not read
+    // on 98.
+    const MachineKeyOverride emptyMachine;
+    m_kit.Add("Drv", "other.inf", kDevice, "Norda", "$Chicago$");
+    CreateRegistryKey("Enum\\PCI\\" + std::string(kDevice));
+    struct Row
+    {
+        const char* family;
+        const char* line;
+    };
+    for (const Row& row : {Row{"Windows Millenium", "ME install: "}, Row{"Windows 98", "98 install: "}}) {
+        std::optional<SimulatedDevice> compatibleIds;
+        if (row.family == std::string("Windows Millenium")) {
+            compatibleIds.emplace(kDevice);
+        }
+        DevicePassState = {};
+        DriverInstallRecord record = RecordOf(row.family);
+        TraceCapture trace;
+        EXPECT_EQ(EnumerateRegistryForPCIDevices(record, nullptr, nullptr), 0U) << row.family;
+        EXPECT_THAT(trace.Messages(),
+                    Contains(row.line + std::string(kHardwareId) + ", " + std::string(TextIn(record.infPath)) + "\n"))
+            << row.family;
+        EXPECT_EQ(DevicePassState.deviceMatched, 1U) << row.family;
+    }
+}

@@ -1,0 +1,231 @@
+#include "DriverUpdate.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "ConstantLibrary.h"
+#include "DeviceFixtures.h"
+#include "HelperPrograms.h"
+#include "TestFiles.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+constexpr char kDevice[] = "VEN_5D1A&DEV_7E57&SUBSYS_00017E57&REV_01";
+constexpr char kHardwareId[] = "PCI\\VEN_5D1A&DEV_7E57&SUBSYS_00017E57&REV_01";
+constexpr char kClassGuid[] = "{4D36E972-E325-11CE-BFC1-08002BE10318}";
+constexpr char kServiceKey[] = R"(SYSTEM\CurrentControlSet\Services\MorvixBind)";
+
+std::string SystemPath(const std::string& name)
+{
+    std::array<char, MAX_PATH> directory{};
+    GetSystemDirectoryA(directory.data(), MAX_PATH);
+    return directory.data() + name;
+}
+
+/// A device that the system sees, with everything taken away that binding a driver to it leaves.
+class BindableDevice
+{
+public:
+    BindableDevice() : m_device(kDevice)
+    {
+        SetRegistryList(m_device.Instance(), "HardwareID", {kHardwareId});
+        SetRegistryText(m_device.Instance(), "ClassGUID", kClassGuid);
+        SetRegistryText(m_device.Instance(), "Class", "Net");
+    }
+    ~BindableDevice()
+    {
+        if (const std::string driver = Value("Driver"); driver != "<none>") {
+            DeleteRegistryTree(R"(SYSTEM\CurrentControlSet\Control\Class\)" + driver);
+        }
+        if (const SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
+            if (const SC_HANDLE service = OpenServiceA(manager, "MorvixBind", DELETE)) {
+                DeleteService(service);
+                CloseServiceHandle(service);
+            }
+            CloseServiceHandle(manager);
+        }
+        DeleteRegistryTree(kServiceKey);
+        DeleteFileA(DriverFile().c_str());
+        DeleteFileA((WindowsDirectory() + R"(\inf\mvxbind.inf)").c_str());
+    }
+    BindableDevice(const BindableDevice&) = delete;
+    BindableDevice& operator=(const BindableDevice&) = delete;
+
+    [[nodiscard]] std::string Value(const std::string& name) const
+    {
+        return ReadRegistryText(m_device.Instance(), name);
+    }
+    [[nodiscard]] static std::string DriverFile() { return SystemPath(R"(\drivers\mvxbind.sys)"); }
+
+private:
+    static std::string WindowsDirectory()
+    {
+        std::array<char, MAX_PATH> directory{};
+        GetWindowsDirectoryA(directory.data(), MAX_PATH);
+        return directory.data();
+    }
+
+    SimulatedDevice m_device;
+};
+
+/// A kit of one INF and one driver file.
+class DriverKit
+{
+public:
+    DriverKit()
+    {
+        WriteFileBytes(m_scratch.At("mvxbind.inf"),
+                       "[Version]\r\nSignature=\"$Windows NT$\"\r\nClass=Net\r\nClassGuid=" + std::string(kClassGuid) +
+                           "\r\nProvider=\"Norda\"\r\nDriverVer=01/02/2013,1.2.3.4\r\n"
+                           "[Manufacturer]\r\n\"Norda\"=Norda,NTamd64\r\n"
+                           "[Norda.NTamd64]\r\n\"Norda Bound Adapter\"=Bind," +
+                           kHardwareId +
+                           "\r\n[SourceDisksNames]\r\n1=\"Norda\"\r\n[SourceDisksFiles]\r\nmvxbind.sys=1\r\n"
+                           "[DestinationDirs]\r\nDefaultDestDir=12\r\n"
+                           "[Bind]\r\nCopyFiles=Bind.Files\r\n[Bind.Files]\r\nmvxbind.sys\r\n"
+                           "[Bind.Services]\r\nAddService=MorvixBind,2,Bind.Service\r\n"
+                           "[Bind.Service]\r\nServiceType=1\r\nStartType=3\r\nErrorControl=0\r\n"
+                           "ServiceBinary=%12%\\mvxbind.sys\r\n");
+        CopyFileTo(TestFile("versioned_file.dll"), m_scratch.At("mvxbind.sys"));
+    }
+    [[nodiscard]] std::string Inf() const { return m_scratch.At("mvxbind.inf"); }
+
+private:
+    ScratchDirectory m_scratch;
+};
+struct HelperAnswer
+{
+    DWORD result = 0;
+    std::vector<std::string> lines; ///< debugger output
+};
+
+/// Runs a helper program that has a library of given exports, or of none when it is to find no such library. It is a
+/// new process because a library that is once loaded, as in this one, stays.
+HelperAnswer RunHelper(const std::string& program, const std::string& library, const std::optional<Exports>& exports)
+{
+    const ScratchDirectory scratch;
+    MakeHelperProgram(scratch.At(program));
+    if (exports) {
+        WriteConstantLibrary(scratch.At(library + ".dll"), *exports);
+    }
+    const LibraryLoading loading(library, exports ? "native" : "");
+    const ScratchRegistryKey debugKey(R"(SOFTWARE\Norda\Basedrivers\Debug)");
+    CreateRegistryKey(debugKey.Path());
+    DebugOutput output;
+    const auto [processId, exitCode] = RunToEnd(scratch.At(program));
+    return {.result = exitCode, .lines = output.LinesOf(processId)};
+}
+} // namespace
+
+TEST(UpdateDriver, BindsTheDeviceToTheInfsDriver)
+{
+    const BindableDevice device;
+    const DriverKit kit;
+    ASSERT_FALSE(FileExists(BindableDevice::DriverFile()));
+    TraceCapture trace;
+    EXPECT_EQ(UpdateDriver(kit.Inf(), kHardwareId), 1U);
+    EXPECT_THAT(trace.Messages(), ElementsAre("drivers upgraded\n"));
+    EXPECT_TRUE(FileExists(BindableDevice::DriverFile()));
+    EXPECT_EQ(device.Value("Service"), "MorvixBind");
+    EXPECT_EQ(device.Value("DeviceDesc"), "Norda Bound Adapter");
+}
+
+TEST(UpdateDriver, TheLibraryIsFreedAgain)
+{
+    ASSERT_EQ(GetModuleHandleA("newdev.dll"), nullptr);
+    UpdateDriver(R"(C:\no such directory\none.inf)", "PCI\\VEN_5D1A&DEV_0000");
+    EXPECT_EQ(GetModuleHandleA("newdev.dll"), nullptr);
+}
+
+TEST(UpdateDriver, WithoutTheLibraryNothingIsTracedAndZeroAnswered)
+{
+    const LibraryLoading withoutNewdev("newdev", "");
+    ASSERT_EQ(LoadLibraryA("newdev.dll"), nullptr);
+    const BindableDevice device;
+    const DriverKit kit;
+    TraceCapture trace;
+    EXPECT_EQ(UpdateDriver(kit.Inf(), kHardwareId), 0U);
+    EXPECT_THAT(trace.Messages(), IsEmpty());
+    EXPECT_EQ(device.Value("Driver"), "<none>");
+}
+
+TEST(UpdateDriver, ARefusedUpdateIsTracedAndAnsweredWithZero)
+{
+    const HelperAnswer answer = RunHelper(kUpdater, "newdev", Exports{{"UpdateDriverForPlugAndPlayDevicesA", 0}});
+    EXPECT_EQ(answer.result, 0U);
+    EXPECT_THAT(answer.lines, ElementsAre("Morvix: drivers *not* upgraded\n"));
+}
+
+TEST(UpdateDriver, AnyOtherAnswerIsASuccessAndHandedOn)
+{
+    for (const uint32_t platformResult : {1U, 2U, 0x80000000U}) {
+        const HelperAnswer answer =
+            RunHelper(kUpdater, "newdev", Exports{{"UpdateDriverForPlugAndPlayDevicesA", platformResult}});
+        EXPECT_EQ(answer.result, platformResult);
+        EXPECT_THAT(answer.lines, ElementsAre("Morvix: drivers upgraded\n"));
+    }
+}
+
+TEST(UpdateDriver, WithoutTheEntryPointNothingIsTracedAndZeroAnswered)
+{
+    const HelperAnswer answer = RunHelper(kUpdater, "newdev", Exports{{"SomethingElse", 1}});
+    EXPECT_EQ(answer.result, 0U);
+    EXPECT_THAT(answer.lines, IsEmpty());
+}
+
+TEST(ScanForHardwareChanges, ADeviceTreeWithoutRootIsNotScannedAndTheLibraryStaysLoaded)
+{
+    TraceCapture trace;
+    const int result = ScanForHardwareChanges();
+    EXPECT_THAT(trace.Messages(), ElementsAre("ScanForHardwareChanges()\n"));
+    const HMODULE library = GetModuleHandleA("cfgmgr32.dll");
+    ASSERT_NE(library, nullptr) << "the library stays loaded";
+
+    // The platform's own answer decides.
+    using LocateFn = DWORD(WINAPI*)(DWORD*, const char*, ULONG);
+    using ReenumerateFn = DWORD(WINAPI*)(DWORD, ULONG);
+    const auto locate = std::bit_cast<LocateFn>(GetProcAddress(library, "CM_Locate_DevNodeA"));
+    const auto reenumerate = std::bit_cast<ReenumerateFn>(GetProcAddress(library, "CM_Reenumerate_DevNode"));
+    DWORD root = 0;
+    EXPECT_EQ(result, locate(&root, nullptr, 0) == 0 && reenumerate(root, 0) == 0 ? 1 : 0);
+}
+
+TEST(ScanForHardwareChanges, WithoutTheLibraryItSaysSoAndAnswersZero)
+{
+    const HelperAnswer answer = RunHelper(kScanner, "cfgmgr32", std::nullopt);
+    EXPECT_EQ(answer.result, 0U);
+    EXPECT_THAT(answer.lines, ElementsAre("Morvix: ScanForHardwareChanges()\n", "Morvix: error with GetProcAddress\n"));
+}
+
+TEST(ScanForHardwareChanges, WithoutEitherEntryPointItSaysSoAndAnswersZero)
+{
+    for (const char* present : {"CM_Locate_DevNodeA", "CM_Reenumerate_DevNode"}) {
+        const HelperAnswer answer = RunHelper(kScanner, "cfgmgr32", Exports{{present, 0}});
+        EXPECT_EQ(answer.result, 0U) << present;
+        EXPECT_THAT(answer.lines,
+                    ElementsAre("Morvix: ScanForHardwareChanges()\n", "Morvix: error with GetProcAddress\n"))
+            << present;
+    }
+}
+
+TEST(ScanForHardwareChanges, OnlyAScanThatWasStartedIsAnsweredWithOne)
+{
+    constexpr uint32_t kFailure = 0x13;
+    struct Row
+    {
+        uint32_t locate;
+        uint32_t reenumerate;
+        DWORD result;
+    };
+    for (const Row& row : {Row{0, 0, 1}, Row{0, kFailure, 0}, Row{kFailure, 0, 0}, Row{kFailure, kFailure, 0}}) {
+        const HelperAnswer answer =
+            RunHelper(kScanner, "cfgmgr32",
+                      Exports{{"CM_Locate_DevNodeA", row.locate}, {"CM_Reenumerate_DevNode", row.reenumerate}});
+        EXPECT_EQ(answer.result, row.result) << row.locate << ' ' << row.reenumerate;
+        EXPECT_THAT(answer.lines, ElementsAre("Morvix: ScanForHardwareChanges()\n"));
+    }
+}

@@ -1,0 +1,242 @@
+#include "FcoeBootPorts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "AdapterDevices.h"
+#include "DebugOutput.h"
+#include "LibraryDouble.h"
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+namespace {
+constexpr char kEntry[] = "Entering -> AreFCoEBootEnabledPortsPresent()";
+constexpr char kExit[] = "Exiting -> AreFCoEBootEnabledPortsPresent()";
+constexpr char kNoDriverKey[] = "Failed to get driver key from PCI device";
+constexpr char kNoInstanceId[] = "Failed to get NetCfgInstanceID from PCI device";
+constexpr char kExhausted[] = "Exhausted list of PCI devices";
+constexpr char kOtherDebugKey[] = R"(SOFTWARE\NORDA\Network_Services\Debug)";
+constexpr char kProductKey[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
+
+constexpr char kFirst[] = "VEN_5D1A&DEV_F001";
+constexpr char kSecond[] = "VEN_5D1A&DEV_F002";
+constexpr char kThird[] = "VEN_5D1A&DEV_F003";
+
+/// The machine's own network adapters are led out of the way, so that the enumeration shows only the test's.
+class FcoeBootPorts : public testing::Test
+{
+protected:
+    [[nodiscard]] std::vector<std::string> Messages()
+    {
+        std::vector<std::string> messages = m_trace.Messages();
+        m_trace.Clear();
+        return messages;
+    }
+
+    MachineKeyOverride m_emptyMachine;
+
+private:
+    // After the override: the trace's switch is a key below it.
+    TraceCapture m_trace;
+};
+
+LibraryDouble HbaLibrary()
+{
+    return {"nordhapi.dll", "nordhapi.dll"};
+}
+
+/// What the library is asked about one adapter whose handle is `handle`.
+std::vector<std::string> Questions(const std::string& instanceId, const std::string& handle)
+{
+    return {"NORDA_InitializeLibrary",
+            "HBA_RegisterLibrary",
+            "NORDA_GetFCoEControllerInfo [\\DEVICE\\" + instanceId + "]",
+            "NORDA_GetFCoEControllerHandle [\\DEVICE\\" + instanceId + "]",
+            "NORDA_GetFCAndNICProperties " + handle,
+            "CloseAdapter " + handle};
+}
+} // namespace
+
+TEST_F(FcoeBootPorts, WithoutAdaptersTheListIsExhausted)
+{
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
+}
+
+TEST_F(FcoeBootPorts, WithoutTheLibraryNoAdapterIsABootPort)
+{
+    const RegistryAdapter first(kFirst, "9001", "{A}");
+    const RegistryAdapter second(kSecond, "9002", "{B}");
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
+}
+
+TEST_F(FcoeBootPorts, RemoteBootAndRemotePageFileAreBootPorts)
+{
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    for (const char* flags : {"1", "2", "3"}) {
+        const LibraryDouble library = HbaLibrary();
+        library.Answer("Flags", flags);
+        EXPECT_TRUE(AreFCoEBootEnabledPortsPresent()) << flags;
+        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit)) << flags;
+    }
+}
+
+TEST_F(FcoeBootPorts, OtherFlagsAreNoBootPort)
+{
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    for (const char* flags : {"0", "4", "0xFFFFFFFC"}) {
+        const LibraryDouble library = HbaLibrary();
+        library.Answer("Flags", flags);
+        EXPECT_FALSE(AreFCoEBootEnabledPortsPresent()) << flags;
+        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit)) << flags;
+    }
+}
+
+TEST_F(FcoeBootPorts, EveryAdapterIsAskedAlsoAfterOneThatIsABootPort)
+{
+    const RegistryAdapter first(kFirst, "9001", "{A}");
+    const RegistryAdapter second(kSecond, "9002", "{B}");
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Handle.\\DEVICE\\{A}", "11");
+    library.Answer("Handle.\\DEVICE\\{B}", "12");
+    library.Answer("Flags", "1");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    std::vector<std::string> expected = Questions("{A}", "11");
+    Append(expected, Questions("{B}", "12"));
+    EXPECT_EQ(library.TakeJournal(), expected);
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit));
+}
+
+TEST_F(FcoeBootPorts, OneBootPortAmongOthersIsEnough)
+{
+    const RegistryAdapter first(kFirst, "9001", "{A}");
+    const RegistryAdapter second(kSecond, "9002", "{B}");
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Handle.\\DEVICE\\{A}", "11");
+    library.Answer("Handle.\\DEVICE\\{B}", "12");
+    library.Answer("Flags.11", "2");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    library.Answer("Flags.11", "0");
+    library.Answer("Flags.12", "1");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+}
+
+TEST_F(FcoeBootPorts, AdaptersWithoutDriverKeyOrInstanceIdAreSkippedAndTheOthersAsked)
+{
+    const RegistryAdapter withoutDriver(kFirst, std::nullopt, std::nullopt);
+    const RegistryAdapter withoutId(kSecond, "9002", std::nullopt);
+    const RegistryAdapter whole(kThird, "9003", "{C}");
+    const LibraryDouble library = HbaLibrary();
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoDriverKey, kNoInstanceId, kExhausted, kExit));
+    EXPECT_EQ(library.TakeJournal(), Questions("{C}", "7"));
+    library.Answer("Flags", "1");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoDriverKey, kNoInstanceId, kExit));
+}
+
+TEST_F(FcoeBootPorts, DriverKeyThatDoesNotExistHasNoInstanceId)
+{
+    const RegistryAdapter adapter(kFirst, std::nullopt, std::nullopt);
+    SetRegistryText(adapter.Instance(), "Driver", std::string(kNetworkClass) + "\\9009");
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoInstanceId, kExhausted, kExit));
+}
+
+TEST_F(FcoeBootPorts, DriverKeyOfMoreThan260BytesIsNotRead)
+{
+    const RegistryAdapter adapter(kFirst, std::nullopt, std::nullopt);
+    SetRegistryText(adapter.Instance(), "Driver", std::string(300, 'd'));
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoDriverKey, kExhausted, kExit));
+}
+
+TEST_F(FcoeBootPorts, InstanceIdOf259CharactersIsAskedAbout)
+{
+    const RegistryAdapter adapter(kFirst, "9001", std::string(259, 'i'));
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Flags", "1");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit));
+}
+
+TEST_F(FcoeBootPorts, InstanceIdOf4096CharactersCountsAsNone)
+{
+    const RegistryAdapter adapter(kFirst, "9001", std::string(4096, 'i'));
+    const RegistryAdapter other(kSecond, "9002", "{B}");
+    const LibraryDouble library = HbaLibrary();
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoInstanceId, kExhausted, kExit));
+    EXPECT_EQ(library.TakeJournal(), Questions("{B}", "7")) << "the next adapter is asked all the same";
+}
+
+TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNoBootPortAndTheNextIsAsked)
+{
+    const RegistryAdapter first(kFirst, "9001", "{A}");
+    const RegistryAdapter second(kSecond, "9002", "{B}");
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Handle.\\DEVICE\\{A}", "0");
+    library.Answer("Flags", "1");
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    std::vector<std::string> expected = Questions("{A}", "0");
+    expected.resize(4); // nothing is asked about a handle that there is not
+    Append(expected, Questions("{B}", "7"));
+    EXPECT_EQ(library.TakeJournal(), expected);
+}
+
+TEST_F(FcoeBootPorts, LibraryThatCannotBeInitialisedIsNotAsked)
+{
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Status.NORDA_InitializeLibrary", "1");
+    library.Answer("Flags", "1");
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary"));
+}
+
+TEST_F(FcoeBootPorts, DebugValuesMakeABootPort)
+{
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    const LibraryDouble library = HbaLibrary();
+    SetRegistryNumber(kProductKey, "Debugging", 1);
+    SetRegistryNumber(kOtherDebugKey, "FcoE_RemotePageFile", 1);
+    EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
+    SetRegistryNumber(kProductKey, "Debugging", 0);
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+}
+
+TEST_F(FcoeBootPorts, ListThatCannotBeHadIsTraced)
+{
+    EXPECT_FALSE(AreFCoEBootEnabledPortsAmong(INVALID_HANDLE_VALUE));
+    EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate any PCI devices"));
+}
+
+TEST_F(FcoeBootPorts, EnumerationThatBreaksOffIsTraced)
+{
+    // Not a list, so the very first question about it fails with an error of its own.
+    std::array<std::byte, 4096> noList{};
+    EXPECT_FALSE(AreFCoEBootEnabledPortsAmong(noList.data()));
+    EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate all PCI devices"));
+}
+
+TEST_F(FcoeBootPorts, ThousandCallsLeaveNoHandleOpen)
+{
+    const RegistryAdapter whole(kFirst, "9001", "{A}");
+    const RegistryAdapter withoutDriver(kSecond, std::nullopt, std::nullopt);
+    const RegistryAdapter withoutId(kThird, "9003", std::nullopt);
+    {
+        const LibraryDouble library = HbaLibrary();
+        library.Answer("Quiet", "1");
+        EXPECT_EQ(HandlesLeftBy(1000, [] { static_cast<void>(AreFCoEBootEnabledPortsPresent()); }), 0);
+        EXPECT_EQ(GetModuleHandleA("nordhapi.dll"), nullptr) << "the library is not loaded between calls";
+    }
+    EXPECT_EQ(HandlesLeftBy(1000, [] { static_cast<void>(AreFCoEBootEnabledPortsPresent()); }), 0)
+        << "without the library";
+}

@@ -1,0 +1,134 @@
+#include "NetCfgInstance.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "AdapterDevices.h"
+#include "DebugOutput.h"
+
+using testing::ElementsAre;
+
+namespace {
+constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
+
+/// Asks for a device's instance ID with a buffer that is not empty at first, and checks what never changes.
+std::string InstanceIdOf(const std::string& deviceKeyName = kDevice)
+{
+    std::array<char, 264> memory;
+    memory.fill('#');
+    EXPECT_EQ(GetNetCfgInstanceId(deviceKeyName, std::span(memory).first(260)), 0);
+    EXPECT_EQ(std::string(memory.data() + 260, 4), "####") << "bytes behind the output were touched";
+    return memory.data();
+}
+} // namespace
+
+TEST(NetCfgInstance, IdOfTheFirstInstanceIsTracedOnEntryAndExit)
+{
+    const RegistryAdapter adapter(kDevice, "9001", kTestInstance);
+    TraceCapture trace;
+    EXPECT_EQ(InstanceIdOf(), kTestInstance);
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Enter -> GetNetCfgInstanceId()\n", kDevice, "Exit -> GetNetCfgInstanceId()\n"));
+}
+
+TEST(NetCfgInstance, FurtherInstancesAreNotLookedAt)
+{
+    const RegistryAdapter adapter(kDevice, std::nullopt, std::nullopt);
+    const RegistryAdapter other("VEN_5D1A&DEV_9999", "9001", kTestInstance);
+    SetRegistryText(std::string(kPciKey) + "\\" + kDevice + R"(\9&second)", "Driver",
+                    std::string(kNetworkClass) + "\\9001");
+    EXPECT_EQ(InstanceIdOf(), "");
+}
+
+TEST(NetCfgInstance, MissingDeviceInstanceOrDriverLeavesTheIdEmptyWithTheSameTrace)
+{
+    TraceCapture trace;
+    EXPECT_EQ(InstanceIdOf(), "") << "no device";
+    CreateRegistryKey(std::string(kPciKey) + "\\" + kDevice);
+    EXPECT_EQ(InstanceIdOf(), "") << "no instance";
+    {
+        const RegistryAdapter adapter(kDevice, std::nullopt, std::nullopt);
+        EXPECT_EQ(InstanceIdOf(), "") << "no driver key";
+        SetRegistryText(adapter.Instance(), "Driver", R"({4D36E972-E325-11CE-BFC1-08002BE10318}\no such key)");
+        EXPECT_EQ(InstanceIdOf(), "") << "a driver key that does not exist";
+    }
+    const RegistryAdapter adapter(kDevice, "9001", std::nullopt);
+    EXPECT_EQ(InstanceIdOf(), "") << "no instance ID";
+    std::vector<std::string> expected;
+    for (int call = 0; call < 5; ++call) {
+        Append(expected, {"Enter -> GetNetCfgInstanceId()\n", kDevice, "Exit -> GetNetCfgInstanceId()\n"});
+    }
+    EXPECT_EQ(trace.Messages(), expected);
+}
+
+TEST(NetCfgInstance, IdOf259CharactersIsTakenWhole)
+{
+    const std::string longest(259, 'i');
+    const RegistryAdapter adapter(kDevice, "9001", longest);
+    EXPECT_EQ(InstanceIdOf(), longest);
+}
+
+TEST(NetCfgInstance, LongerIdsLeaveTheTextEmpty)
+{
+    for (const std::size_t length : {260U, 261U, 4096U}) {
+        const RegistryAdapter adapter(kDevice, "9001", std::string(length, 'i'));
+        EXPECT_EQ(InstanceIdOf(), "") << length;
+    }
+}
+
+TEST(NetCfgInstance, OutputThatIsTooSmallStaysEmpty)
+{
+    const RegistryAdapter adapter(kDevice, "9001", kTestInstance);
+    std::array<char, 8> small{'#', '#', '#', '#', '#', '#', '#', '#'};
+    EXPECT_EQ(GetNetCfgInstanceId(kDevice, std::span(small).first(4)), 0);
+    EXPECT_STREQ(small.data(), "");
+    EXPECT_EQ(std::string(small.data() + 4, 4), "####");
+    EXPECT_EQ(GetNetCfgInstanceId(kDevice, {}), 0);
+}
+
+TEST(NetCfgInstance, StoredTextsWithoutTheirTerminatorsAreRead)
+{
+    const RegistryAdapter adapter(kDevice, "9001", std::nullopt);
+    SetRegistryBytes(adapter.Instance(), "Driver", std::string(kNetworkClass) + "\\9001", REG_SZ);
+    SetRegistryBytes(adapter.DriverKey(), "NetCfgInstanceId", kTestInstance, REG_SZ);
+    EXPECT_EQ(InstanceIdOf(), kTestInstance);
+}
+
+TEST(NetCfgInstance, EmptyValuesAreEmptyIds)
+{
+    const RegistryAdapter adapter(kDevice, "9001", "");
+    EXPECT_EQ(InstanceIdOf(), "");
+    SetRegistryBytes(adapter.DriverKey(), "NetCfgInstanceId", "", REG_BINARY);
+    EXPECT_EQ(InstanceIdOf(), "");
+}
+
+TEST(NetCfgInstance, PathOfMoreThan259CharactersNamesNoKey)
+{
+    // The path of the device's instance is the key name, the PCI key's 33 characters, two backslashes and the instance.
+    const std::size_t room = 259 - 33 - 2 - std::string("3&11583659&0&18").size();
+    const std::string fits(room, 'V');
+    {
+        const RegistryAdapter adapter(fits, "9001", kTestInstance);
+        EXPECT_EQ(InstanceIdOf(fits), kTestInstance);
+    }
+    const RegistryAdapter adapter(fits + 'V', "9001", kTestInstance);
+    EXPECT_EQ(InstanceIdOf(fits + 'V'), "");
+    EXPECT_EQ(InstanceIdOf(std::string(255, 'V')), "");
+}
+
+TEST(NetCfgInstance, ThousandCallsLeaveNoHandleOpen)
+{
+    const RegistryAdapter adapter(kDevice, "9001", kTestInstance);
+    const RegistryAdapter without("VEN_5D1A&DEV_9999", "9002", std::nullopt);
+    EXPECT_EQ(HandlesLeftBy(1000,
+                            [] {
+                                std::array<char, 260> id{};
+                                GetNetCfgInstanceId(kDevice, id);
+                                GetNetCfgInstanceId("VEN_5D1A&DEV_9999", id);
+                                GetNetCfgInstanceId("VEN_0000", id);
+                            }),
+              0);
+}
