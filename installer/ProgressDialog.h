@@ -17,8 +17,8 @@ extern InstallThreadParameters installThreadParameters;
 /// and ends the message loop. Nonzero for handled messages.
 INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-/// Waits until the install thread has ended, if one was started. It ends the dialog before it closes the restore point: a
-/// process that ended with the dialog could leave the point open.
+/// Waits until the install thread has ended, if one was started. It ends the dialog before it closes the restore point:
+/// a process that ended with the dialog could leave the point open.
 void WaitForInstallThread();
 
 /// The install thread. @param parameters  the InstallThreadParameters. @return 0.
