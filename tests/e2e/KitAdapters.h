@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Adapters that the sample kit serves, one of each driver family in it. Each is found in another pass or by another
+/// rule.
+struct KitAdapter
+{
+    const char* deviceId;
+    const char* driver;       ///< start of the driver file's name, before the system's number
+    const char* resultPrefix; ///< start of the names of the result values
+    int pass;                 ///< the pass that finds it
+};
+
+/// In the order in which the registry lists them.
+inline const std::vector<KitAdapter> kKitAdapters = {
+    {"VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01", "ngea", "TAVG_PCIE_", 1},
+    {"VEN_5D1A&DEV_1B3C&SUBSYS_00015D1A&REV_02", "nxga", "TAVX_", 2},
+    {"VEN_5D1A&DEV_1C4D&SUBSYS_00025D1A&REV_03", "nf6a", "TAVF_", 4},
+    {"VEN_5D1A&DEV_1D5E&SUBSYS_00015D1A&REV_04", "ngp1", "TAVG_", 2},
+};
+
+/// A kit folder and the number in its driver files' names.
+struct KitSystem
+{
+    const char* folder;
+    const char* number;
+};
+
+/// @return the file name of a kit driver, such as "ngea62x64.sys".
+[[nodiscard]] inline std::string KitDriverFile(const KitAdapter& adapter, const KitSystem& system)
+{
+    return std::string(adapter.driver) + system.number + "x64.sys";
+}

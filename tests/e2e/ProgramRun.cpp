@@ -1,0 +1,88 @@
+#include "ProgramRun.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+constexpr std::string_view kPrefix = "Morvix: ";
+} // namespace
+
+std::vector<std::string> FinishedRun::Messages() const
+{
+    std::vector<std::string> messages;
+    for (const std::string& line : lines) {
+        messages.push_back(line.starts_with(kPrefix) ? line.substr(kPrefix.size()) : line);
+    }
+    return messages;
+}
+
+size_t FinishedRun::Count(const std::string& message) const
+{
+    return static_cast<size_t>(std::ranges::count(lines, std::string(kPrefix) + message));
+}
+
+std::vector<std::string> FinishedRun::Between(const std::string& from, const std::string& to) const
+{
+    const std::vector<std::string> messages = Messages();
+    const auto first = std::ranges::find(messages, from);
+    const auto last = std::find(first == messages.end() ? first : first + 1, messages.end(), to);
+    return last == messages.end() ? std::vector<std::string>{} : std::vector<std::string>(first, last + 1);
+}
+
+ProgramRun::ProgramRun(DebugOutput& output, const std::string& program, const std::string& calledAs,
+                       const std::string& arguments, const std::string& workingDirectory)
+    : m_output(output)
+{
+    std::string commandLine = "\"" + calledAs + "\" " + arguments;
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                       workingDirectory.c_str(), &startup, &process) == FALSE) {
+        throw std::runtime_error("cannot start " + commandLine + ", error " + std::to_string(GetLastError()));
+    }
+    CloseHandle(process.hThread);
+    m_process.reset(process.hProcess);
+    m_processId = process.dwProcessId;
+}
+
+ProgramRun::~ProgramRun()
+{
+    if (StillRuns()) {
+        TerminateProcess(m_process.get(), 99);
+        WaitForSingleObject(m_process.get(), kLimit);
+    }
+}
+
+bool ProgramRun::StillRuns() const
+{
+    return WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT;
+}
+
+FinishedRun ProgramRun::Finish()
+{
+    if (WaitForSingleObject(m_process.get(), kLimit) != WAIT_OBJECT_0) {
+        const std::vector<std::string> lines = m_output.LinesOf(m_processId);
+        throw std::runtime_error("the program did not end; its last trace line is [" +
+                                 (lines.empty() ? std::string() : lines.back()) + "]");
+    }
+    DWORD code = 0;
+    GetExitCodeProcess(m_process.get(), &code);
+    FinishedRun finished = SoFar();
+    finished.exitCode = static_cast<int>(code);
+    return finished;
+}
+
+FinishedRun ProgramRun::SoFar() const
+{
+    FinishedRun run;
+    run.lines = m_output.LinesOf(m_processId);
+    return run;
+}
+
+void ProgramRun::WaitForTrace(const std::string& text) const
+{
+    if (!m_output.WaitForLine(m_processId, text, kLimit)) {
+        throw std::runtime_error("the program did not trace [" + text + "]");
+    }
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "ProgramRun.h"
+
+/// A message box as the user sees it.
+struct MessageBoxSeen
+{
+    HWND window = nullptr;
+    std::string caption;
+    std::string text;
+};
+
+/// Waits until the run shows a message box. Throws std::runtime_error when it ends or the limit passes without one.
+[[nodiscard]] MessageBoxSeen WaitForMessageBox(const ProgramRun& run);
+
+/// Presses a button of a box, such as IDOK, and waits until the box is gone.
+void PressInBox(const MessageBoxSeen& box, int button);
+
+/// The progress dialog of a run.
+class ProgressWindow
+{
+public:
+    // The dialog's controls.
+    static constexpr int kStatus = 1000, kFinish = 1002, kRestartNow = 1004, kRestartLater = 1007;
+
+    /// Waits until the run has made its dialog, visible or not. Throws std::runtime_error when it does not come.
+    explicit ProgressWindow(const ProgramRun& run);
+
+    [[nodiscard]] HWND Window() const { return m_window; }
+    [[nodiscard]] bool Visible() const { return IsWindowVisible(m_window) != FALSE; }
+    [[nodiscard]] std::string Title() const;
+    [[nodiscard]] std::string TextOf(int control) const;
+    /// A control that is there, seen and usable.
+    [[nodiscard]] bool Offers(int control) const;
+
+    /// Waits until control `control` is offered; throws std::runtime_error when that does not happen.
+    void WaitUntilOffered(int control) const;
+    /// Waits until the status text is `text`; throws std::runtime_error with the text seen last.
+    void WaitForStatus(const std::string& text) const;
+
+    /// Presses a button as a user does: the program answers in its own time.
+    void Press(int control) const;
+
+private:
+    HWND m_window = nullptr;
+};

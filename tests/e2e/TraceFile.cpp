@@ -1,0 +1,81 @@
+#include "TraceFile.h"
+
+#include <sstream>
+#include <utility>
+
+#include "Environment.h"
+
+namespace {
+constexpr size_t kLinesBefore = 3;
+
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to)
+{
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+}
+
+// What stands for what in a kept trace. Longer paths come first, so that writing takes the closest name.
+using StandIns = std::vector<std::pair<std::string, std::string>>;
+
+StandIns StandInsFor(const RunFolder& folder)
+{
+    return {{"<KIT>", folder.Path()},
+            {"<KIT-UPPER>", UpperCase(folder.Path())},
+            {"<SYSTEM>", SystemDirectory()},
+            {"<WINDOWS>", WindowsDirectory()},
+            {"<LF>", "\n"},
+            {"<CR>", "\r"}};
+}
+
+std::vector<std::string> ReadKept(const std::string& name, const StandIns& standIns)
+{
+    std::vector<std::string> lines;
+    std::istringstream text(ReadFileBytes(TracesFolder() + "\\" + name));
+    for (std::string line; std::getline(text, line);) {
+        for (const auto& [standIn, real] : standIns) {
+            ReplaceAll(line, standIn, real);
+        }
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+void WriteActual(const std::string& name, const StandIns& standIns, const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (std::string line : lines) {
+        for (const auto& [standIn, real] : standIns) {
+            ReplaceAll(line, real, standIn);
+        }
+        text += line + "\n";
+    }
+    WriteFileBytes(TracesFolder() + "\\" + name + ".actual", text);
+}
+
+std::string LineAt(const std::vector<std::string>& lines, size_t index)
+{
+    return index < lines.size() ? "[" + lines[index] + "]" : "nothing more";
+}
+} // namespace
+
+std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& folder,
+                                    const std::vector<std::string>& lines)
+{
+    const StandIns standIns = StandInsFor(folder);
+    const std::vector<std::string> expected = ReadKept(name, standIns);
+    size_t at = 0;
+    while (at < expected.size() && at < lines.size() && expected[at] == lines[at]) {
+        ++at;
+    }
+    if (at == expected.size() && at == lines.size()) {
+        return {};
+    }
+    WriteActual(name, standIns, lines);
+    std::string report = "line " + std::to_string(at + 1) + "\nexpected " + LineAt(expected, at) + "\nactual   " +
+                         LineAt(lines, at) + "\nbehind";
+    for (size_t before = at > kLinesBefore ? at - kLinesBefore : 0; before < at; ++before) {
+        report += "\n         [" + lines[before] + "]";
+    }
+    return report;
+}

@@ -1,0 +1,117 @@
+// The whole debugger output of whole runs, and switching it during a run.
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string_view>
+
+#include "Adapter.h"
+#include "EmulatedSystem.h"
+#include "KitAdapters.h"
+#include "OwnInfs.h"
+#include "TraceFile.h"
+
+namespace {
+constexpr char kFirstDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
+constexpr char kSecondDevice[] = "VEN_5D1A&DEV_7A02&SUBSYS_00115D1A&REV_03";
+
+// The machine has PCI devices of its own, other ones on each machine: the three lines that turn one down are left out.
+std::vector<std::string> WithoutTheMachinesOwnDevices(const std::vector<std::string>& lines)
+{
+    constexpr std::string_view kPath = R"(Morvix: SYSTEM\CurrentControlSet\Enum\PCI\)";
+    std::vector<std::string> kept;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool foreign = i + 2 < lines.size() && lines[i] == "Morvix: Enter -> IsNordaNetworkDevice()\n" &&
+                             lines[i + 1].starts_with(kPath) &&
+                             !lines[i + 1].substr(kPath.size()).starts_with("VEN_5D1A") &&
+                             lines[i + 2] == "Morvix: Exit -> IsNordaNetworkDevice()\n";
+        if (foreign) {
+            i += 2;
+        } else {
+            kept.push_back(lines[i]);
+        }
+    }
+    return kept;
+}
+
+class WholeTrace : public CleanMachine
+{
+protected:
+    WholeTrace()
+    {
+        Folder().UseDouble("srclient.dll");
+        Folder().Answer("srclient", "Sequence", "1");
+    }
+
+    const NativeLibrary m_native{"srclient"};
+    const EmulatedSystem m_windows7{{nullptr, "6.1", "7601", "WinNT"}};
+};
+
+TEST_F(WholeTrace, OfASilentRunWithTwoAdaptersIsTheKeptOne)
+{
+    const Adapter first(kKitAdapters[0].deviceId);
+    const Adapter second(kKitAdapters[1].deviceId);
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(DifferenceFromKeptTrace("silent-two-adapters.txt", Folder(), WithoutTheMachinesOwnDevices(run.lines)),
+              "");
+}
+
+TEST_F(WholeTrace, OfASilentRunWithoutAnAdapterIsTheKeptOne)
+{
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(DifferenceFromKeptTrace("silent-no-adapter.txt", Folder(), WithoutTheMachinesOwnDevices(run.lines)), "");
+}
+
+class TraceSwitch : public DoubleRun
+{
+protected:
+    TraceSwitch() { WriteInf("one.inf", InfText({.ids = {kFirstDevice, kSecondDevice}})); }
+    const Adapter m_first{kFirstDevice};
+    const Adapter m_second{kSecondDevice};
+};
+
+TEST_F(TraceSwitch, TakingTheDebugKeyAwayDuringTheRunEndsTheTraceAtOnce)
+{
+    Folder().Answer("NetInst", "DebugKey1", "delete");
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(Installs().size(), 2u);
+    ASSERT_FALSE(run.lines.empty());
+    EXPECT_EQ(run.lines.back(), "Morvix: 2K/XP install: PCI\\" + std::string(kFirstDevice) + ", " +
+                                    InfInUpperCase("Inf\\one.inf") + "\n");
+}
+
+TEST_F(TraceSwitch, LayingDownTheDebugKeyDuringTheRunBeginsTheTraceAtOnce)
+{
+    SwitchTrace(false);
+    Folder().Answer("NetInst", "DebugKey1", "create");
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    ASSERT_FALSE(run.lines.empty());
+    EXPECT_EQ(run.lines.front(), "Morvix:  2K/XP UpdateDriver() returned: 0 ---> GetLastError = 0\n");
+    EXPECT_EQ(run.Count("device: " + std::string(kSecondDevice) + "\n"), 1u);
+    EXPECT_EQ(run.Count("device: " + std::string(kFirstDevice) + "\n"), 0u);
+}
+
+TEST_F(TraceSwitch, OffAndOnAgainLeavesOutWhatHappenedBetween)
+{
+    Folder().Answer("NetInst", "DebugKey1", "delete");
+    Folder().Answer("NetInst", "DebugKey2", "create");
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.Count("device: " + std::string(kFirstDevice) + "\n"), 1u);
+    EXPECT_EQ(run.Count("device: " + std::string(kSecondDevice) + "\n"), 0u);
+    EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: 0 ---> GetLastError = 0\n"), 1u);
+    EXPECT_TRUE(run.Traced("Exit -> InstallDrivers()\n"));
+}
+} // namespace
