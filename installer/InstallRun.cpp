@@ -24,15 +24,6 @@
 #include "Trace.h"
 
 namespace {
-/// Stands in where the installer library hands out no install interface: every device then counts as not installed, and
-/// the results say so, instead of a run that ends without a word.
-struct UnavailableDriverInstall final : IDriverInstallInterface
-{
-    int32_t __stdcall AddRef() override { return 1; }
-    int32_t __stdcall Release() override { return 1; }
-    int32_t __stdcall InstallForRecord(void*, int32_t) override { return E_NOINTERFACE; }
-};
-
 bool InitializeCom()
 {
     Trace("CoInitialize");
@@ -47,14 +38,14 @@ bool InitializeCom()
     return true;
 }
 
-HMODULE LoadRestorePointLibrary()
+UniqueLibrary LoadRestorePointLibrary()
 {
-    const HMODULE library = LoadLibraryW(L"srclient.dll");
-    if (library == nullptr) {
+    UniqueLibrary library(LoadLibraryW(L"srclient.dll"));
+    if (!library) {
         Trace("LoadLibrary failed!");
         return nullptr;
     }
-    setRestorePoint = FindEntry<SetRestorePointFn>(library, "SRSetRestorePointW");
+    setRestorePoint = FindEntry<SetRestorePointFn>(library.get(), "SRSetRestorePointW");
     if (setRestorePoint == nullptr) {
         Trace("Failed to find SRSetRestorePointW.");
     }
@@ -68,10 +59,10 @@ void PostToDialog(HWND dialog, UINT message, WPARAM wParam = 0, LPARAM lParam = 
     }
 }
 
-bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface& driverInstall, HWND dialog)
+bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface* driverInstall, HWND dialog)
 {
     ScanForHardwareChanges();
-    if (EnumerateRegistryForPCIDevices(record, &driverInstall, dialog) == kDevicePassFailed) {
+    if (EnumerateRegistryForPCIDevices(record, driverInstall, dialog) == kDevicePassFailed) {
         return false;
     }
     ScanForHardwareChanges();
@@ -93,20 +84,19 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         PostToDialog(dialog, WM_CLOSE);
         return true;
     }
+    // Without an interface the walk still runs: every install then fails, and the results tell what is on the machine.
     uint32_t status = 0;
-    const auto created = CreateDriverInstall(&record, status);
-    UnavailableDriverInstall unavailable;
-    IDriverInstallInterface& driverInstall = created ? *created : unavailable;
+    const auto driverInstall = CreateDriverInstall(&record, status);
 
     if (IsUnattended(RunOptions)) {
-        if (!DevicePassBetweenScans(record, driverInstall, dialog)) {
+        if (!DevicePassBetweenScans(record, driverInstall.get(), dialog)) {
             return false;
         }
         PostToDialog(dialog, WM_CLOSE);
         return true;
     }
     if (dialog != nullptr) {
-        if (!DevicePassBetweenScans(record, driverInstall, dialog)) {
+        if (!DevicePassBetweenScans(record, driverInstall.get(), dialog)) {
             return false;
         }
         const unsigned outcome = OutcomeString(DevicePassState.deviceMatched != 0, DevicePassState.installFailed == 1);
@@ -169,19 +159,22 @@ int InstallDrivers(DriverInstallRecord& record, HWND dialog)
 {
     Trace("Enter -> InstallDrivers()\n");
     const bool comInitialized = InitializeCom();
-    const HMODULE restoreLibrary = comInitialized ? LoadRestorePointLibrary() : nullptr;
+    UniqueLibrary restoreLibrary = comInitialized ? LoadRestorePointLibrary() : nullptr;
     RESTOREPOINTINFOW restorePoint{};
     int64_t sequence = 0;
     const bool restorePointBegun = BeginRestorePoint(restorePoint, sequence) != 0;
 
     if (!RunFlowFor(record, dialog)) {
+        // The restore point stays open and COM stays initialised, and so the library stays loaded.
+        static_cast<void>(restoreLibrary.release());
         return -1;
     }
     if (restorePointBegun) {
         EndRestorePoint(restorePoint, sequence);
     }
     Trace("Exit -> InstallDrivers()\n");
-    const UniqueLibrary freed(restoreLibrary);
+    setRestorePoint = nullptr;
+    restoreLibrary.reset();
     if (comInitialized) {
         CoUninitialize();
     }

@@ -8,7 +8,5 @@
 /// to the dialog how to finish. Runs on the install thread.
 /// @param record  The run's record with the family name in it.
 /// @param dialog  The progress dialog, or null.
-/// @return 0; -1 when the device pass could not run. After -1 the restore point is still open and COM still
-/// initialised:
-///         the process is about to end.
+/// @return 0; -1 when the device pass could not run. The restore point is then still open and COM still initialised.
 int InstallDrivers(DriverInstallRecord& record, HWND dialog);

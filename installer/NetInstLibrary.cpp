@@ -5,6 +5,7 @@
 #include <string>
 
 #include "EntryPoints.h"
+#include "Handles.h"
 #include "LocationInfo.h"
 #include "Trace.h"
 
@@ -13,12 +14,16 @@ namespace {
 DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
 {
     const std::string path = LocationInfo.setupDir + "\\" + kNetInstLibrary;
-    const HMODULE library = LoadLibraryA(path.c_str());
-    auto entry = library == nullptr ? nullptr : FindEntry<DllGetClassFactoryObjectFn>(library, kNetInstEntryPoint);
+    UniqueLibrary library(LoadLibraryA(path.c_str()));
+    const auto entry = library ? FindEntry<DllGetClassFactoryObjectFn>(library.get(), kNetInstEntryPoint) : nullptr;
     if (entry == nullptr) {
-        status = static_cast<uint32_t>(HRESULT_FROM_WIN32(GetLastError()));
+        const DWORD error = GetLastError();
+        status = static_cast<uint32_t>(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
         Trace("unable to load: " + path + "\n");
+        return nullptr;
     }
+    // Stays loaded: the objects that it hands out live in it.
+    static_cast<void>(library.release());
     return entry;
 }
 

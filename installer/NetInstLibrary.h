@@ -20,8 +20,7 @@ using UniqueNetInst = std::unique_ptr<Interface, NetInstRelease>;
 /// Creates the system prober of the NetInst.dll that stands beside the program. The library is loaded on first use and
 /// stays loaded.
 /// @param status  0 on success, else the failure: NetInst's own status, or the Win32 error as an HRESULT when the
-/// library
-///                or its export is missing.
+///                library or its export is missing.
 UniqueNetInst<ISysProberInterface> CreateSysProber(uint32_t& status);
 
 /// Creates the driver-install interface for `record`; contract as above.

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
+#include "ActivityBar.h"
 #include "DialogControls.h"
 #include "EndOfRun.h"
 #include "Handles.h"
@@ -21,6 +23,7 @@ InstallThreadParameters installThreadParameters;
 
 namespace {
 int countdown = kCountdownStart;
+bool closing = false;
 UniqueHandle installThread;
 
 struct DialogButtons
@@ -60,8 +63,9 @@ void SetStatus(HWND dialog, const std::string& text)
     SetDlgItemTextA(dialog, kStatusText, text.c_str());
 }
 
-void StartInstallThread()
+void StartInstallThread(HWND dialog)
 {
+    ShowActivity(dialog);
     DWORD threadId = 0;
     installThread.reset(CreateThread(nullptr, 0, InstallThread, &installThreadParameters, 0, &threadId));
 }
@@ -71,7 +75,7 @@ void InitializeDialog(HWND dialog, const DialogButtons& buttons)
     installThreadParameters.dialog = dialog;
     if (RunOptions.msiMode != 0 || RunOptions.silent != 0) {
         SetStatus(dialog, LangString(kStringWorking));
-        StartInstallThread();
+        StartInstallThread(dialog);
         return;
     }
     const std::string family = FamilyOf(*installThreadParameters.record);
@@ -90,10 +94,14 @@ INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPAR
     if (HIWORD(wParam) != 0 || control == nullptr) {
         return 0;
     }
+    if ((control == buttons.ok || control == buttons.cancel) && IsWindowEnabled(control) == FALSE) {
+        // The Return and Escape keys still name these buttons while the drivers are being installed.
+        return 0;
+    }
     if (control == buttons.ok) {
         HideAndDisable(buttons.cancel);
         HideAndDisable(buttons.ok);
-        StartInstallThread();
+        StartInstallThread(dialog);
         return 1;
     }
     if (control == buttons.finish || control == buttons.restartLater || control == buttons.cancel) {
@@ -160,9 +168,10 @@ INT_PTR OnTimer(HWND dialog, WPARAM timer)
     return EndMessageLoop();
 }
 
-bool ActOnOutcome()
+/// @return true when the machine is to be restarted now.
+bool DecideAndRecordRestart()
 {
-    const bool needed = RestartIsNeeded();
+    const bool needed = OutcomeDecidesRestart(RunOptions) && RestartIsNeeded();
     if (needed) {
         isRegEntryTAVUnstl();
     }
@@ -180,13 +189,26 @@ bool ActOnOutcome()
     return false;
 }
 
+bool InstallThreadRuns()
+{
+    return installThread && WaitForSingleObject(installThread.get(), 0) == WAIT_TIMEOUT;
+}
+
 INT_PTR OnClose(HWND dialog)
 {
+    // While the restart question is open the dialog can still be told to close: one end is enough.
+    if (std::exchange(closing, true)) {
+        return 0;
+    }
     KillTimer(dialog, kCloseTimer);
-    const bool restart =
-        OutcomeDecidesRestart(RunOptions) ? ActOnOutcome() : DecideRestart(RunOptions, false) == RestartAction::Restart;
-    FreeLibrary(resourceModule);
-    resourceModule = nullptr;
+    // Whoever chose to restart later is not restarted by a countdown while the question waits for its answer.
+    KillTimer(dialog, kCountdownTimer);
+    const bool restart = DecideAndRecordRestart();
+    // A run that is still under way, because something else closed the dialog, goes on reading texts.
+    if (!InstallThreadRuns()) {
+        FreeLibrary(resourceModule);
+        resourceModule = nullptr;
+    }
     if (restart) {
         RestartMachine();
     }
@@ -197,8 +219,12 @@ INT_PTR OnClose(HWND dialog)
 
 void WaitForInstallThread()
 {
-    if (installThread) {
-        WaitForSingleObject(installThread.get(), INFINITE);
+    const HANDLE thread = installThread.get();
+    // The thread may be waiting for this one to take a control's new text: such calls are answered meanwhile.
+    while (thread != nullptr &&
+           MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
+        MSG message{};
+        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);
     }
 }
 
@@ -209,7 +235,8 @@ INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LP
         HideAndDisable(buttons.cancel);
         HideAndDisable(buttons.ok);
     }
-    if (message == restartMessage) {
+    // 0 when the system could not register it.
+    if (message == restartMessage && restartMessage != 0) {
         return OnRestartOffered(dialog, buttons);
     }
     switch (message) {
@@ -242,5 +269,6 @@ DWORD WINAPI InstallThread(void* parameters)
         EnableAndShow(finish);
         Focus(thread.dialog, finish);
     }
+    HideActivity(thread.dialog);
     return 0;
 }

@@ -1,14 +1,16 @@
 #include <windows.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "ActivityBar.h"
 #include "CommandLine.h"
 #include "DialogControls.h"
 #include "DriverInstallRecord.h"
-#include "Handles.h"
 #include "LangString.h"
 #include "LanguageTable.h"
 #include "LocationInfo.h"
@@ -28,7 +30,7 @@ constexpr int kExitFailure = -1;
 constexpr char kWindowClass[] = "Morvix";
 
 // A fault that nothing handles, such as a device name that no search rule fits, ends the process at once with a trace
-// and the exit code of a failed run: nobody may be there to close a system box.
+// and the exit code of a failed run.
 [[noreturn]] void EndOnUnhandledFault()
 {
     std::string what = "unknown";
@@ -82,11 +84,18 @@ int RunDialog(DriverInstallRecord& record)
         MessageBoxA(nullptr, "This program requires Windows NT.", "Morvix", MB_ICONERROR);
         return 0;
     }
+    RegisterActivityBar();
     installThreadParameters.record = &record;
     // Under a Windows Installer user interface the dialog belongs to the installer's window.
     const HWND owner = FindWindowA("MsiDialogCloseClass", nullptr);
     const HWND dialog =
         CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
+    if (dialog == nullptr) {
+        // A resource library without the dialog: nothing would ever end the message loop.
+        Trace("unable to create the dialog\n");
+        FreeResourceLibrary();
+        return kExitFailure;
+    }
     ShowWindow(dialog, RunOptions.silent != 0 ? SW_HIDE : SW_SHOWNORMAL);
 
     MSG message{};
@@ -110,8 +119,7 @@ int RunProgram(int argc, const char* const* argv)
         Trace("error: SetLocationInfo() failed, exiting program\n");
         return kExitFailure;
     }
-    const uint16_t language = GetOSLanguageID(nullptr, 0);
-    runLanguageId = language == 0 ? kFallbackLanguage : language;
+    runLanguageId = RunLanguageIdFor(GetOSLanguageID(nullptr, 0));
     if (!LoadResourceLibrary()) {
         return kExitFailure;
     }
@@ -145,6 +153,9 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
+    // A damaged library or a fault is answered with a trace and an exit code, not with a system box: nobody may be
+    // there to close it.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     std::set_terminate(EndOnUnhandledFault);
     return RunProgram(__argc, __argv);
 }

@@ -35,7 +35,7 @@ template <std::size_t Size>
     return whole.substr(0, whole.find('\0'));
 }
 
-/// @return the record's family name; at most the 203 characters that its field holds.
+/// @return the record's family name; at most the 204 characters that its field holds.
 [[nodiscard]] inline std::string FamilyOf(const DriverInstallRecord& record)
 {
     return std::string(TextIn(record.osFamily));

@@ -15,3 +15,10 @@ struct RunLanguage
 
 /// US English (LANGID 0x0409): used where the system's language has no texts.
 inline constexpr uint16_t kFallbackLanguage = 1033;
+
+/// @param systemAnswer  Identifier of the texts for the system's language, 0 when there are none.
+/// @return the identifier of the language that the run speaks.
+[[nodiscard]] constexpr uint16_t RunLanguageIdFor(uint16_t systemAnswer)
+{
+    return systemAnswer == 0 ? kFallbackLanguage : systemAnswer;
+}

@@ -3,13 +3,23 @@
 #include <windows.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdio>
 
 #include "Handles.h"
 #include "LastError.h"
 #include "Trace.h"
 
 namespace {
-int StartAndWait(std::string& commandLine)
+constexpr std::size_t kUninstallCommandBytes = 276;
+
+enum class WaitTrace
+{
+    Quiet,
+    AroundTheWait,
+};
+
+int StartAndWait(std::string& commandLine, WaitTrace waitTrace)
 {
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
@@ -24,9 +34,13 @@ int StartAndWait(std::string& commandLine)
     }
     const UniqueHandle processOwner(process.hProcess);
     const UniqueHandle threadOwner(process.hThread);
-    Trace("waiting for process to exit");
+    if (waitTrace == WaitTrace::AroundTheWait) {
+        Trace("waiting for process to exit");
+    }
     WaitForSingleObject(process.hProcess, INFINITE);
-    Trace("done waiting for process to exit\n");
+    if (waitTrace == WaitTrace::AroundTheWait) {
+        Trace("done waiting for process to exit\n");
+    }
     return 0;
 }
 } // namespace
@@ -38,13 +52,13 @@ int LaunchAppandWait(std::string commandLine)
     std::array<char, MAX_PATH> directory{};
     GetCurrentDirectoryA(MAX_PATH, directory.data());
     Trace("current directory:  " + std::string(directory.data()) + "\n");
-    return StartAndWait(commandLine);
+    return StartAndWait(commandLine, WaitTrace::AroundTheWait);
 }
 
 int UninstallAppandWait(std::string commandLine)
 {
     Trace("Entering - UninstallAppandWait");
-    return StartAndWait(commandLine);
+    return StartAndWait(commandLine, WaitTrace::Quiet);
 }
 
 int DoUninstall(const DriverInstallRecord& record)
@@ -59,11 +73,14 @@ int DoUninstall(const DriverInstallRecord& record)
     Trace("uninstall app: " + path + "\n");
 
     WIN32_FIND_DATAA found{};
-    // The search handle stays open: one handle per uninstall, by design.
-    if (FindFirstFileA(path.c_str(), &found) == INVALID_HANDLE_VALUE) {
+    // The search stays open for the rest of the run: one handle per uninstall, by design.
+    const HANDLE search = FindFirstFileA(path.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
         Trace("unable to find uninstall app\n");
         return 0;
     }
-    UninstallAppandWait("\"" + path + "\" /nogui");
+    std::array<char, kUninstallCommandBytes> command{};
+    std::snprintf(command.data(), command.size(), "\"%s\" /nogui", path.c_str());
+    UninstallAppandWait(command.data());
     return 1;
 }

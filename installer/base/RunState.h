@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// Words that the installation run sets and that other rooms read. All belong to the install thread, except that
-/// start-up clears them before that thread exists and the dialog reads them after it has ended.
+/// start-up clears them before that thread exists and the dialog reads them after the thread has told it how to finish.
 struct RunStateRecord
 {
     uint32_t windows98Run = 0;           ///< the record's family is "Windows 98"

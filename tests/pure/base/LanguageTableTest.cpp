@@ -34,7 +34,7 @@ TEST(LanguageTable, EverySystemLanguageLeadsToItsTexts)
 
 TEST(LanguageTable, UnsupportedLanguagesFallBackToUsEnglish)
 {
-    EXPECT_EQ(0, LanguageForSystem(0x0419).id);
-    EXPECT_EQ(1033, kFallbackLanguage);
+    EXPECT_EQ(1033, RunLanguageIdFor(LanguageForSystem(0x0419).id));
+    EXPECT_EQ(1031, RunLanguageIdFor(LanguageForSystem(0x0807).id));
     EXPECT_EQ("ENU", LanguageForSystem(kFallbackLanguage).code3);
 }

@@ -7,7 +7,6 @@
 #include "DebugOutput.h"
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace {
 std::string SystemText(DWORD error)

@@ -29,6 +29,14 @@ std::string CurrentDirectory()
     return directory.data();
 }
 
+std::string SystemText(DWORD error)
+{
+    std::array<char, 512> text{};
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0x400, text.data(),
+                   text.size(), nullptr);
+    return text.data();
+}
+
 DriverInstallRecord RecordOf(std::string_view family)
 {
     DriverInstallRecord record;
@@ -60,7 +68,7 @@ private:
 };
 } // namespace
 
-TEST(ProcessLaunch, ProgramHasEndedWhenTheCallReturns)
+TEST(ProcessLaunch, ProgramHasEndedWhenTheCallReturnsAndItsExitCodeIsNotRead)
 {
     const ScratchDirectory scratch;
     const std::string program = scratch.At("with blank.exe");
@@ -78,25 +86,23 @@ TEST(ProcessLaunch, MissingProgramYieldsMinusOneAndItsTrace)
 {
     TraceCapture trace;
     EXPECT_EQ(-1, LaunchAppandWait("no-such-program.exe"));
-    const std::vector<std::string> messages = trace.Messages();
-    ASSERT_EQ(6U, messages.size());
-    EXPECT_EQ("CreateProcess() error (path too long?)", messages[3]);
-    EXPECT_EQ("Entering - PrintGetLastErrorMessage", messages[4]);
-    EXPECT_FALSE(messages[5].empty());
+    EXPECT_THAT(
+        trace.Messages(),
+        ElementsAre("Entering - LaunchAppandWait", "LaunchAppandWait(),  no-such-program.exe\n",
+                    "current directory:  " + CurrentDirectory() + "\n", "CreateProcess() error (path too long?)",
+                    "Entering - PrintGetLastErrorMessage", SystemText(ERROR_FILE_NOT_FOUND)));
 }
 
 TEST(ProcessLaunch, UninstallHasTheSameResultsAndAShorterTrace)
 {
     TraceCapture trace;
     EXPECT_EQ(-1, UninstallAppandWait("no-such-program.exe"));
-    const std::vector<std::string> messages = trace.Messages();
-    ASSERT_EQ(4U, messages.size());
-    EXPECT_EQ("Entering - UninstallAppandWait", messages[0]);
-    EXPECT_EQ("CreateProcess() error (path too long?)", messages[1]);
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering - UninstallAppandWait", "CreateProcess() error (path too long?)",
+                            "Entering - PrintGetLastErrorMessage", SystemText(ERROR_FILE_NOT_FOUND)));
     trace.Clear();
     EXPECT_EQ(0, UninstallAppandWait("\"" + TestFile("command_line_recorder.exe") + "\""));
-    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - UninstallAppandWait", "waiting for process to exit",
-                                              "done waiting for process to exit\n"));
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - UninstallAppandWait"));
     DeleteFileA((TestFile("command_line_recorder.exe") + ".journal.txt").c_str());
 }
 
@@ -107,8 +113,16 @@ TEST(ProcessLaunch, UninstallerIsRunQuotedAndWithoutItsUserInterface)
     EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
     EXPECT_THAT(ReadFileBytes(uninstaller.Journal()), HasSubstr("command line: \"" + uninstaller.Path() + "\" /nogui"));
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering - DoUninstall", "uninstall app: " + uninstaller.Path() + "\n",
-                                              "Entering - UninstallAppandWait", "waiting for process to exit",
-                                              "done waiting for process to exit\n"));
+                                              "Entering - UninstallAppandWait"));
+}
+
+TEST(ProcessLaunch, UninstallerThatCannotBeStartedStillCountsAsFound)
+{
+    const Uninstaller uninstaller("Tavunstl.exe");
+    WriteFileBytes(uninstaller.Path(), "no program");
+    TraceCapture trace;
+    EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
+    EXPECT_THAT(trace.Messages(), testing::Contains("CreateProcess() error (path too long?)"));
 }
 
 TEST(ProcessLaunch, LegacyFamiliesHaveAnUninstallerOfTheirOwn)

@@ -2,12 +2,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <objbase.h>
 
 #include <algorithm>
 
 #include "DebugOutput.h"
+#include "RegistryKeys.h"
+#include "RunOptions.h"
+#include "RunState.h"
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::Not;
 using testing::StartsWith;
 
@@ -25,4 +30,41 @@ TEST(InstallRun, FamilyWithoutAFlowInstallsNothingAndPostsNothing)
     EXPECT_EQ("Exit -> InstallDrivers()\n", messages.back());
     MSG message{};
     EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_CLOSE, WM_CLOSE, PM_REMOVE));
+}
+
+TEST(InstallRun, WhereComCannotBeInitialisedTheRunGoesOnWithoutARestorePoint)
+{
+    // A thread that COM already knows as single-threaded cannot become a multithreaded one.
+    ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
+    DriverInstallRecord record;
+    std::ranges::copy(std::string_view("Windows NT"), record.osFamily.begin());
+    TraceCapture trace;
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Enter -> InstallDrivers()\n", "CoInitialize", "Unexpected error: CoInitializeEx() failed",
+                            "Entering BeginRestorePoint", "Exiting BeginRestorePoint", "unable to determine OS\n",
+                            "Exit -> InstallDrivers()\n"));
+    // Still initialised as before: the failed run took nothing away.
+    EXPECT_EQ(S_FALSE, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
+    CoUninitialize();
+    CoUninitialize();
+}
+
+TEST(InstallRun, FailedDevicePassReturnsMinusOneAndLeavesTheRestorePointOpen)
+{
+    const ScratchRegistryKey enumKey("Enum");
+    DriverInstallRecord record;
+    std::ranges::copy(std::string_view("Windows Millenium"), record.osFamily.begin());
+    RunOptions.silent = 1;
+    TraceCapture trace;
+    EXPECT_EQ(-1, InstallDrivers(record, nullptr));
+    RunOptions = {};
+    RunState = {};
+    const std::vector<std::string> messages = trace.Messages();
+    EXPECT_EQ("Exit -> EnumerateRegistryForPCIDevices()\n", messages.back());
+    EXPECT_THAT(messages, Not(Contains("Entering EndRestorePoint")));
+    // COM stays initialised too.
+    EXPECT_EQ(S_FALSE, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+    CoUninitialize();
+    CoUninitialize();
 }
