@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <type_traits>
+#include <utility>
 
 /// Owner types for the platform's handles: the closer runs on every path out of a scope.
 /// A handle that the program keeps open on purpose is released at the spot that says why.
@@ -23,27 +24,41 @@ struct KernelHandleCloser
 };
 using UniqueHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, KernelHandleCloser>;
 
-/// Owns a handle from CreateFile, whose "none" value is INVALID_HANDLE_VALUE.
-class UniqueFile
+/// Ends a directory search.
+struct SearchCloser
+{
+    void operator()(HANDLE search) const noexcept { FindClose(search); }
+};
+
+/// Owns a handle whose "none" value is INVALID_HANDLE_VALUE.
+template <class Closer>
+class UniqueOpenHandle
 {
 public:
-    UniqueFile() noexcept = default;
-    explicit UniqueFile(HANDLE file) noexcept : m_file(file) {}
-    UniqueFile(const UniqueFile&) = delete;
-    UniqueFile& operator=(const UniqueFile&) = delete;
-    ~UniqueFile()
+    UniqueOpenHandle() noexcept = default;
+    explicit UniqueOpenHandle(HANDLE handle) noexcept : m_handle(handle) {}
+    UniqueOpenHandle(const UniqueOpenHandle&) = delete;
+    UniqueOpenHandle& operator=(const UniqueOpenHandle&) = delete;
+    ~UniqueOpenHandle()
     {
         if (IsOpen()) {
-            CloseHandle(m_file);
+            Closer{}(m_handle);
         }
     }
 
-    [[nodiscard]] bool IsOpen() const noexcept { return m_file != INVALID_HANDLE_VALUE; }
-    [[nodiscard]] HANDLE Get() const noexcept { return m_file; }
+    [[nodiscard]] bool IsOpen() const noexcept { return m_handle != INVALID_HANDLE_VALUE; }
+    [[nodiscard]] HANDLE Get() const noexcept { return m_handle; }
+    /// Gives the handle away: the caller closes it, or says why it stays open.
+    [[nodiscard]] HANDLE Release() noexcept { return std::exchange(m_handle, INVALID_HANDLE_VALUE); }
 
 private:
-    HANDLE m_file = INVALID_HANDLE_VALUE;
+    HANDLE m_handle = INVALID_HANDLE_VALUE;
 };
+
+/// Owns a handle from CreateFile.
+using UniqueFile = UniqueOpenHandle<KernelHandleCloser>;
+/// Owns a handle from FindFirstFile.
+using UniqueSearch = UniqueOpenHandle<SearchCloser>;
 
 struct LibraryCloser
 {

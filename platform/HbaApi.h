@@ -19,12 +19,8 @@ inline constexpr HBA_HANDLE HBA_HANDLE_INVALID = 0;
 
 using HBA_STATUS = HBA_UINT32;
 inline constexpr HBA_STATUS HBA_STATUS_OK = 0;
-inline constexpr HBA_STATUS HBA_STATUS_ERROR = 1;
-inline constexpr HBA_STATUS HBA_STATUS_ERROR_INVALID_HANDLE = 3;
 /// The caller's buffer is too small for what there is.
 inline constexpr HBA_STATUS HBA_STATUS_ERROR_MORE_DATA = 7;
-/// The device answered a command with sense data.
-inline constexpr HBA_STATUS HBA_STATUS_SCSI_CHECK_CONDITION = 9;
 
 /// World-wide name, most significant byte first.
 struct HBA_WWN
@@ -220,8 +216,7 @@ using NordaInitializeLibraryFn = HBA_STATUS (*)();
 using NordaGetFCoEControllerHandleFn = HBA_HANDLE (*)(char* controllerName);
 using NordaGetFCoEControllerInfoFn = HBA_STATUS (*)(char* controllerName, NORDA_FCOECONTROLLERINFO* info);
 using NordaGetFCAndNICPropertiesFn = HBA_STATUS (*)(HBA_HANDLE handle, NORDA_FCANDNICPROPERTIES* properties);
-/// The lists: `count` is the room on call and the number there is on return; with a null list only the number is asked
-/// for.
+/// The lists: `count` is the room on call and the number there is on return; a null list asks for the number only.
 template <class Item>
 using NordaGetListFn = HBA_STATUS (*)(HBA_HANDLE handle, Item* list, HBA_UINT32* count);
 /// NORDA_GetTargetList (target ports) and NORDA_GetFCPortList (virtual ports).

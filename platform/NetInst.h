@@ -40,8 +40,7 @@ struct IDriverInstallInterface
     virtual int32_t __stdcall AddRef() = 0;
     virtual int32_t __stdcall Release() = 0;
     /// Binds the record's hardware ID to the record's INF. `flags` is 0.
-    /// @return 0 or a positive status for success, a negative status (a set-up error 0xE000.... or an HRESULT)
-    /// otherwise.
+    /// @return 0 or a positive status for success, else a negative one (a set-up error 0xE000.... or an HRESULT).
     virtual int32_t __stdcall InstallForRecord(void* record, int32_t flags) = 0;
 };
 

@@ -17,12 +17,10 @@ struct AgentLibrary
     std::string_view value;
 };
 
-/// @return the first row of that short name, compared without regard to the letter case of A to Z; null when there is
-/// none.
+/// @return the first row of that short name, compared without regard to the letter case of A to Z; null without one.
 [[nodiscard]] const AgentLibrary* FindAgentLibrary(std::span<const AgentLibrary> libraries,
                                                    std::string_view shortName) noexcept;
 
-/// @return the library's full path, with ".DLL"; no value unless `directory` is a full path (a drive or a share):
-/// anything
-///         else would be looked for where anybody may put a file.
+/// @return the library's full path, with ".DLL"; no value unless `directory` is a full path (a drive or a share), since
+///         anything else would be looked for where anybody may put a file.
 [[nodiscard]] std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName);

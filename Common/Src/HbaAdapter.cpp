@@ -1,5 +1,6 @@
 // Opening and closing adapters, and what the library knows of them.
-#include <cstring>
+#include <array>
+#include <vector>
 
 #include "HbaApiInt.h"
 #include "HbaOperation.h"
@@ -104,15 +105,12 @@ bool CHBAAPIInt::CloseAdapHandle(HBA_HANDLE& handle)
     OrvTrace().Print("CHBAAPIInt::CloseAdapHandle closing adapter handle - %d", static_cast<int>(handle));
     // Callers close only a handle that GetAdapterHandle returned, but the library opens by an entry point of its own
     // and closes through the table: one that opens and fills no table must not bring an elevated program down.
-    const bool bRet = m_entryPoints.CloseAdapterHandler != nullptr;
-    if (bRet) {
+    if (m_entryPoints.CloseAdapterHandler != nullptr) {
         m_entryPoints.CloseAdapterHandler(handle);
-    } else {
-        OrvTrace().Print("CHBAAPIInt::CloseAdapHandle table entry is null");
     }
     handle = HBA_HANDLE_INVALID;
     OrvTrace().Print("Exiting CHBAAPIInt::CloseAdapHandle");
-    return bRet;
+    return true;
 }
 
 bool CHBAAPIInt::GetNumberOfHBAAdapters(HBA_UINT32& count)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -37,15 +36,13 @@ public:
     CHBAAPIInt& operator=(const CHBAAPIInt&) = delete;
 
     /// Loads and initialises the library. Takes the mutex. Called again it initialises again.
-    /// @return false without the mutex, without the library, or when the library says that it cannot be initialised; in
-    /// the
-    ///         last case it stays loaded until DeInitHBAAPIMod. True also for a library that has no initialise entry:
-    ///         GetAdapterHandle fails then.
+    /// @return false without the mutex, without the library, or when the library says that it cannot be initialised;
+    ///         in the last case it stays loaded until DeInitHBAAPIMod. True also for a library that has no initialise
+    ///         entry: GetAdapterHandle fails then, unless this object has initialised one before.
     bool InitHBAAPIMod();
 
     /// The same for one adapter, which the library is also asked about. What it says about the adapter does not change
-    /// the result: an adapter without FCoE shows itself in GetAdapterHandle, and a library that cannot tell may still
-    /// open it.
+    /// the result: whether the adapter has FCoE shows itself in GetAdapterHandle.
     /// @param adapterName  "\DEVICE\" and the network-configuration instance ID.
     /// @param bEthInst     The adapter has an Ethernet instance; without one nothing is done and the result is false.
     /// @param info         Receives what the library knows; zeroed when it knows nothing. May be null.
@@ -64,8 +61,8 @@ public:
     bool GetFCEthernetProperties(HBA_HANDLE handle, NORDA_FCANDNICPROPERTIES* properties);
 
     /// Closes a handle that GetAdapterHandle returned.
-    /// @param handle  Is 0 afterwards.
-    /// @return true; false only when the library filled in no function to close it with.
+    /// @param handle  Is 0 afterwards, also when the library filled in no function to close it with.
+    /// @return true.
     bool CloseAdapHandle(HBA_HANDLE& handle);
 
     /// Unloads the library, with the mutex if it can be had. In any state, more than once.
@@ -86,8 +83,8 @@ public:
 
     /// Lists the logical units behind the adapter.
     /// @param mapping   `NumberOfEntries` says how many entries there is room for, and then how many there are.
-    /// @param moreData  Set when the list needs more room; the result is false then and `NumberOfEntries` says how
-    /// much.
+    /// @param moreData  Set when the list needs more room; the result is false then, and `NumberOfEntries` says how
+    ///                  many entries there are.
     bool GetTargetsInfo(HBA_HANDLE handle, HBA_FCPTARGETMAPPING* mapping, bool& moreData);
     /// Lists the target ports that the adapter sees.
     bool GetTargetList(HBA_HANDLE handle, std::vector<HBA_WWN>& targets);
@@ -128,10 +125,12 @@ private:
                 HBA_UINT32& value);
 
     UniqueLibrary m_hModule;
+    /// Always 0; no operation uses it. Room for a value that one may need.
     [[maybe_unused]] uint64_t m_reserved;
     HBA_ENTRYPOINTS m_entryPoints;
     /// Set once the table's fill function has been looked for, found or not.
     bool m_bEntryPtsInited;
-    /// Set when the library said that it is initialised.
+    /// Set when the library said that it is initialised, and then for the life of the object: it counts for a library
+    /// loaded later, too.
     bool m_bLibraryInited;
 };

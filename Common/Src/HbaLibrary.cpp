@@ -1,4 +1,7 @@
 // Loading and unloading the interface library.
+#include <array>
+#include <utility>
+
 #include "HbaApiInt.h"
 #include "HbaOperation.h"
 #include "OrvDebug.h"
@@ -73,8 +76,6 @@ bool CHBAAPIInt::LoadInterfaceLibrary()
         return false;
     }
     m_hModule = std::move(library);
-    // Of an earlier library: this one has to say for itself that it is initialised.
-    m_bLibraryInited = false;
     return InitializeLibrary() && RegisterLibrary();
 }
 
@@ -118,15 +119,15 @@ bool CHBAAPIInt::RegisterLibrary()
 void CHBAAPIInt::AskControllerInfo(const wchar_t* adapterName, NORDA_FCOECONTROLLERINFO& info) const
 {
     NordaGetFCoEControllerInfoFn getInfo = nullptr;
-    std::array<char, kHbaNameBytes> name{};
     const HbaEntry found = FindHbaEntry(m_hModule.get(), L"NORDA_GetFCoEControllerInfo", getInfo);
-    if (found == HbaEntry::NameNotConverted || !HbaNarrowName(adapterName, name)) {
-        OrvTrace().Print("CHBAAPIInt::InitHBAAPIMod ConvertTCHARToChar failed");
-        return;
-    }
     if (found == HbaEntry::Missing) {
         const DWORD error = GetLastError();
         OrvTrace().Print("GetProcAddress of NORDA_GetFCoEControllerInfo failed with error %d", static_cast<int>(error));
+        return;
+    }
+    std::array<char, kHbaNameBytes> name{};
+    if (found == HbaEntry::NameNotConverted || !HbaNarrowName(adapterName, name)) {
+        OrvTrace().Print("CHBAAPIInt::InitHBAAPIMod ConvertTCHARToChar failed");
         return;
     }
     NORDA_FCOECONTROLLERINFO answer{};

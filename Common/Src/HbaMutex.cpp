@@ -17,6 +17,10 @@ bool CHBAAPIMutex::Lock()
     if (!m_mutex) {
         return false;
     }
+    if (m_held) {
+        // The platform would count a second taking, and one Unlock would not be enough.
+        return true;
+    }
     const DWORD outcome = WaitForSingleObject(m_mutex.get(), kLimitMilliseconds);
     // An abandoned mutex is held too, though it does not count as had: it must be released all the same.
     m_held = outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;

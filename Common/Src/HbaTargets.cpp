@@ -1,4 +1,7 @@
 // Targets behind an adapter, their logical units, and the networks it is a member of.
+#include <span>
+#include <vector>
+
 #include "HbaApiInt.h"
 #include "HbaOperation.h"
 

@@ -15,7 +15,7 @@ struct Component
 {
     const char* operation;
     const char* value;
-    /// The component's name in the text about its value, and in the text about its not being installed.
+    // The component's name in the text about its value, and in the text about its not being installed.
     const char* valueName;
     const char* name;
 };
@@ -101,12 +101,7 @@ bool CHelper::IsSettingDebugable(const COrvString& name, DWORD& value)
     COrvRegKey key;
     key.Open(HKEY_LOCAL_MACHINE, kDebugKey, false);
     value = 0;
-    DWORD stored = 0;
-    if (!key.GetValue(name, stored)) {
-        return false;
-    }
-    value = stored;
-    return true;
+    return key.GetValue(name, value);
 }
 
 bool CHelper::GetDebugString(const COrvString& name, COrvString& value)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <span>
 
 #include "AgentLibraries.h"
@@ -25,8 +24,8 @@ enum class AgentLibraryUse
 /// What is installed on this machine: components of the maker's management extension (registry flags), debugging
 /// switches, the user-interface language, services, and the maker's other libraries. Nothing is kept between calls:
 /// each reads the registry anew, under HKEY_LOCAL_MACHINE. Nothing throws; what is missing is false (or -1) with a line
-/// in the library trace. The entry lines say "Enterning", and some lines name another operation or component; readers
-/// know them so.
+/// in the library trace. The entry lines say "Enterning", and some lines name another operation or component, as the
+/// readers of these traces know them.
 class CHelper
 {
 public:
@@ -42,7 +41,8 @@ public:
     /// @return true when debugging is switched on ("Debugging" is 1).
     [[nodiscard]] bool IsDebugEnbled();
     /// Reads a debug value that stands for a real reading.
-    /// @param value  Untouched while debugging is off; 0 when there is no such number.
+    /// @param value  Untouched while debugging is off; 0 when there is no such value. One of another type is no number,
+    ///               and up to 4 of its bytes may end up here.
     /// @return true when debugging is on and the number was read.
     bool IsSettingDebugable(const COrvString& name, DWORD& value);
     /// The same for a text; `value` is empty when debugging is on and there is no such text.

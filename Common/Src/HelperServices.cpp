@@ -1,4 +1,5 @@
 // Services of the maker's software and of the system, and the system's own DCB.
+#include "DcbQuery.h"
 #include "Helper.h"
 #include "HelperTrace.h"
 #include "OrvDebug.h"
@@ -6,11 +7,6 @@
 #include "WmiQuery.h"
 
 namespace {
-constexpr wchar_t kDcbNameSpace[] = LR"(root\standardcimv2)";
-constexpr wchar_t kDcbQuery[] =
-    L"SELECT * FROM "
-    L"MSFT_NetQosDcbxSettingData";
-
 const char* ServiceName(int kind)
 {
     switch (kind) {

@@ -9,9 +9,8 @@ inline constexpr int kOrvTooSmall = 34;
 
 /// Copies `source` with its terminator.
 /// @param destinationBytes  Size of `destination` in bytes; nothing behind it is touched.
-/// @return 0; 22 for a null pointer or a size of 0; 34 when the text does not fit. After a failure a destination with
-/// room
-///         holds the empty text.
+/// @return 0; 22 for a null pointer or a size of 0; 34 when the text does not fit. After a failure a destination that
+///         has room holds the empty text.
 [[nodiscard]] int OrvBoundedCopy(char* destination, size_t destinationBytes, const char* source) noexcept;
 
 /// Appends `source` to the text in `destination`. Results and failures as for OrvBoundedCopy; a destination without a

@@ -3,8 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// Character classes of the library: ASCII only, no locale. Bytes below 0x20 and from 0x7F upward belong to none of
-/// them.
+/// Character classes of the library: ASCII only, no locale. Bytes below 0x20 and from 0x7F upward belong to none.
 
 [[nodiscard]] constexpr bool OrvIsAlphabetic(char c) noexcept
 {
@@ -32,8 +31,7 @@ inline constexpr uint32_t kOrvAllowAlphabetic = 1;
 inline constexpr uint32_t kOrvAllowNumeric = 2;
 inline constexpr uint32_t kOrvAllowSymbolic = 4;
 
-/// @return false when `text` holds a character of a class that `allowed` lacks. Characters of no class are always
-/// welcome.
+/// @return false when `text` holds a character of a class that `allowed` lacks. Characters of no class never count.
 [[nodiscard]] bool OrvIsTextOfType(std::string_view text, uint32_t allowed) noexcept;
 
 /// @return true when every character is a hexadecimal digit; the empty text is hexadecimal.

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstring>
+#include <span>
 #include <string>
 
 #include "Handles.h"
@@ -87,14 +88,14 @@ uint32_t RegistryLevel(uint32_t given)
     return set ? level : given;
 }
 
-std::array<char, kTempBytes> TempDirectory()
+// An unset variable, or one that is too long, gives an empty directory.
+void ReadTempDirectory(char (&temp)[kTempBytes])
 {
-    std::array<char, kTempBytes> temp{};
-    if (GetEnvironmentVariableA("Temp", temp.data(), kTempBytes) >= kTempBytes) {
-        // Too long: the platform promises nothing about the buffer then.
+    const DWORD chars = GetEnvironmentVariableA("Temp", temp, kTempBytes);
+    if (chars == 0 || chars >= kTempBytes) {
+        // The platform promises nothing about the buffer then.
         temp[0] = '\0';
     }
-    return temp;
 }
 
 // An unreadable value gives an empty directory, and with it the root directory of the current drive.
@@ -118,26 +119,29 @@ void AnnouncePath(const char* announcement, const char* path)
 
 void ComposeLogPath(char (&path)[kPathBytes], const char* moduleName, const char* fileName)
 {
-    OrvSafeCopy(kSourceFile, kEmptyPathLine, path, kPathBytes, "");
+    OrvSafeCopy(kSourceFile, kEmptyPathLine, path, "");
     const bool plainFileName = IsModule(moduleName, kPlainFileNameModule);
     const UniqueRegKey key = plainFileName ? nullptr : OpenProductKey();
     std::string directory;
     switch (OrvChooseLogDirectory(plainFileName, IsModule(moduleName, kSetUpModule), key != nullptr)) {
         case OrvLogDirectory::None:
-            OrvSafeCopy(kSourceFile, kPlainPathLine, path, kPathBytes, fileName);
+            OrvSafeCopy(kSourceFile, kPlainPathLine, path, fileName);
             return;
         case OrvLogDirectory::InstalledDir:
             directory = InstalledDirectory(key.get());
             break;
-        case OrvLogDirectory::Temp:
-            directory = TempDirectory().data();
+        case OrvLogDirectory::Temp: {
+            char temp[kTempBytes]{};
+            ReadTempDirectory(temp);
+            directory = temp;
             break;
+        }
     }
-    OrvSafeCat(kSourceFile, kDirectoryLine, path, kPathBytes, directory.c_str());
+    OrvSafeCat(kSourceFile, kDirectoryLine, path, directory.c_str());
     AnnouncePath("FILE PATH 1 IS ", path);
-    OrvSafeCat(kSourceFile, kBackslashLine, path, kPathBytes, "\\");
+    OrvSafeCat(kSourceFile, kBackslashLine, path, "\\");
     AnnouncePath("FILE PATH 2 IS ", path);
-    OrvSafeCat(kSourceFile, kFileNameLine, path, kPathBytes, fileName);
+    OrvSafeCat(kSourceFile, kFileNameLine, path, fileName);
     AnnouncePath("FILE PATH 3 IS ", path);
 }
 } // namespace
@@ -204,9 +208,10 @@ int COrvDebug::Configure(const char* moduleName, const char* fileName, uint32_t 
     if (OpenLog(path, mode, effectiveLevel)) {
         return 0;
     }
-    std::array<char, kTempBytes> fallback = TempDirectory();
-    OrvSafeCat(kSourceFile, kFallbackLine, fallback.data(), kTempBytes, OrvNameWithBackslash(path));
-    return OpenLog(fallback.data(), mode, effectiveLevel) ? 0 : -1;
+    char fallback[kTempBytes]{};
+    ReadTempDirectory(fallback);
+    OrvSafeCat(kSourceFile, kFallbackLine, fallback, OrvNameWithBackslash(path));
+    return OpenLog(fallback, mode, effectiveLevel) ? 0 : -1;
 }
 
 void COrvDebug::Print(const char* format, ...)
@@ -305,8 +310,9 @@ void COrvDebug::ComposeAndWrite(uint32_t level, MessageWriterFn writeMessage, vo
     const auto prefixChars = static_cast<size_t>(prefixLength);
     const std::span<char> room = OrvTraceMessageRoom(line, prefixChars);
     OrvFinishTraceLine(line, prefixChars, room, writeMessage(room.data(), room.size(), context));
-    std::fputs(line.data(), m_file.get());
-    std::fflush(m_file.get());
+    // A log that cannot be written, for want of room say, must not disturb the program that it is about.
+    static_cast<void>(std::fputs(line.data(), m_file.get()));
+    static_cast<void>(std::fflush(m_file.get()));
     if (OrvMirrorsToDebugger(level)) {
         OutputDebugStringA(line.data());
     }

@@ -47,10 +47,11 @@ public:
     [[nodiscard]] uint32_t GetCurrentLogLevel() const { return m_level; }
     [[nodiscard]] bool IsConfigured() const { return m_configured; }
 
-    /// Closes the log file: the object is as it was before it was configured.
+protected:
+    /// Closes the log file: the object is as it was before it was configured. Programs keep their log to their end;
+    /// this is for a derived class that has to let go of the file before.
     void Close();
 
-protected:
     /// Writes a message of at most `chars` characters to `text`, without a terminator when it is that long.
     /// @return the number of characters, or a negative value when the message was cut or could not be formatted.
     using MessageWriterFn = int (*)(char* text, size_t chars, void* context);
@@ -65,7 +66,11 @@ protected:
 private:
     struct FileCloser
     {
-        void operator()(FILE* file) const noexcept { std::fclose(file); }
+        void operator()(FILE* file) const noexcept
+        {
+            // Every line is flushed as it is written: nothing is left that could fail.
+            static_cast<void>(std::fclose(file));
+        }
     };
     class Lock
     {

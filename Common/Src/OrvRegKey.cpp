@@ -1,7 +1,6 @@
 #include "OrvRegKey.h"
 
 #include <array>
-#include <string_view>
 
 namespace {
 constexpr REGSAM kReadAccess = KEY_READ;
@@ -93,8 +92,7 @@ void COrvRegKey::Close()
     }
 }
 
-// The path is composed even when the open fails, so that it names what was asked for. The enumeration index stays as
-// well.
+// The path is composed even when the open fails, so that it names what was asked for. The enumeration index stays, too.
 bool COrvRegKey::Open(HKEY root, const COrvString& subKey, bool write)
 {
     CloseHandleOnly();

@@ -49,8 +49,8 @@ public:
 
     /// Reads a number. True for a stored REG_DWORD only; `value` may be overwritten by up to 4 bytes of another type.
     bool GetValue(const COrvString& name, DWORD& value);
-    /// Reads the text up to the first NUL of a value of any type and at most 512 bytes. `value` is empty after a
-    /// failure.
+    /// Reads the text of a value of any type, up to its first NUL; more than 512 bytes are a failure. `value` is empty
+    /// after a failure.
     bool GetValue(const COrvString& name, COrvString& value);
     /// Reads raw bytes. `size` is the room in `data` and receives the length of the value.
     bool GetValue(const COrvString& name, BYTE* data, DWORD& size);
@@ -72,14 +72,13 @@ public:
     DWORD GetRegType(const COrvString& name);
 
     /// The next sub-key's name. Both enumerations share one index, so that interleaving them skips items. After the
-    /// last item the result is false, the status 259, and the next call starts over; after another failure the index
-    /// moves on.
+    /// last item the result is false, the status 259, and the next call starts over; any other failure skips an item.
     bool EnumSubKey(COrvString& name);
     /// The next value's name.
     bool EnumValue(COrvString& name);
 
-    /// Deletes a key below this one with everything below it; the first failure ends it, and what is deleted stays
-    /// deleted. LastResult stays.
+    /// Deletes a key below this one with everything below it. The first failure ends it; what was deleted until then
+    /// stays deleted. LastResult stays.
     bool DeleteSubKey(const char* name);
     /// Deletes a key without sub-keys. LastResult stays.
     /// @return the platform's status.

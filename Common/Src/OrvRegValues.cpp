@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "OrvDebug.h"
 #include "OrvMultiString.h"
@@ -51,21 +53,18 @@ bool COrvRegKey::GetValue(const COrvString& name, DWORD& value)
 
 bool COrvRegKey::GetValue(const COrvString& name, COrvString& value)
 {
-    // `name` and `value` may be the same object.
-    const COrvString wanted = name;
-    value.ClearString();
-    if (!m_bOpen) {
-        return false;
-    }
     // One byte more than is asked for: a text that fills the buffer may lack its terminator.
     std::array<char, kTextBytes + 1> buffer{};
-    DWORD bytes = kTextBytes;
-    m_lLastResult = RegQueryValueExA(m_hKey, wanted, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
-    if (m_lLastResult != ERROR_SUCCESS) {
-        return false;
+    bool read = false;
+    if (m_bOpen) {
+        DWORD bytes = kTextBytes;
+        m_lLastResult =
+            RegQueryValueExA(m_hKey, name, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
+        read = m_lLastResult == ERROR_SUCCESS;
     }
-    value = buffer.data();
-    return true;
+    // Written last, since `name` and `value` may be the same object.
+    value = read ? buffer.data() : "";
+    return read;
 }
 
 bool COrvRegKey::GetValue(const COrvString& name, BYTE* data, DWORD& size)
@@ -130,6 +129,8 @@ bool COrvRegKey::SetValue(const COrvString& name, const BYTE* data, DWORD size)
     return m_lLastResult == ERROR_SUCCESS;
 }
 
+// By value, so that a caller can hand its list over; it is released here.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool COrvRegKey::SetValue(const COrvString& name, std::vector<COrvString> list)
 {
     m_lLastResult = 0;

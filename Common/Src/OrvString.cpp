@@ -1,6 +1,5 @@
 #include "OrvString.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>

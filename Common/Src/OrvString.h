@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The library's 8-bit string: the type of its registry names and values, paths and messages.
@@ -13,7 +14,7 @@ public:
     COrvString() = default;
     /// A null pointer gives an empty string.
     COrvString(const char* text);
-    COrvString(const std::string& text) : m_text(text) {}
+    COrvString(std::string text) : m_text(std::move(text)) {}
     /// Decimal text of the number. A number that needs 10 characters or more (1000000000, or anything below -99999999)
     /// is reported as an invalid parameter and gives an empty string.
     COrvString(int number);
@@ -72,9 +73,8 @@ public:
     /// @return true when the text holds a separator; otherwise `parts` is empty.
     bool Split(char separator, std::vector<COrvString>& parts) const;
 
-    /// Replaces the text by formatted text, cut after 1023 characters.
-    /// @return the number of characters, -1 when the text was cut, 0 with the text unchanged when it cannot be
-    /// formatted.
+    /// Replaces the text by formatted text, cut after 1023 characters. A text that cannot be formatted changes nothing.
+    /// @return the number of characters, -1 when the text was cut, 0 when it cannot be formatted.
     int FormatString(const char* format, ...) __attribute__((format(ms_printf, 2, 3)));
 
     /// Loads a text from a module's string table.
@@ -90,9 +90,9 @@ public:
     /// @param target        Receives the text. Its last character is always replaced by the terminator, also when the
     ///                      source was given with a length and so brings none.
     /// @param targetLength  Room in `target` in characters, or -1 for "as long as it needs to be".
-    /// @return the number of characters that the whole text takes, even when `target` took fewer; below 1 for a
-    /// failure: 0
-    ///         for a null target, a target length of 0 or below -1, or a source length below -1, else the platform's.
+    /// @return the number of characters that the whole text takes, even when `target` took fewer. Below 1 for a
+    ///         failure: 0 for a null target, a target length of 0 or below -1, or a source length below -1, else what
+    ///         the platform answers.
     static int OrvMultiByteToWideChar(unsigned codePage, unsigned long flags, const char* source, int sourceLength,
                                       wchar_t* target, int targetLength);
     /// The other direction; as above, with the platform's default character and used-default flag (both may be null).
@@ -102,8 +102,7 @@ public:
     /// Converts a terminated text into a new array.
     /// @param target  Must be null; receives the array, to be freed with the matching _dealloc.
     /// @return the number of characters with the terminator; 0 when `target` is not null, when the text cannot be
-    /// converted
-    ///         or when there is no memory.
+    ///         converted or when there is no memory.
     static int OrvMultiByteToWideChar_alloc(unsigned codePage, unsigned long flags, const char* source,
                                             wchar_t*& target);
     static int OrvWideCharToMultiByte_alloc(unsigned codePage, unsigned long flags, const wchar_t* source,

@@ -39,8 +39,7 @@ struct OrvTracePrefix
 /// Ends the line with a line feed and a terminator, never beyond the line feed's last place, 1150.
 /// @param room           The place of the message as OrvTraceMessageRoom gave it.
 /// @param messageLength  What the formatter returned; a negative value stands for a message that filled the room or
-/// that
-///                       could not be formatted to its end: what is there then counts.
+///                       that could not be formatted to its end: what is there then counts.
 void OrvFinishTraceLine(std::span<char, kTraceLineBytes> line, size_t prefixChars, std::span<const char> room,
                         int messageLength) noexcept;
 

@@ -1,5 +1,6 @@
 #include "OrvTraceRules.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace {

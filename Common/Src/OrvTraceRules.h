@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 /// The decisions of the library trace: what each level writes, and where the log file lies.
 ///
@@ -19,8 +17,7 @@
 [[nodiscard]] bool OrvMirrorsToDebugger(uint32_t level) noexcept;
 [[nodiscard]] bool OrvConsultsRegistry(uint32_t level) noexcept;
 
-/// The level at which an error line is written while the trace stands at `level`: errors appear in the file at level 2
-/// too.
+/// The level at which an error line is written while the trace stands at `level`: errors go to the file at level 2 too.
 [[nodiscard]] uint32_t OrvErrorLineLevel(uint32_t level) noexcept;
 
 /// @return true for a file name of 1 to 245 characters.

@@ -7,11 +7,11 @@
 #include "Handles.h"
 
 namespace {
-UniqueRegKey Create(const std::string& key)
+UniqueRegKey Create(const std::string& key, DWORD lifetime = REG_OPTION_NON_VOLATILE)
 {
     HKEY opened = nullptr;
-    if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                        &opened, nullptr) != ERROR_SUCCESS) {
+    if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, lifetime, KEY_ALL_ACCESS, nullptr, &opened,
+                        nullptr) != ERROR_SUCCESS) {
         throw std::runtime_error("cannot create registry key " + key);
     }
     return UniqueRegKey(opened);
@@ -60,6 +60,11 @@ void SetRegistryList(const std::string& key, const std::string& name, const std:
 void CreateRegistryKey(const std::string& key)
 {
     Create(key);
+}
+
+void CreateVolatileRegistryKey(const std::string& key)
+{
+    Create(key, REG_OPTION_VOLATILE);
 }
 
 bool RegistryKeyExists(const std::string& key)

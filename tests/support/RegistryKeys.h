@@ -15,6 +15,8 @@ void SetRegistryBytes(const std::string& key, const std::string& name, const std
 /// Writes a well-formed REG_MULTI_SZ.
 void SetRegistryList(const std::string& key, const std::string& name, const std::vector<std::string>& entries);
 void CreateRegistryKey(const std::string& key);
+/// Creates a key that lasts until the system stops: no lasting key can be created below it.
+void CreateVolatileRegistryKey(const std::string& key);
 
 [[nodiscard]] bool RegistryKeyExists(const std::string& key);
 

@@ -3,7 +3,7 @@
 namespace {
 constexpr unsigned kMaskBits = 32;
 
-/// @return the number with the first octet in the highest 8 bits.
+// The number with the first octet in the highest 8 bits.
 constexpr uint32_t FirstOctetInFront(uint32_t address)
 {
     return (address << 24) | ((address & 0xFF00) << 8) | ((address >> 8) & 0xFF00) | (address >> 24);
@@ -14,7 +14,7 @@ constexpr uint32_t ShiftLeft(uint32_t mask, unsigned count)
     return mask << (count % kMaskBits);
 }
 
-/// Shift counts are taken modulo 32, so a mask of all ones never shows a zero; its count ends behind 32.
+// Shift counts are taken modulo 32, so a mask of all ones never shows a zero; its count ends behind 32.
 constexpr unsigned CountLeadingOnes(uint32_t mask)
 {
     constexpr uint32_t kTopBit = 0x80000000;

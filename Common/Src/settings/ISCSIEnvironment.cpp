@@ -1,5 +1,7 @@
 #include "ISCSISupport.h"
 
+#include <string>
+
 #include "EntryPoints.h"
 #include "Handles.h"
 #include "Helper.h"
@@ -10,15 +12,15 @@
 #include "WmiQuery.h"
 
 namespace {
-/// What the iSCSI library says of the initiator. Declared here because the compiler's header has it for 6.0 and later
-/// only; the systems before have the library too, once an initiator is installed.
+// What the iSCSI library says of the initiator. Declared here because the compiler's header has it for 6.0 and later
+// only; the systems before have the library too, once an initiator is installed.
 struct IScsiVersionInfo
 {
     ULONG majorVersion;
     ULONG minorVersion;
     ULONG buildNumber;
 };
-/// @return 0 for success.
+// Returns 0 for success.
 using GetIScsiVersionInformationFn = ULONG(WINAPI*)(IScsiVersionInfo* versionInfo);
 
 constexpr char kScsiAdapterClass[] = R"(SYSTEM\CurrentControlSet\Control\Class\{4D36E97B-E325-11CE-BFC1-08002BE10318})";
@@ -168,14 +170,14 @@ bool CISCSISupport::isTheiSCSIHotFixInstalled() const
                 "CheckiSCSIHotFixInstalled()");
             return true;
         }
-        return CheckHotFixInstalled("KB902113");
+        return CheckHotFixInstalled(kInitiatorHotFix);
     });
 }
 
 bool CISCSISupport::IsTheiSCSIDumpHotFixInstalled_OnW2K3() const
 {
     return TracedISCSICheck("IsTheiSCSIDumpHotFixInstalled_OnW2K3",
-                            [this] { return CheckHotFixInstalled("KB939875"); });
+                            [this] { return CheckHotFixInstalled(kServer2003DumpHotFix); });
 }
 
 bool CISCSISupport::IsISCSIDumpHotFixNeeded_OnW2K8() const

@@ -27,9 +27,8 @@
 }
 
 /// @return true when the system can boot with the software initiator: Windows Server 2003 with a service pack, for
-/// which
-///         there is an initiator to install, and every system from 6.0 on, which brings its own. The workstations
-///         of 5.x and everything before have none that boots.
+///         which there is an initiator to install, and every system from 6.0 on, which brings its own. The
+///         workstations of 5.x and everything before have none that boots.
 [[nodiscard]] bool CanBootOverISCSI(OSCode code, const SystemFacts& facts);
 
 /// The initiator's version, as it tells it.
@@ -41,8 +40,7 @@ struct InitiatorVersion
 };
 
 /// @return true for an initiator that can boot: 2.0 build 1895, the first that can, and everything later. The
-/// initiators
-///         that are part of a system have its version, 6.0 and later.
+///         initiators that are part of a system have its version, 6.0 and later.
 [[nodiscard]] bool IsInitiatorRecentEnough(const InitiatorVersion& version);
 
 /// @return true when the system's service pack contains the initiator's hotfix: Server 2003 from service pack 2 on.
@@ -50,6 +48,11 @@ struct InitiatorVersion
 
 /// @return true when the system needs a hotfix to write a crash dump over iSCSI: a 6.0 server before service pack 2.
 [[nodiscard]] bool IsServer2008DumpHotFixNeeded(OSCode code, const SystemFacts& facts);
+
+/// The initiator's hotfix for Server 2003.
+inline constexpr char kInitiatorHotFix[] = "KB902113";
+/// The hotfix with which Server 2003 writes a crash dump over iSCSI.
+inline constexpr char kServer2003DumpHotFix[] = "KB939875";
 
 /// @param hotFixId  Such as "KB902113". Quotation marks and backslashes stand for themselves.
 /// @return the WMI query that has rows when that hotfix is installed.

@@ -6,6 +6,7 @@
 #include "ISCSISupport.h"
 #include "OrvBounded.h"
 #include "OrvDebug.h"
+#include "OrvSecure.h"
 #include "SettingTrace.h"
 
 namespace {
@@ -16,6 +17,7 @@ uint32_t ParseAddress(const COrvString& text)
     char bounded[260];
     // A text that is too long is no address. The buffer would be empty then, which some systems read as address 0.
     if (OrvBoundedCopy(bounded, sizeof(bounded), text) != 0) {
+        OrvReportInvalidParameter();
         return kNoAddress;
     }
     return inet_addr(bounded);
@@ -37,7 +39,7 @@ bool CheckAddress(const char* name, const COrvString& address, uint32_t lowestFi
     });
 }
 
-/// Only acceptance is worth a line of its own.
+// Only acceptance is worth a line of its own.
 bool CheckNumber(const char* name, bool acceptable, const char* description)
 {
     return TracedISCSICheck(name, [&] {

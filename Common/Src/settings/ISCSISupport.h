@@ -1,7 +1,5 @@
 #pragma once
 
-#include <windows.h>
-
 #include <cstdint>
 
 #include "OSCode.h"
@@ -31,7 +29,7 @@ public:
     [[nodiscard]] bool IsBootLUN_Valid(uint32_t bootLun) const;
     [[nodiscard]] bool IsTargetPortValid(int32_t port) const;
     [[nodiscard]] bool IsVLAN_IdTagValid(uint32_t vlanId) const;
-    // Addresses in dotted form, at most 259 characters.
+    // Addresses in dotted form, at most 259 characters; a longer text is reported as an invalid parameter and is none.
     [[nodiscard]] bool IsInitatorOrTargetIpAddressValid(const COrvString& address) const;
     [[nodiscard]] bool IsGatewayIpAddressValid(const COrvString& address) const;
     [[nodiscard]] bool IsSubnetMaskValid(const COrvString& mask) const;
@@ -43,9 +41,8 @@ public:
     /// @param patchInstalled       Its initiator is recent enough (isTheiSCSIPatchInstalled).
     /// @param initiatorKeyPresent  The initiator is installed as a controller (isTheiSCSIInitiatorKeyPresent).
     /// @param crashDumpEnabled     A crash dump can be written over it (IsCrashDumpEnabled).
-    /// @return true when the first three hold: the machine can boot over iSCSI. Without the fourth it only cannot write
-    /// a
-    ///         crash dump.
+    /// @return true when the first three hold: the machine can boot over iSCSI. Without the fourth it only cannot
+    ///         write a crash dump.
     bool IsiSCSISupported(bool& rightOS, bool& patchInstalled, bool& initiatorKeyPresent, bool& crashDumpEnabled) const;
 
     [[nodiscard]] bool isTheRightiSCSIOS() const;

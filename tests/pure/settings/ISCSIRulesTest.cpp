@@ -110,6 +110,12 @@ TEST(ISCSIRules, Server2008NeedsTheDumpHotFixUntilServicePack2)
     EXPECT_FALSE(IsServer2008DumpHotFixNeeded(osWIN2K8R232E, Facts(6, 1, 0)));
 }
 
+TEST(ISCSIRules, HotFixesHaveTheirIdentifiers)
+{
+    EXPECT_STREQ(kInitiatorHotFix, "KB902113");
+    EXPECT_STREQ(kServer2003DumpHotFix, "KB939875");
+}
+
 TEST(ISCSIRules, HotFixQueryAsksForTheIdentifier)
 {
     EXPECT_EQ(HotFixQuery(L"KB902113"), L"SELECT * FROM Win32_QuickFixEngineering WHERE HotFixID = 'KB902113'");

@@ -169,16 +169,21 @@ TEST(HbaLibrary, InitCalledTwiceIsUndoneByOneDeInit)
     EXPECT_FALSE(IsHbaLibraryLoaded());
 }
 
-TEST(HbaLibrary, AnEarlierInitialisationDoesNotCountForALaterLoad)
+TEST(HbaLibrary, AnInitialisationCountsForTheLifeOfTheObject)
 {
     const HbaLibraryDouble library;
     CHBAAPIInt hba;
     ASSERT_TRUE(hba.InitHBAAPIMod());
     ASSERT_TRUE(hba.DeInitHBAAPIMod());
+    HBA_HANDLE handle = 0;
+    EXPECT_FALSE(hba.GetAdapterHandle(kAdapter, handle)) << "nothing is loaded";
     library.Answer("Status.NORDA_InitializeLibrary", "5");
     EXPECT_FALSE(hba.InitHBAAPIMod());
-    HBA_HANDLE handle = 0;
-    EXPECT_FALSE(hba.GetAdapterHandle(kAdapter, handle));
+    EXPECT_TRUE(hba.GetAdapterHandle(kAdapter, handle));
+    EXPECT_NE(handle, 0u);
+    CHBAAPIInt another;
+    EXPECT_FALSE(another.InitHBAAPIMod());
+    EXPECT_FALSE(another.GetAdapterHandle(kAdapter, handle));
 }
 
 TEST(HbaLibraryForAdapter, WithoutAnEthernetInstanceNothingIsLoaded)

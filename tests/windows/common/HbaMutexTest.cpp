@@ -113,6 +113,18 @@ TEST(HbaMutex, UnlockingWhatIsNotHeldLeavesAnOuterLockAlone)
     EXPECT_EQ(other, static_cast<DWORD>(WAIT_TIMEOUT));
 }
 
+TEST(HbaMutex, WhatIsHeldIsNotTakenTwiceSoOneUnlockReleasesIt)
+{
+    CHBAAPIMutex mutex;
+    ASSERT_TRUE(mutex.Lock());
+    EXPECT_TRUE(mutex.Lock());
+    mutex.Unlock();
+    const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName));
+    DWORD other = WAIT_FAILED;
+    std::thread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+    EXPECT_EQ(other, static_cast<DWORD>(WAIT_OBJECT_0));
+}
+
 TEST(HbaMutex, ANameThatBelongsToSomethingElseIsAFailureWithoutWaiting)
 {
     const NameTakenByAnEvent taken;
@@ -142,13 +154,21 @@ TEST(HbaMutex, OperationsWaitForAnotherProcessThatReleasesInTime)
     const HbaLibraryDouble library;
     CHBAAPIInt hba;
     MutexHolder holder;
+    const LibraryTrace trace;
     bool initialised = false;
-    UniqueHandle started(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    const UniqueHandle ended(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     std::thread operation([&] {
-        SetEvent(started.get());
         initialised = hba.InitHBAAPIMod();
+        SetEvent(ended.get());
     });
-    WaitForSingleObject(started.get(), kLongWait);
+    // It is under way when its first line is written, and one that does not wait ends at once from there.
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < kLongWait; Sleep(1)) {
+        if (!ReadFileBytes(trace.Path()).empty()) {
+            break;
+        }
+    }
+    EXPECT_FALSE(ReadFileBytes(trace.Path()).empty());
+    EXPECT_EQ(WaitForSingleObject(ended.get(), 1000), static_cast<DWORD>(WAIT_TIMEOUT));
     EXPECT_THAT(library.TakeJournal(), ElementsAre());
     EXPECT_TRUE(holder.Release());
     operation.join();

@@ -9,7 +9,6 @@
 
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-using ::testing::Gt;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

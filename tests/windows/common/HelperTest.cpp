@@ -200,16 +200,23 @@ TEST_F(DebugSwitches, ASettingIsReadAndTheExitLineNamesTheOtherOperation)
     EXPECT_EQ(trace.Messages().back(), "Exiting CHelper::IsDebugEnbled()");
 }
 
-TEST_F(DebugSwitches, ASettingThatIsMissingOrIsNoNumberIsFalseAndZero)
+TEST_F(DebugSwitches, ASettingThatIsMissingIsFalseAndZero)
 {
     SetRegistryNumber(kProduct, "Debugging", 1);
     EXPECT_FALSE(helper.IsSettingDebugable("Setting", value));
     EXPECT_EQ(value, 0u);
+}
 
-    value = 55;
+TEST_F(DebugSwitches, ASettingThatIsNoNumberIsFalseWhateverItsBytesAre)
+{
+    SetRegistryNumber(kProduct, "Debugging", 1);
     SetRegistryText(kDebug, "Setting", "1");
     EXPECT_FALSE(helper.IsSettingDebugable("Setting", value));
-    EXPECT_EQ(value, 0u);
+    EXPECT_EQ(value, static_cast<DWORD>('1'));
+    SetRegistryText(kDebug, "Setting", "a long text");
+    EXPECT_FALSE(helper.IsSettingDebugable("Setting", value));
+    SetRegistryBytes(kDebug, "Setting", std::string("\1\0\0\0", 4), REG_BINARY);
+    EXPECT_FALSE(helper.IsSettingDebugable("Setting", value));
 }
 
 TEST_F(DebugSwitches, WithDebuggingOffATextIsFalseAndUntouched)

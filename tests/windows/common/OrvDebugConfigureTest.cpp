@@ -15,6 +15,21 @@ using ::testing::IsEmpty;
 namespace {
 constexpr char kServicesKey[] = R"(SOFTWARE\NORDA\NETWORK_SERVICES)";
 constexpr char kProductKey[] = R"(SOFTWARE\NORDA\NETWORK_SERVICES\ORV2)";
+// What the bounded operations on the path trace.
+constexpr char kEnteringCopy[] = "Entering OrvSafeCopy : Static";
+constexpr char kCopied[] = "Leaving OrvSafeCopy : Static : 0";
+constexpr char kEnteringCat[] = "Entering OrvSafeCat : Static";
+constexpr char kAppended[] = "Leaving OrvSafeCat : Static : 0";
+constexpr char kTooSmall[] = "Leaving OrvSafeCat : Static : 34";
+constexpr char kInvalid[] = "Leaving OrvSafeCat : Static : 22";
+constexpr char kHandlerLine[] = "OrvSecureInvalidParameterHandler : ERROR";
+constexpr char kNoNameLine[] = R"(..\..\Common\Src\OrvDebug (479): OrvSafeCopy ERROR: NULL == strSource)";
+
+std::string TooSmallLine(int line)
+{
+    return R"(..\..\Common\Src\OrvDebug ()" + std::to_string(line) +
+           "): OrvSafeCopy ERROR: strDestination size 0, or too small";
+}
 
 // A fresh trace object, no product key, and "Temp" in a directory of its own.
 class TraceConfiguration : public ::testing::Test
@@ -165,7 +180,7 @@ TEST_F(TraceConfiguration, TheModuleKwelpadUsesTheFileNameAsGivenInAnyLetterCase
     EXPECT_EQ(Configure("Kwelpad", "b.log"), 0);
     std::filesystem::current_path(before);
     EXPECT_TRUE(FileExists(elsewhere.At("b.log")));
-    object.Close();
+    CloseTrace(object);
 }
 
 TEST_F(TraceConfiguration, ThePathIsAnnouncedToTheDebuggerStepByStep)
@@ -220,26 +235,68 @@ TEST_F(TraceConfiguration, AFileNameWithoutBackslashHasNoFallback)
 {
     const LibraryTrace trace;
     EXPECT_EQ(Configure("Kwelpad", "no?file"), -1);
-    EXPECT_THAT(trace.Messages(),
-                ElementsAre("OrvSecureInvalidParameterHandler : ERROR",
-                            R"(..\..\Common\Src\OrvDebug (479): OrvSafeCopy ERROR: NULL == strSource)"));
+    EXPECT_THAT(
+        trace.Messages(),
+        // The empty path, the file name, and the fallback.
+        ElementsAre(kEnteringCopy, kCopied, kEnteringCopy, kCopied, kEnteringCat, kHandlerLine, kNoNameLine, kInvalid));
 }
 
-TEST_F(TraceConfiguration, AnInstalledDirectoryThatFillsThePathIsReportedAndTheTempDirectoryServes)
+TEST_F(TraceConfiguration, ThePathIsPutTogetherWithTracesOfEachStep)
+{
+    const LibraryTrace trace;
+    EXPECT_EQ(Configure("Module", "a.log"), 0);
+    EXPECT_THAT(trace.Messages(), ElementsAre(kEnteringCopy, kCopied, kEnteringCat, kAppended, kEnteringCat, kAppended,
+                                              kEnteringCat, kAppended));
+}
+
+TEST_F(TraceConfiguration, AFallbackPathOf260CharactersIsReportedAndFails)
+{
+    SetRegistryText(kProductKey, "InstalledDir", InInstalled("not there"));
+    // The directory is there under this name too, so that only the length of the path stands in the way.
+    std::string longTemp = TempPath();
+    while (longTemp.size() < 252) {
+        longTemp += R"(\.)";
+    }
+    const std::string name(259 - longTemp.size(), 'a');
+    SetEnvironmentVariableA("Temp", longTemp.c_str());
+    {
+        const LibraryTrace trace;
+        EXPECT_EQ(Configure("Module", name), -1);
+        EXPECT_FALSE(object.IsConfigured());
+        EXPECT_THAT(trace.Messages(),
+                    ElementsAre(kEnteringCopy, kCopied, kEnteringCat, kAppended, kEnteringCat, kAppended, kEnteringCat,
+                                kAppended, kEnteringCat, kHandlerLine, TooSmallLine(479), kTooSmall));
+    }
+    EXPECT_EQ(Configure("Module", name.substr(1)), 0) << "259 characters";
+    EXPECT_TRUE(FileExists(InTemp(name.substr(1))));
+}
+
+TEST_F(TraceConfiguration, AnInstalledDirectoryThatFillsThePathIsReportedAndLeavesNoFileNameToFallBackWith)
 {
     // 1020 characters leave no room for backslash and file name; each failed append empties the path.
     SetRegistryText(kProductKey, "InstalledDir", std::string(1020, 'd'));
     const LibraryTrace trace;
     DebugOutput debugger;
     EXPECT_EQ(Configure("Module", "d\\longer.log"), -1);
-    EXPECT_THAT(
-        trace.Messages(),
-        ElementsAre("OrvSecureInvalidParameterHandler : ERROR",
-                    R"(..\..\Common\Src\OrvDebug (453): OrvSafeCopy ERROR: strDestination size 0, or too small)",
-                    "OrvSecureInvalidParameterHandler : ERROR",
-                    R"(..\..\Common\Src\OrvDebug (479): OrvSafeCopy ERROR: NULL == strSource)"));
+    EXPECT_THAT(trace.Messages(), ElementsAre(kEnteringCopy, kCopied, kEnteringCat, kAppended, kEnteringCat, kAppended,
+                                              kEnteringCat, kHandlerLine, TooSmallLine(453), kTooSmall, kEnteringCat,
+                                              kHandlerLine, kNoNameLine, kInvalid));
     EXPECT_THAT(debugger.OwnLines(), ElementsAre("FILE PATH 1 IS ", std::string(1020, 'd'), "FILE PATH 2 IS ",
                                                  std::string(1020, 'd') + "\\", "FILE PATH 3 IS ", ""));
+}
+
+TEST_F(TraceConfiguration, AnInstalledDirectoryOf1023CharactersLeavesNoRoomForTheBackslash)
+{
+    SetRegistryText(kProductKey, "InstalledDir", std::string(1023, 'd'));
+    const LibraryTrace trace;
+    DebugOutput debugger;
+    // What is left is the file name alone, and that has no backslash to fall back with.
+    EXPECT_EQ(Configure("Module", "no?file"), -1);
+    EXPECT_THAT(trace.Messages(), ElementsAre(kEnteringCopy, kCopied, kEnteringCat, kAppended, kEnteringCat,
+                                              kHandlerLine, TooSmallLine(450), kTooSmall, kEnteringCat, kAppended,
+                                              kEnteringCat, kHandlerLine, kNoNameLine, kInvalid));
+    EXPECT_THAT(debugger.OwnLines(), ElementsAre("FILE PATH 1 IS ", std::string(1023, 'd'), "FILE PATH 2 IS ", "",
+                                                 "FILE PATH 3 IS ", "no?file"));
 }
 
 TEST_F(TraceConfiguration, AnInstalledDirectoryOf1024UnterminatedBytesIsNotReadBeyondItsEnd)
@@ -251,10 +308,9 @@ TEST_F(TraceConfiguration, AnInstalledDirectoryOf1024UnterminatedBytesIsNotReadB
     EXPECT_EQ(Configure("Module", "no?file"), -1);
     EXPECT_THAT(debugger.OwnLines(),
                 ElementsAre("FILE PATH 1 IS ", "", "FILE PATH 2 IS ", R"(\)", "FILE PATH 3 IS ", R"(\no?file)"));
-    EXPECT_THAT(
-        trace.Messages(),
-        ElementsAre("OrvSecureInvalidParameterHandler : ERROR",
-                    R"(..\..\Common\Src\OrvDebug (447): OrvSafeCopy ERROR: strDestination size 0, or too small)"));
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre(kEnteringCopy, kCopied, kEnteringCat, kHandlerLine, TooSmallLine(447), kTooSmall,
+                            kEnteringCat, kAppended, kEnteringCat, kAppended, kEnteringCat, kAppended));
 }
 
 TEST_F(TraceConfiguration, AFileIsOverwrittenUnlessItIsToBeAppendedTo)
@@ -290,7 +346,7 @@ TEST_F(TraceConfiguration, ANullModuleNameIsEmpty)
 TEST_F(TraceConfiguration, CloseMakesTheObjectAsItWasBefore)
 {
     ASSERT_EQ(Configure("Module", "a.log"), 0);
-    object.Close();
+    CloseTrace(object);
     EXPECT_FALSE(object.IsConfigured());
     EXPECT_EQ(object.GetCurrentLogLevel(), 0U);
     object.Print("ignored");

@@ -41,7 +41,7 @@ TEST(FuncTrace, ANullNameIsEmpty)
 
 TEST(FuncTrace, WritesNothingWhileTheLibraryTraceIsUnconfigured)
 {
-    OrvTrace().Close();
+    CloseTrace(OrvTrace());
     {
         const COrvFuncTrace function("CThing::Do");
     }

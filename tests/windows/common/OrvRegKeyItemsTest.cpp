@@ -83,6 +83,18 @@ TEST_F(RegKeyItems, AValueNameThatIsTooLongFailsAndTheIndexMovesOn)
     EXPECT_EQ(key.LastResult(), ERROR_NO_MORE_ITEMS);
 }
 
+TEST_F(RegKeyItems, AfterAFailureOtherThanTheLastItemTheSubKeyIndexMovesOn)
+{
+    CreateRegistryKey(scratch.Path() + "\\a");
+    CreateRegistryKey(scratch.Path() + "\\b");
+    COrvString name;
+    EXPECT_FALSE(key.EnumSubKey(name));
+    EXPECT_EQ(key.LastResult(), ERROR_INVALID_HANDLE);
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, Path(), false));
+    ASSERT_TRUE(key.EnumSubKey(name));
+    EXPECT_STREQ(name, "b");
+}
+
 TEST_F(RegKeyItems, BothEnumerationsShareOneIndexAndResetStartsOver)
 {
     CreateRegistryKey(scratch.Path() + "\\a");

@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "EntryPoints.h"
 #include "LibraryTrace.h"
 #include "RegistryKeys.h"
 
@@ -30,6 +31,25 @@ bool IsLive(HKEY handle)
 {
     return RegQueryInfoKeyA(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                             nullptr, nullptr) == ERROR_SUCCESS;
+}
+
+// The rights that the open handle carries, 0 when the system does not tell.
+ULONG GrantedAccess(HKEY handle)
+{
+    struct BasicInformation
+    {
+        ULONG attributes;
+        ULONG grantedAccess;
+        ULONG handles;
+        ULONG pointers;
+        ULONG others[10];
+    };
+    using QueryObjectFn = LONG(WINAPI*)(HANDLE object, int kind, void* information, ULONG bytes, ULONG* needed);
+    const auto query = FindEntry<QueryObjectFn>(GetModuleHandleA("ntdll.dll"), "NtQueryObject");
+    constexpr int kBasicInformation = 0;
+    BasicInformation information{};
+    return query(handle, kBasicInformation, &information, sizeof(information), nullptr) == 0 ? information.grantedAccess
+                                                                                             : 0;
 }
 
 HKEY OpenHandle(const std::string& path)
@@ -77,6 +97,15 @@ TEST_F(RegKey, OpenBelowAnOpenKeyLeavesThePathOfThePreviousOpen)
     COrvRegKey fresh;
     EXPECT_TRUE(fresh.Open(parent.GetHKey(), "child", false));
     EXPECT_STREQ(fresh.KeyPath(), "");
+}
+
+TEST_F(RegKey, OpenBelowItsOwnHandleFailsBecauseThatIsClosedFirst)
+{
+    CreateRegistryKey(scratch.Path() + "\\child");
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, Path(), false));
+    EXPECT_FALSE(key.Open(key.GetHKey(), "child", false));
+    EXPECT_EQ(key.LastResult(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(key.GetHKey(), nullptr);
 }
 
 TEST_F(RegKey, EachPredefinedRootHasItsName)
@@ -132,6 +161,21 @@ TEST_F(RegKey, AKeyOpenedForReadingCannotBeWrittenAndOneForWritingCanBeBoth)
     EXPECT_EQ(value, 1U);
 }
 
+TEST_F(RegKey, WriteAccessIsReadAndWriteAndNothingMore)
+{
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, Path(), true));
+    EXPECT_EQ(GrantedAccess(key.GetHKey()), 0x2001FU);
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, Path(), false));
+    EXPECT_EQ(GrantedAccess(key.GetHKey()), 0x20019U);
+    // Of a new key, and of one that is there.
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(key.Create(HKEY_LOCAL_MACHINE, Path("\\written"), true, false));
+        EXPECT_EQ(GrantedAccess(key.GetHKey()), 0x2001FU);
+        ASSERT_TRUE(key.Create(HKEY_LOCAL_MACHINE, Path("\\read"), false, false));
+        EXPECT_EQ(GrantedAccess(key.GetHKey()), 0x20019U);
+    }
+}
+
 TEST_F(RegKey, CreateMakesAMissingKeyAndOpensAnExistingOne)
 {
     EXPECT_TRUE(key.Create(HKEY_LOCAL_MACHINE, Path("\\new\\deep"), false, false));
@@ -140,6 +184,19 @@ TEST_F(RegKey, CreateMakesAMissingKeyAndOpensAnExistingOne)
     EXPECT_FALSE(key.SetValue("value", 1));
     EXPECT_TRUE(key.Create(HKEY_LOCAL_MACHINE, Path("\\new\\deep"), true, false));
     EXPECT_TRUE(key.SetValue("value", 1));
+}
+
+TEST_F(RegKey, CreateBelowAnOpenKeyLeavesThePathOfThePreviousOpen)
+{
+    COrvRegKey parent;
+    ASSERT_TRUE(parent.Open(HKEY_LOCAL_MACHINE, Path(), true));
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, "SOFTWARE", false));
+    EXPECT_TRUE(key.Create(parent.GetHKey(), "child", false, false));
+    EXPECT_TRUE(RegistryKeyExists(scratch.Path() + "\\child"));
+    EXPECT_STREQ(key.KeyPath(), R"(HKEY_LOCAL_MACHINE\SOFTWARE)");
+    COrvRegKey fresh;
+    EXPECT_TRUE(fresh.Create(parent.GetHKey(), "child", false, false));
+    EXPECT_STREQ(fresh.KeyPath(), "");
 }
 
 TEST_F(RegKey, AFailedCreateKeepsThePathAndTheStatus)
@@ -176,6 +233,15 @@ TEST_F(RegKey, SubKeyExistsAnswersAndLeavesTheStatus)
     EXPECT_FALSE(key.SubKeyExists("missing"));
     EXPECT_EQ(key.LastResult(), 0);
     EXPECT_STREQ(key.KeyPath(), R"(HKEY_LOCAL_MACHINE\SOFTWARE\Orv key test)");
+}
+
+TEST_F(RegKey, AClosedKeyHasNoSubKeysAndKeepsItsStatus)
+{
+    EXPECT_FALSE(key.SubKeyExists("SOFTWARE"));
+    EXPECT_EQ(key.LastResult(), 0);
+    EXPECT_FALSE(key.Open(HKEY_LOCAL_MACHINE, Path("\\missing"), false));
+    EXPECT_FALSE(key.SubKeyExists("SOFTWARE"));
+    EXPECT_EQ(key.LastResult(), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(RegKey, CloseClosesTheHandleAndForgetsEverything)

@@ -223,3 +223,13 @@ TEST_F(RegValues, TheStoredTypeIsToldAndIsNoneWhenItCannotBeHad)
     EXPECT_EQ(closed.GetRegType("number"), 0U);
     EXPECT_EQ(closed.LastResult(), 0);
 }
+
+TEST_F(RegValues, ATextMayReplaceTheNameItIsReadBy)
+{
+    ASSERT_TRUE(key.SetValue("name", COrvString("text")));
+    COrvString both("name");
+    EXPECT_TRUE(key.GetValue(both, both));
+    EXPECT_STREQ(both, "text");
+    EXPECT_FALSE(key.GetValue(both, both));
+    EXPECT_STREQ(both, "");
+}

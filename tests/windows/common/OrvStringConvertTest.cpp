@@ -212,3 +212,10 @@ TEST(NarrowAlloc, NeverOverwrites)
     EXPECT_EQ(target, kept);
     EXPECT_STREQ(kept, "kept");
 }
+
+TEST(NarrowAlloc, AFailedConversionGives0AndNoArray)
+{
+    char* target = nullptr;
+    EXPECT_EQ(COrvString::OrvWideCharToMultiByte_alloc(99999, 0, L"hello", target, nullptr, nullptr), 0);
+    EXPECT_EQ(target, nullptr);
+}

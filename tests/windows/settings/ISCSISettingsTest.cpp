@@ -56,6 +56,13 @@ void ExpectRejected(const Checked& checked, const std::string& name, const std::
     EXPECT_FALSE(checked.valid) << name;
     EXPECT_THAT(checked.lines, ElementsAre(Entry(name), verdict, Exit(name, false)));
 }
+// The bounded copy of the text reports first that it does not fit.
+void ExpectOverlong(const Checked& checked, const std::string& name, const std::string& verdict)
+{
+    EXPECT_FALSE(checked.valid) << name;
+    EXPECT_THAT(checked.lines,
+                ElementsAre(Entry(name), "OrvSecureInvalidParameterHandler : ERROR", verdict, Exit(name, false)));
+}
 
 constexpr char kInitiatorOrTarget[] = "IsInitatorOrTargetIpAddressValid";
 constexpr char kGateway[] = "IsGatewayIpAddressValid";
@@ -154,14 +161,17 @@ TEST(ISCSISettings, TextThatIsNoAddressIsRejectedForItsFirstOctet)
     }
 }
 
-TEST(ISCSISettings, TextOfMoreThan259CharactersIsNoAddress)
+TEST(ISCSISettings, TextOfMoreThan259CharactersIsAnInvalidParameterAndNoAddress)
 {
     for (const std::size_t length : {260U, 4096U}) {
         const std::string text(length, '1');
-        ExpectRejected(CheckInitiatorOrTarget(text), kInitiatorOrTarget, kNotMachine);
-        ExpectRejected(CheckGateway(text), kGateway, kNotGateway);
-        ExpectRejected(CheckMask(text), kMask, kMaskGap);
+        ExpectOverlong(CheckInitiatorOrTarget(text), kInitiatorOrTarget, kNotMachine);
+        ExpectOverlong(CheckGateway(text), kGateway, kNotGateway);
+        ExpectOverlong(CheckMask(text), kMask, kMaskGap);
     }
+    const std::string longest = "10.20.30.40" + std::string(248, ' ');
+    ASSERT_EQ(longest.size(), 259U);
+    ExpectAccepted(CheckGateway(longest), kGateway);
 }
 
 TEST(ISCSISettings, ContiguousMasksAreAcceptedWithoutAVerdictLine)

@@ -10,6 +10,24 @@
 #include <stdexcept>
 
 namespace {
+// COM for the life of the object.
+class ComOnThisThread
+{
+public:
+    ComOnThisThread() : m_initialized(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {}
+    ~ComOnThisThread()
+    {
+        if (m_initialized) {
+            CoUninitialize();
+        }
+    }
+    ComOnThisThread(const ComOnThisThread&) = delete;
+    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
+
+private:
+    bool m_initialized;
+};
+
 struct Closer
 {
     void operator()(IUnknown* object) const noexcept { object->Release(); }
@@ -69,10 +87,6 @@ std::string FirstHotFix()
 
 std::string AnInstalledHotFix()
 {
-    const bool initialized = SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
-    const std::string id = FirstHotFix();
-    if (initialized) {
-        CoUninitialize();
-    }
-    return id;
+    const ComOnThisThread com;
+    return FirstHotFix();
 }

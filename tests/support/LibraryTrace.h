@@ -66,6 +66,16 @@ private:
     std::string m_before;
 };
 
+/// Closes a trace object, which programs keep open to their end.
+inline void CloseTrace(COrvDebug& object)
+{
+    struct Closer : COrvDebug
+    {
+        static auto Entry() { return &Closer::Close; }
+    };
+    (object.*Closer::Entry())();
+}
+
 /// The library trace object, configured for the life of the object with a file of its own, then as it was before.
 class LibraryTrace
 {
@@ -75,13 +85,13 @@ public:
         // The installation of the invalid-parameter handler traces once per process: have it behind us.
         char room[2];
         OrvSafeCopy("LibraryTrace", __LINE__, room, sizeof(room), "");
-        OrvTrace().Close();
+        CloseTrace(OrvTrace());
         // The module whose file name is used as given.
         if (OrvTrace().Configure("Kwelpad", Path().c_str(), level, 0, 0, nullptr) != 0) {
             throw std::runtime_error("the library trace cannot be configured");
         }
     }
-    ~LibraryTrace() { OrvTrace().Close(); }
+    ~LibraryTrace() { CloseTrace(OrvTrace()); }
     LibraryTrace(const LibraryTrace&) = delete;
     LibraryTrace& operator=(const LibraryTrace&) = delete;
 
