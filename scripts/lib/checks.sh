@@ -1,0 +1,40 @@
+# shellcheck shell=bash
+# Checks of the sources. Each check counts as one test. Sourced after common.sh, results.sh, suites.sh and tidy.sh.
+# shellcheck disable=SC2154
+
+# Every file of the tree that is not a build result, null-separated; arguments are further conditions for find.
+tree_files() { find "$repo" -path "$repo/build" -prune -o -path "$repo/.git" -prune -o -type f "$@" -print0; }
+
+# check UNIT COMMAND...: one check; its output is shown when it fails.
+check() {
+    local unit=$1 log=$results_dir/$1.log status=0 started=$SECONDS
+    shift
+    wanted "$unit" || return 0
+    "$@" >"$log" 2>&1 || status=$?
+    if ((status == 0)); then
+        record passed "$unit" "$unit"
+    else
+        cat -- "$log"
+        record failed "$unit" "see $log"
+    fi
+    report_unit "$unit" "$((SECONDS - started))"
+}
+
+check_format() {
+    local list=$results_dir/format.files
+    tree_files \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) >"$list"
+    [[ -s $list ]] || { say "no source files found"; return 1; }
+    run_limited 300 xargs -0 -a "$list" clang-format --dry-run -Werror
+}
+
+check_scripts() {
+    local list=$results_dir/shellcheck.files
+    { find "$repo/scripts" "$repo/.ci" -maxdepth 1 -type f -print0; tree_files -name '*.sh'; } >"$list"
+    run_limited 300 xargs -0 -a "$list" shellcheck --external-sources --source-path=SCRIPTDIR
+}
+
+source_checks() {
+    check format check_format
+    check shellcheck check_scripts
+    check tidy check_tidy
+}

@@ -1,0 +1,54 @@
+# shellcheck shell=bash
+# Pictures of the interactive dialog, driven as a user drives it: by looking and by pressing keys. Sourced after wine.sh
+# and display.sh.
+# shellcheck disable=SC2154
+
+# wait_until SECONDS COMMAND...: asks again and again until the command succeeds; fails when the time is up.
+wait_until() {
+    local deadline=$((SECONDS + $1))
+    shift
+    until "$@"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.1
+    done
+}
+
+# The screen without the empty part around the windows.
+take_picture() { timeout 30 import -window root -trim +repage "$1"; }
+
+# still_picture FILE: a picture of a screen that has finished painting: two in a row are the same.
+still_picture() {
+    local file=$1 second=${1%.png}.second.png deadline=$((SECONDS + 20))
+    take_picture "$file"
+    until take_picture "$second" && [[ "$(compare -metric AE "$file" "$second" null: 2>&1)" == 0 ]]; do
+        ((SECONDS < deadline)) || break
+        mv -- "$second" "$file"
+    done
+    rm -f -- "$second"
+}
+
+find_dialog() {
+    dialog=$(timeout 5 xdotool search --onlyvisible --class '^morvix' 2>/dev/null | head -n 1)
+    [[ -n $dialog ]]
+}
+
+press_return() {
+    timeout 10 xdotool windowfocus --sync "$dialog"
+    timeout 10 xdotool key Return
+}
+
+# photograph_dialog FOLDER: runs Morvix.exe interactively and leaves 1-welcome.png and 2-done.png in FOLDER.
+photograph_dialog() {
+    local folder=$1 trace=$1/dialog-trace.txt run
+    { release_lock; exec timeout 120 wine "$build_dir/windows/tools/debugview.exe" "$(windows_path "$trace")" \
+        "$(windows_path "$build_dir/dist/Morvix.exe")"; } >"$folder/dialog.log" 2>&1 &
+    run=$!
+    at_exit end_quietly "$run"
+    wait_until 30 find_dialog || fail "the dialog does not appear (see $trace)"
+    still_picture "$folder/1-welcome.png"
+    press_return
+    wait_until 60 grep -q 'Exit -> InstallDrivers()' "$trace" || fail "the interactive run does not finish (see $trace)"
+    still_picture "$folder/2-done.png"
+    press_return
+    wait "$run" || fail "the interactive run ended with exit code $? (see $trace)"
+}

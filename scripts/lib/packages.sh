@@ -1,0 +1,77 @@
+# shellcheck shell=bash
+# The Debian packages that building and testing need, and how the missing ones are installed.
+# Sourced after common.sh.
+# shellcheck disable=SC2154
+
+packages=(
+    # Windows programs: compiler, resource compiler, strip
+    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
+    # the build, and the pure suites with their sanitizers
+    cmake ninja-build g++ googletest
+    # the Windows that the suites and the demonstration run in, its display and its fonts
+    wine wine64 xvfb xauth xdotool imagemagick fonts-liberation fonts-wine
+    # the characters of the East Asian languages in pictures of the dialog
+    fonts-wqy-microhei
+    # checks of the sources
+    clang-format clang-tidy shellcheck
+)
+
+# Fills `missing` with the packages that are not installed.
+find_missing_packages() {
+    local installed package
+    installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${packages[@]}" 2>/dev/null || true)
+    missing=()
+    for package in "${packages[@]}"; do
+        grep -qx "installed $package" <<<"$installed" || missing+=("$package")
+    done
+}
+
+# Says in one line why apt-get did not do its work.
+explain_apt_failure() {
+    local log=$1 unknown
+    unknown=$(sed -n 's/^E: Unable to locate package //p; s/^E: Package .\(.*\). has no installation candidate$/\1/p' "$log" |
+        sort -u | paste -sd ' ')
+    if grep -qE 'No space left on device|enough free space' "$log"; then
+        fail "the disk is full: cannot install ${missing[*]}"
+    elif grep -qE 'Could not resolve|Temporary failure|Could not connect|Connection (failed|timed out|refused)|Network is unreachable|Unable to connect' "$log"; then
+        fail "no network: cannot fetch ${missing[*]} (see $log)"
+    elif [[ -n $unknown ]]; then
+        fail "this distribution ($(distribution)) has no package $unknown; Debian 12 has"
+    elif grep -qE 'Could not get lock|Unable to acquire the dpkg' "$log"; then
+        fail "another package manager is at work: try again when it has finished"
+    fi
+    fail "apt-get could not install ${missing[*]}: $(grep -E '^(E|dpkg):' "$log" | tail -n 1) (see $log)"
+}
+
+distribution() (
+    # shellcheck disable=SC1091
+    source /etc/os-release 2>/dev/null
+    printf '%s' "${PRETTY_NAME:-unknown system}"
+)
+
+install_missing_packages() {
+    local log=$build_dir/setup.log
+    local -a as_root=()
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        fail "this system ($(distribution)) has no apt-get; Debian 12 packages are needed: ${packages[*]}"
+    fi
+    find_missing_packages
+    ((${#missing[@]} > 0)) || return 0
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null || fail "not root, and no sudo: cannot install ${missing[*]}"
+        as_root=(sudo)
+        # Without a terminal nobody can type the password.
+        [[ -t 0 ]] || as_root=(sudo -n)
+        "${as_root[@]}" true 2>/dev/null || fail "sudo was refused: cannot install ${missing[*]}"
+    fi
+    say "installing ${missing[*]}"
+    as_root+=(env DEBIAN_FRONTEND=noninteractive LC_ALL=C)
+    # A package list that cannot be renewed matters only when the packages cannot be had without it.
+    "${as_root[@]}" apt-get update >"$log" 2>&1 </dev/null || true
+    if ! "${as_root[@]}" apt-get install -y --no-install-recommends -o DPkg::Lock::Timeout=300 \
+        "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+        explain_apt_failure "$log"
+    fi
+    find_missing_packages
+    ((${#missing[@]} == 0)) || fail "still missing after the installation: ${missing[*]} (see $log)"
+}

@@ -1,0 +1,130 @@
+# shellcheck shell=bash
+# Runs test programs, each started once, and records what they report. Sourced after common.sh, wine.sh and results.sh.
+# shellcheck disable=SC2154
+
+# wanted UNIT: whether the run was asked for this unit.
+wanted() { [[ $1 =~ $only ]]; }
+
+# The names of the tests that a build folder knows; a program without registration is a leftover.
+registered_tests() { ctest --test-dir "$build_dir/$1" --show-only | sed -n 's/^ *Test *#[0-9]*: //p'; }
+
+# run_program UNIT SECONDS REPORT COMMAND...: runs a GoogleTest program that writes REPORT. Answers 124 when it was
+# stopped for taking too long.
+run_program() {
+    local unit=$1 limit=$2 report=$3 status=0 started=$SECONDS log=$results_dir/$1.log
+    shift 3
+    run_limited "$limit" "$@" >"$log" 2>&1 || status=$?
+    if ((status == 124 || status == 137)); then
+        record failed "$unit" "stopped after $limit seconds$(last_case "$log") (see $log)"
+    elif [[ ! -s $report ]]; then
+        record failed "$unit" "ended with exit code $status and without a report$(last_case "$log") (see $log)"
+    else
+        record_report "$unit" "$report"
+        if ! grep -q "	$unit	" "$results"; then
+            record failed "$unit" "reports no test at all (see $log)"
+        elif ((status != 0)) && ! grep -q "^failed	$unit	" "$results"; then
+            record failed "$unit" "every case passed, yet the exit code is $status (see $log)"
+        fi
+    fi
+    report_unit "$unit" "$((SECONDS - started))"
+    return "$status"
+}
+
+# The case that was running when a program stopped.
+last_case() {
+    local line
+    line=$(grep -a '^\[ RUN ' "$1" | tail -n 1 | tr -d '\r')
+    [[ -z $line ]] || printf ' in %s' "${line##* }"
+}
+
+run_pure_suites() {
+    local test report others=$results_dir/host-other.xml status=0
+    for test in $(registered_tests host); do
+        if [[ $test == pure_* ]] && wanted "$test"; then
+            report=$results_dir/$test.xml
+            run_program "$test" 300 "$report" "$build_dir/host/tests/$test" "--gtest_output=xml:$report" || true
+        fi
+    done
+    # What is no GoogleTest program (fuzz runs) counts one test each.
+    if registered_tests host | grep -qv '^pure_' && wanted host-other; then
+        run_program host-other 600 "$others" ctest --test-dir "$build_dir/host" --exclude-regex '^pure_' --no-tests=error \
+            --timeout 300 --output-on-failure --output-junit "$others" || true
+    fi
+}
+
+# run_windows_program UNIT SECONDS PROGRAM: a GoogleTest program in the prefix in use.
+run_windows_program() {
+    local report=$results_dir/$1.xml status=0
+    run_program "$1" "$2" "$report" wine "$3" "--gtest_output=xml:$(windows_path "$report")" || status=$?
+    if ((status == 124 || status == 137)); then
+        # What the stopped program has left running must not disturb the next one.
+        stop_prefix "${WINEPREFIX##*/}"
+        keep_server
+    fi
+}
+
+# The suites that change the machine-wide registry, one after the other in one Windows.
+run_windows_suites() {
+    local test
+    local -a tests=()
+    for test in $(registered_tests windows); do
+        if [[ $test == windows_* ]] && wanted "$test"; then
+            tests+=("$test")
+        fi
+    done
+    ((${#tests[@]} > 0)) || return 0
+    start_display
+    new_prefix test-suites
+    keep_server
+    for test in "${tests[@]}"; do
+        run_windows_program "$test" 400 "$build_dir/windows/tests/$test.exe"
+    done
+}
+
+# Runs of the shippable folder, in a Windows of their own.
+run_end_to_end() {
+    local program unit
+    local -a programs=()
+    for program in "$build_dir"/windows/tests/e2e/morvix_e2e*.exe; do
+        unit=$(basename -- "$program" .exe)
+        if wanted "$unit"; then
+            programs+=("$program")
+        fi
+    done
+    ((${#programs[@]} > 0)) || return 0
+    start_display
+    new_prefix test-e2e
+    keep_server
+    MORVIX_DIST=$(windows_path "$build_dir/dist")
+    MORVIX_DOUBLES=$(windows_path "$build_dir/windows/tests/doubles")
+    export MORVIX_DIST MORVIX_DOUBLES
+    for program in "${programs[@]}"; do
+        unit=$(basename -- "$program" .exe)
+        if [[ ! -f $program ]]; then
+            record failed "$unit" "there is no such program"
+            continue
+        fi
+        run_windows_program "$unit" 900 "$program"
+    done
+}
+
+# The runs that restart Windows: scripts that print "ok - promise" or "not ok - promise" and bring their own Windows.
+run_restarts() {
+    local script unit log status started
+    for script in "$repo"/tests/restart/*.sh; do
+        unit=restart_$(basename -- "$script" .sh)
+        wanted "$unit" || continue
+        log=$results_dir/$unit.log
+        status=0
+        started=$SECONDS
+        run_limited 300 "$script" >"$log" 2>&1 || status=$?
+        awk -v unit="$unit" '
+            sub(/^ok - /, "") { printf "passed\t%s\t%s\n", unit, $0 }
+            sub(/^not ok - /, "") { printf "failed\t%s\t%s\n", unit, $0 }
+        ' "$log" >>"$results"
+        if ! grep -q "	$unit	" "$results" || { ((status != 0)) && ! grep -q "^failed	$unit	" "$results"; }; then
+            record failed "$unit" "ended with exit code $status (see $log)"
+        fi
+        report_unit "$unit" "$((SECONDS - started))"
+    done
+}

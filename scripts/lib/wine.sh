@@ -1,0 +1,100 @@
+# shellcheck shell=bash
+# The Windows that programs run in: Wine prefixes below build/wine/, each with a server of its own that is stopped when the
+# script ends. Sourced after common.sh.
+# shellcheck disable=SC2154
+
+wine_dir=$build_dir/wine
+# Servers and their programs meet in a folder of temporary files; it has to be the same one for all of them.
+export TMPDIR=$wine_dir/tmp
+
+# Points this shell at one prefix. Home and configuration folders lie below build/ too, so that Wine leaves no menu
+# entries, links or caches in the user's own.
+use_prefix() {
+    unset LC_ALL LC_CTYPE LC_MESSAGES LANGUAGE WINELOADER WINESERVER WINEPATH WINEDLLPATH XDG_RUNTIME_DIR
+    export WINEPREFIX=$wine_dir/$1
+    export WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='winemenubuilder.exe=d' LANG=en_US.UTF-8
+    # Without a character set that the machine knows, file names could have no letters beyond ASCII.
+    export LC_CTYPE=C.UTF-8
+    export HOME=$wine_dir/home
+    export XDG_CONFIG_HOME=$HOME/.config XDG_CACHE_HOME=$HOME/.cache XDG_DATA_HOME=$HOME/.local/share
+    mkdir -p -- "$HOME" "$TMPDIR"
+}
+
+# The path by which Windows programs know a file of this machine.
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+
+# Ends everything that runs in a prefix and waits until its server has gone.
+stop_prefix() {
+    local prefix=$wine_dir/$1 folder
+    [[ -d $prefix ]] || return 0
+    # The server notes the name of its socket folder in the prefix when it starts.
+    folder=$(cat -- "$prefix/wineserver" 2>/dev/null) || return 0
+    WINEPREFIX=$prefix wineserver -k >/dev/null 2>&1 || true
+    if ! WINEPREFIX=$prefix timeout 20 wineserver -w >/dev/null 2>&1; then
+        WINEPREFIX=$prefix wineserver -k9 >/dev/null 2>&1 || true
+        WINEPREFIX=$prefix timeout 20 wineserver -w >/dev/null 2>&1 || true
+    fi
+    [[ -z $folder ]] || rm -rf -- "${TMPDIR:?}/$folder"
+    rm -f -- "$prefix/wineserver"
+}
+
+remove_prefix() {
+    stop_prefix "$1"
+    rm -rf -- "${wine_dir:?}/$1"
+}
+
+# Makes the fresh Windows that every prefix is a copy of, unless the one of an earlier run fits the Wine in use.
+make_template() {
+    local version log=$build_dir/wine-template.log
+    version="$(WINEDEBUG=-all wine --version), no crash dialog, no window manager" || fail "wine does not start"
+    [[ "$(cat -- "$wine_dir/template/made-by" 2>/dev/null)" != "$version" ]] || return 0
+    say "making a fresh Windows ($version)"
+    mkdir -p -- "$wine_dir"
+    remove_prefix template
+    remove_prefix template.new
+    (
+        own_cleanups
+        at_exit stop_prefix template.new
+        use_prefix template.new
+        # Neither a display nor the browser and .NET replacements are there at the first start; do not ask for them.
+        unset DISPLAY
+        export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
+        run_limited 300 wineboot --init
+        # There is no window manager here: without this, the end of every window waits two seconds for one.
+        run_limited 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N /f
+        # A program that crashes ends; nobody is there to close a box about it.
+        run_limited 60 wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
+        run_limited 120 wineserver --wait
+    ) >"$log" 2>&1 || fail "Wine cannot make a Windows (see $log)"
+    [[ -f $wine_dir/template.new/system.reg ]] || fail "Wine made no Windows (see $log)"
+    printf '%s\n' "$version" >"$wine_dir/template.new/made-by"
+    mv -- "$wine_dir/template.new" "$wine_dir/template"
+}
+
+# new_prefix NAME: a fresh Windows of that name, in use by this shell from here on; stopped when the shell ends.
+new_prefix() {
+    make_template
+    remove_prefix "$1"
+    cp -a --reflink=auto -- "$wine_dir/template" "$wine_dir/$1" || fail "cannot copy the fresh Windows to $wine_dir/$1"
+    at_exit stop_prefix "$1"
+    use_prefix "$1"
+}
+
+# start_server --persistent[=SECONDS]: starts the server of the prefix in use. It lives on for SECONDS after its last
+# program, without a number until the shell ends. It stays a child of this shell and is told to end when the shell is gone, even by a kill
+# that no clean-up survives. Programs must not start before it listens: they would start another one.
+start_server() {
+    local waited=0
+    { release_lock; exec setpriv --pdeathsig TERM wineserver --foreground "$1"; } >/dev/null 2>&1 &
+    until compgen -G "$TMPDIR/$(cat -- "$WINEPREFIX/wineserver" 2>/dev/null)/server-*/socket" >/dev/null; do
+        ((++waited < 600)) || fail "the Windows in $WINEPREFIX does not start"
+        sleep 0.05
+    done
+}
+
+# Keeps the Windows in use running between programs.
+keep_server() {
+    start_server --persistent
+    # The first program starts the session's services, which later ones then find running.
+    run_limited 120 wine cmd /c exit >/dev/null 2>&1 || fail "Windows programs do not start in $WINEPREFIX"
+}
