@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,8 +29,7 @@ struct DescriptionLookup
     std::string fallback; ///< used when that section does not have the entry
 };
 
-/// @param descriptionKey  Text before the equals sign: "%Nic.DeviceDesc%" gives the name "Nic.DeviceDesc" and the
-/// fallback
-///                        "%Nic.DeviceDesc", the key up to the closing sign. A key without per-cent signs is both; one
-///                        of nothing but per-cent signs gives an empty name and itself.
+/// "%Nic.DeviceDesc%" gives the name "Nic.DeviceDesc" and the fallback "%Nic.DeviceDesc", the key up to the closing
+/// sign. A key without per-cent signs is both; one of nothing but per-cent signs gives an empty name and itself.
+/// @param descriptionKey  Text before the equals sign of a model line.
 [[nodiscard]] DescriptionLookup DescriptionFor(std::string_view descriptionKey);

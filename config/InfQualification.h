@@ -6,9 +6,8 @@
 
 /// Which INF files count, decided from their texts.
 
-/// @return the "Signature" that INF files of a system family carry; empty for a family that is not known, so that only
-/// INF
-///         files without a signature qualify there. Family names are compared exactly.
+/// @return the "Signature" that INF files of a system family carry; empty for a family that is not known, so that there
+///         only INF files without a signature qualify. Family names are compared exactly.
 [[nodiscard]] std::string_view ExpectedSignature(std::string_view family);
 
 /// @return true when `name` is in `names`, letter case aside.

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -82,7 +83,7 @@ int ParseINFile(const char* key, const char* sectionName, const char* infPath)
     return matched ? 1 : 0;
 }
 
-int IsFileUnicode(std::string path)
+int IsFileUnicode(const std::string& path)
 {
     Trace("Entering - IsFileUnicode");
     const UniqueFile file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,

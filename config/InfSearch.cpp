@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
+#include "Handles.h"
 #include "InfQualification.h"
 #include "InfReader.h"
 #include "IniLines.h"
@@ -113,18 +115,20 @@ InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool fo
 std::string FindInfInDirectory(const char* key, const std::string& directoryPath, const InfSearchRules& rules)
 {
     WIN32_FIND_DATAA file{};
-    // The search stays open for the rest of the run: one handle per directory searched, by design.
-    const HANDLE search = FindFirstFileA((directoryPath + "*.inf").c_str(), &file);
-    if (search == INVALID_HANDLE_VALUE) {
+    UniqueSearch search(FindFirstFileA((directoryPath + "*.inf").c_str(), &file));
+    if (!search.IsOpen()) {
         return {};
     }
+    std::string infPath;
     do {
         const std::string fileName = file.cFileName;
         if (InfServesDevice(key, fileName, directoryPath, rules)) {
-            return directoryPath + fileName;
+            infPath = directoryPath + fileName;
         }
-    } while (FindNextFileA(search, &file) != FALSE);
-    return {};
+    } while (infPath.empty() && FindNextFileA(search.Get(), &file) != FALSE);
+    // The search stays open for the rest of the run: one handle per directory searched, by design.
+    static_cast<void>(search.Release());
+    return infPath;
 }
 
 bool InfQualifies(const std::string& infPath, const std::string& expectedSignature)

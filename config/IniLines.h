@@ -17,11 +17,9 @@
 ///         stands nowhere. The last place counts, so a line "InfDir=InfDir=x" gives "x".
 [[nodiscard]] std::optional<std::string_view> ValueBehindLast(std::string_view line, std::string_view marker);
 
-/// Splits a list at its commas, last part first. Blanks are kept, parts may be empty, and an empty list is one empty
-/// part.
+/// Splits a list at its commas, last part first. Blanks are kept, parts may be empty: an empty list is one empty part.
 [[nodiscard]] std::vector<std::string> SplitFromEnd(std::string_view list);
 
-/// @return the number that `text` begins with: blanks, a sign, decimal digits. 0 when there are no digits; a number out
-/// of
-///         range gives the nearest one in range.
+/// @return the number that `text` begins with: blanks, a sign, decimal digits. 0 when there are no digits; the nearest
+///         number in range for one that is out of range.
 [[nodiscard]] int LeadingNumber(std::string_view text);

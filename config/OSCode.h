@@ -6,8 +6,7 @@
 #include <optional>
 #include <string_view>
 
-/// The systems that the program knows by name. The suffix tells the processor: 32 is a 32-bit system, 32E x64, 64
-/// IA-64.
+/// The systems that the program knows by name. The suffix tells the processor: 32 is 32-bit, 32E is x64, 64 is IA-64.
 enum OSCode : uint32_t
 {
     osUNSUPPORTED = 0,

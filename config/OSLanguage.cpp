@@ -2,9 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "EntryPoints.h"
 #include "Handles.h"
 #include "LanguageTable.h"
@@ -30,19 +27,4 @@ uint16_t GetOSLanguageID(char* code3, int size)
 {
     Trace("Entering - GetOSLanguageID");
     return LanguageAnswer(SystemLanguage(), code3, size);
-}
-
-uint16_t LanguageAnswer(uint16_t systemLanguage, char* code3, int size)
-{
-    if (code3 != nullptr) {
-        std::memset(code3, 0, static_cast<std::size_t>(std::max(size, 0)));
-        if (size < 4) {
-            return systemLanguage;
-        }
-    }
-    const RunLanguage language = LanguageForSystem(systemLanguage);
-    if (code3 != nullptr) {
-        std::ranges::copy(language.code3, code3);
-    }
-    return language.id;
 }

@@ -113,9 +113,9 @@ int OSGeneration(OSCode code, const SystemFacts& facts)
 std::string DescribeSystem(const SystemFacts& facts)
 {
     std::array<char, 260> line{};
-    std::snprintf(
+    static_cast<void>(std::snprintf(
         line.data(), line.size(), "Version: %i.%i  Platform: %i   Product Type: %i   IsIA64(): %i   Proc Arch: %i",
         static_cast<int>(facts.majorVersion), static_cast<int>(facts.minorVersion), static_cast<int>(facts.platform),
-        static_cast<int>(facts.productType), IsIA64(facts) ? 1 : 0, static_cast<int>(facts.architecture.value_or(0)));
+        static_cast<int>(facts.productType), IsIA64(facts) ? 1 : 0, static_cast<int>(facts.architecture.value_or(0))));
     return line.data();
 }

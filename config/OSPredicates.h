@@ -14,8 +14,7 @@
 /// NT 5.1 or later; 5.0 is not.
 [[nodiscard]] bool IsXPOrLater(const SystemFacts& facts);
 
-/// Windows Server 2003 and later, Vista and later. The 6.1 servers are left out on purpose, as is every 5.x
-/// workstation.
+/// Windows Server 2003 and later, Vista and later. The 6.1 servers and the 5.x workstations are left out on purpose.
 [[nodiscard]] bool IsServerOrVistaLater(OSCode code);
 [[nodiscard]] bool IsWin2K3Family(OSCode code);
 /// The 6.0 servers.
@@ -44,7 +43,7 @@
 /// @return true for the servers that exist without a desktop: 6.0 and 6.1. Only there does a missing shell program say
 ///         that this is a Server Core.
 [[nodiscard]] bool CanBeServerCore(OSCode code);
-/// The 6.0, 6.1 and 6.2 servers, except on IA-64. A Server Core is always one of these, so it needs no question of its
+/// The 6.0, 6.1 and 6.2 servers, except on IA-64. A Server Core is always one of these: it needs no question of its
 /// own.
 [[nodiscard]] bool IsModernServer(OSCode code, const SystemFacts& facts);
 

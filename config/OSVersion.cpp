@@ -1,7 +1,8 @@
 #include "OSVersion.h"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
+#include <string_view>
 #include <vector>
 
 #include "Handles.h"
@@ -98,8 +99,10 @@ SystemFacts COSVersion::Facts() const
 OSCode COSVersion::GetOSCode() const
 {
     const SystemFacts facts = Facts();
-    // The line is composed for whoever debugs this function; it is not traced, because every predicate comes through
-    // here.
+    if (!facts.valid) {
+        return osUNSUPPORTED;
+    }
+    // The line is for whoever debugs this function; it is not traced, because every predicate comes through here.
     [[maybe_unused]] const std::string description = DescribeSystem(facts);
     return DecideOSCode(facts, PlatformVerifier());
 }
@@ -230,10 +233,7 @@ bool IsNT4TerminalServerOn(OSCode system)
     }
     const UniqueRegKey key(opened);
     const std::vector<char> suites = ReadMultiString(key.get(), "ProductSuite");
-    for (const std::string_view suite : LinesOf(suites)) {
-        if (lstrcmpA(std::string(suite).c_str(), "Terminal Server") == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::any_of(LinesOf(suites), [](std::string_view suite) {
+        return lstrcmpA(std::string(suite).c_str(), "Terminal Server") == 0;
+    });
 }

@@ -22,7 +22,7 @@ bool IsAbsolutePath(std::string_view path)
 
 std::string ResolveRelativePath(const std::string& path, const std::string& setupDir, int levelsToRoot)
 {
-    const std::string base = BaseOf(setupDir, levelsToRoot);
+    std::string base = BaseOf(setupDir, levelsToRoot);
     if (path.starts_with('\\')) {
         return base.substr(0, 2) + path;
     }

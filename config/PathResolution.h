@@ -10,8 +10,7 @@
 
 /// Makes a path without a colon absolute.
 /// @param path          Path as configured. A leading backslash means the drive of the base; a leading full stop means
-/// the
-///                      base itself, whatever follows; anything else lies below the base.
+///                      the base itself, whatever follows; anything else lies below the base.
 /// @param setupDir      The program's directory, without a trailing backslash.
 /// @param levelsToRoot  How many levels the base lies above `setupDir`; 0 for a number outside 1 to 260. Levels that
 ///                      `setupDir` does not have are ignored.

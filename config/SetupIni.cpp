@@ -3,6 +3,9 @@
 #include <windows.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "IniLines.h"
@@ -20,6 +23,7 @@ constexpr std::size_t kExcludeSectionBytes = 1024;
 constexpr std::string_view kDirectoryMarker = "InfDir=";
 constexpr std::string_view kExcludeMarker = "InfExclude=";
 constexpr char kSectionFailed[] = "GetPrivateProfileSection() failed";
+constexpr bool kWithTrailingSlash = true;
 
 std::string ReadValue(const char* section, const char* key)
 {
@@ -54,7 +58,7 @@ std::vector<char> ReadDirectorySection(const std::string& section)
     return buffer;
 }
 
-/// Hands the value of each line that is long enough for `marker` and holds it to `use`.
+/// Hands the value of each line that holds `marker` to `use`.
 template <class Use>
 void ForEachValue(std::span<const char> section, std::string_view marker, Use use)
 {
@@ -77,14 +81,14 @@ int GetLevelsToRootFromINI()
     return LeadingNumber(ReadValue("Config", "LevelsToRoot"));
 }
 
-void ReadInfDirsFromIni(std::string section, std::vector<std::string>& dirs)
+void ReadInfDirsFromIni(const std::string& section, std::vector<std::string>& dirs)
 {
     Trace("Entering - ReadInfDirsFromIni");
     ForEachValue(ReadDirectorySection(section), kDirectoryMarker,
-                 [&dirs](const std::string& value) { dirs.push_back(ResolvePah(value, true)); });
+                 [&dirs](const std::string& value) { dirs.push_back(ResolvePah(value, kWithTrailingSlash)); });
 }
 
-void ReadInfExcludeFilesFromINI(std::string section, std::vector<std::string>& excludes)
+void ReadInfExcludeFilesFromINI(const std::string& section, std::vector<std::string>& excludes)
 {
     Trace("Entering - ReadInfExcludeFilesFromINI");
     std::array<char, kExcludeSectionBytes> buffer{};

@@ -12,19 +12,18 @@
 [[nodiscard]] std::string SetupIniPath();
 
 /// @return the number of levels by which the base of relative directories lies above the program's directory, as it
-/// stands
-///         in the file: "LevelsToRoot" of section "Config", 0 when missing or not a number.
+///         stands in the file: "LevelsToRoot" of section "Config", 0 when missing or not a number.
 [[nodiscard]] int GetLevelsToRootFromINI();
 
 /// Appends the directories of the "InfDir" lines, resolved to absolute paths with a backslash at the end, in file
 /// order. The section is read into 260 bytes and, if it was cut, once more into 520; what lies behind that is lost.
 /// @param section  The system's section key.
-void ReadInfDirsFromIni(std::string section, std::vector<std::string>& dirs);
+void ReadInfDirsFromIni(const std::string& section, std::vector<std::string>& dirs);
 
 /// Appends the file names of the "InfExclude" lines as they are written, in file order. At most 1022 characters of the
 /// section are read.
 /// @param section  The system's section key.
-void ReadInfExcludeFilesFromINI(std::string section, std::vector<std::string>& excludes);
+void ReadInfExcludeFilesFromINI(const std::string& section, std::vector<std::string>& excludes);
 
 /// Appends the names of the model sections that count on the running system: those of "InfSectionName", the last name
 /// of the value first. Blanks around the commas belong to the names. A missing value, or a system that is not served,

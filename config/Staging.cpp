@@ -20,17 +20,6 @@ constexpr char kSetupKey[] = R"(Software\Microsoft\Windows\CurrentVersion\Setup)
 constexpr REGSAM kReadWrite = KEY_READ | KEY_WRITE;
 constexpr char kSourcePath[] = "SourcePath";
 
-struct SearchCloser
-{
-    void operator()(HANDLE search) const noexcept
-    {
-        if (FindClose(search) == FALSE) {
-            Trace("Unable to close search handle\n");
-        }
-    }
-};
-using UniqueSearch = std::unique_ptr<std::remove_pointer_t<HANDLE>, SearchCloser>;
-
 /// @return the cab directory as the registry names it; empty when it names none.
 std::string ReadSourcePath()
 {
@@ -55,7 +44,8 @@ std::string FallbackDirectory()
     GetWindowsDirectoryA(windows.data(), MAX_PATH);
     const std::string directory = windows.data() + std::string(R"(\INSTALL)");
     CreateDirectoryA(directory.c_str(), nullptr);
-    // The registry keeps naming its own directory: the fallback serves this run only.
+    // The fallback is not written to "SourcePath": that would go through the key of ReadSourcePath, which is closed by
+    // now, so the write would change nothing and the registry keeps naming its own directory.
     return directory + "\\";
 }
 
@@ -117,20 +107,22 @@ int CopyAllFiles(const std::string& sourceDirectory, const std::string& destinat
 {
     Trace("Entering - CopyAllFiles");
     WIN32_FIND_DATAA entry{};
-    const HANDLE opened = FindFirstFileA((sourceDirectory + "*.*").c_str(), &entry);
-    if (opened == INVALID_HANDLE_VALUE) {
+    UniqueSearch search(FindFirstFileA((sourceDirectory + "*.*").c_str(), &entry));
+    if (!search.IsOpen()) {
         Trace("no files found in source directory\n");
         return 0;
     }
-    const UniqueSearch search(opened);
     int copied = 0;
     do {
         const std::string name = entry.cFileName;
         if (CopyOneFile(sourceDirectory + name, destinationDirectory + name, !destinationDirectory.empty())) {
             copied = 1;
         }
-    } while (FindNextFileA(search.get(), &entry) != FALSE);
+    } while (FindNextFileA(search.Get(), &entry) != FALSE);
     Trace(GetLastError() == ERROR_NO_MORE_FILES ? "Found all of the files\n" : "Unable to find next file\n");
+    if (FindClose(search.Release()) == FALSE) {
+        Trace("Unable to close search handle\n");
+    }
     return copied;
 }
 

@@ -18,8 +18,7 @@ void CopyFilesToCabDirFor(OSCode system);
 /// Copies every file of a directory; a read-only target of an earlier copy is overwritten.
 /// @param sourceDirectory       Ends with a backslash.
 /// @param destinationDirectory  Ends with a backslash. An empty one names no place: nothing is copied then, and each
-/// file is
-///                              traced as failed.
+///                              file is traced as failed.
 /// @return 1 when at least one file was copied, else 0.
 int CopyAllFiles(const std::string& sourceDirectory, const std::string& destinationDirectory);
 

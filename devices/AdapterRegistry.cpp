@@ -1,6 +1,7 @@
 #include "AdapterRegistry.h"
 
-#include <vector>
+#include <array>
+#include <cstddef>
 
 UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access)
 {
@@ -11,18 +12,34 @@ UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access)
     return UniqueRegKey(key);
 }
 
-std::optional<std::string> ReadTextValue(HKEY key, const char* name)
+std::optional<std::string> FirstSubKey(HKEY key)
+{
+    std::array<char, 256> name{};
+    DWORD length = name.size();
+    if (RegEnumKeyExA(key, 0, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return std::string(name.data());
+}
+
+std::optional<std::vector<char>> ReadValueBytes(HKEY key, const char* name)
 {
     constexpr std::size_t kSpareBytes = 5;
     DWORD bytes = 0;
     if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &bytes) != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    std::vector<char> text(std::size_t{bytes} + kSpareBytes, '\0');
-    if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes) != ERROR_SUCCESS) {
+    std::vector<char> value(std::size_t{bytes} + kSpareBytes, '\0');
+    if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(value.data()), &bytes) != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    return std::string(text.data());
+    return value;
+}
+
+std::optional<std::string> ReadTextValue(HKEY key, const char* name)
+{
+    const std::optional<std::vector<char>> value = ReadValueBytes(key, name);
+    return value ? std::optional<std::string>(value->data()) : std::nullopt;
 }
 
 std::optional<std::string> ReadNetCfgInstanceId(const std::string& driverKey)

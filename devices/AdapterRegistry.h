@@ -2,15 +2,26 @@
 
 #include <windows.h>
 
-#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Handles.h"
+
+/// Reading of the registry as the device checks do it.
 
 /// @param path  Key path under HKEY_LOCAL_MACHINE.
 /// @return the open key, null when it cannot be had.
 [[nodiscard]] UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access);
+
+/// @param key  Open for KEY_ENUMERATE_SUB_KEYS.
+/// @return the name of the key's first sub-key in the registry's own order; no value when it has none.
+[[nodiscard]] std::optional<std::string> FirstSubKey(HKEY key);
+
+/// Reads a value of any type and length.
+/// @return the stored bytes and at least five zero bytes behind them, so that a text or a list that lacks its
+///         terminators ends there; no value when there is none.
+[[nodiscard]] std::optional<std::vector<char>> ReadValueBytes(HKEY key, const char* name);
 
 /// Reads a text of any length. A stored text without its terminator ends where the stored bytes end.
 /// @return the text up to its first NUL; no value when there is none.

@@ -1,10 +1,10 @@
 #include "DeviceInstall.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 #include "DevicePassState.h"
 #include "DriverUpdate.h"
@@ -15,6 +15,7 @@
 #include "LegacyInstall.h"
 #include "NetCfgInstance.h"
 #include "OrvRegKey.h"
+#include "OrvString.h"
 #include "PostInstall.h"
 #include "Trace.h"
 
@@ -22,6 +23,11 @@ namespace {
 constexpr int kProgressControl = 1000;
 constexpr std::size_t kInstanceIdChars = 260;
 constexpr char kSourcePathValue[] = "Tavunstl_source_path";
+
+// What the registry object's calls are told.
+constexpr bool kForWriting = true;
+constexpr bool kPermanent = false;
+constexpr bool kPlainText = false;
 
 /// What the driver-install interface answered.
 struct InterfaceAnswer
@@ -52,10 +58,10 @@ public:
     explicit SourcePathValue(const std::string& infPath)
     {
         constexpr char kKey[] = R"(Software\Norda\Basedrivers)";
-        if (!m_key.Open(HKEY_LOCAL_MACHINE, kKey, true)) {
-            m_key.Create(HKEY_LOCAL_MACHINE, kKey, true, false);
+        if (!m_key.Open(HKEY_LOCAL_MACHINE, kKey, kForWriting)) {
+            m_key.Create(HKEY_LOCAL_MACHINE, kKey, kForWriting, kPermanent);
         }
-        m_key.SetValue(kSourcePathValue, COrvString(infPath), false);
+        m_key.SetValue(kSourcePathValue, COrvString(infPath), kPlainText);
     }
     ~SourcePathValue() { m_key.DeleteValue(kSourcePathValue); }
     SourcePathValue(const SourcePathValue&) = delete;
@@ -76,33 +82,21 @@ InterfaceAnswer CallInterface(DriverInstallRecord& record, IDriverInstallInterfa
     return answer;
 }
 
-/// @return the name of the device's registry key: its hardware ID without the "PCI" and the backslash before it.
-std::string DeviceKeyNameOf(const DriverInstallRecord& record)
-{
-    constexpr std::string_view kBusPrefix = "PCI\\";
-    std::string_view name = TextIn(record.hardwareId);
-    if (name.starts_with(kBusPrefix)) {
-        name.remove_prefix(kBusPrefix.size());
-    }
-    return std::string(name);
-}
-
 /// Asks whether the machine boots over the device that was just installed; no further device is asked after one that
 /// does. After an install that left an error the device is not asked.
-void LookForStorageAdapter(const std::string& deviceKeyName, DWORD installError)
+void LookForStorageAdapter(const std::string& deviceId, DWORD installError)
 {
     if (DevicePassState.storageAdapterFound != 0 || installError != ERROR_SUCCESS) {
         return;
     }
     std::array<char, kInstanceIdChars> instanceId{};
-    GetNetCfgInstanceId(deviceKeyName, instanceId);
+    GetNetCfgInstanceId(deviceId, instanceId);
     IsIScsiAdapter(instanceId.data());
 }
 
-void InstallByInterface(DriverInstallRecord& record, IDriverInstallInterface* driverInstall)
+void InstallByInterface(DriverInstallRecord& record, const std::string& deviceId,
+                        IDriverInstallInterface* driverInstall)
 {
-    // Taken before the call, which is handed the record and may write to it.
-    const std::string deviceKeyName = DeviceKeyNameOf(record);
     DWORD installError = ERROR_SUCCESS;
     Trace(DescribeInstall("2K/XP install: ", record));
     {
@@ -114,18 +108,19 @@ void InstallByInterface(DriverInstallRecord& record, IDriverInstallInterface* dr
             DevicePassState.installFailed = 1;
         }
         std::array<char, 256> line{};
-        std::snprintf(line.data(), line.size(), " 2K/XP UpdateDriver() returned: %x ---> GetLastError = %x\n",
-                      static_cast<unsigned>(answer.status), static_cast<unsigned>(answer.lastError));
+        static_cast<void>(std::snprintf(line.data(), line.size(),
+                                        " 2K/XP UpdateDriver() returned: %x ---> GetLastError = %x\n",
+                                        static_cast<unsigned>(answer.status), static_cast<unsigned>(answer.lastError)));
         Trace(line.data());
     }
     // Whatever the status was.
     PostInstallRegResult(record.infPath);
-    LookForStorageAdapter(deviceKeyName, installError);
+    LookForStorageAdapter(deviceId, installError);
 }
 } // namespace
 
-void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
-                          HWND dialog)
+void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, const std::string& deviceId,
+                          IDriverInstallInterface* driverInstall, HWND dialog)
 {
     ShowProgress(dialog);
     const std::string infPath(TextIn(record.infPath));
@@ -136,7 +131,7 @@ void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, IDriv
             UpdateDriver(infPath, hardwareId);
             break;
         case InstallRoute::DriverInterface:
-            InstallByInterface(record, driverInstall);
+            InstallByInterface(record, deviceId, driverInstall);
             break;
         case InstallRoute::LegacyInstaller:
             Trace(DescribeInstall("98 install: ", record));

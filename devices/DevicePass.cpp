@@ -1,16 +1,20 @@
 #include "DevicePass.h"
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "AdapterRegistry.h"
 #include "DeviceInstall.h"
 #include "DevicePassState.h"
 #include "EnumerationEnd.h"
 #include "Handles.h"
 #include "InfSearch.h"
-#include "NetworkDeviceTest.h"
+#include "NordaNetworkDevice.h"
 #include "OrvSecure.h"
 #include "PathCase.h"
 #include "SearchIds.h"
@@ -18,7 +22,7 @@
 #include "Trace.h"
 
 namespace {
-constexpr char kSource[] = "DevicePass";
+constexpr char kThisFile[] = "DevicePass";
 constexpr std::size_t kKeyNameChars = 256;
 constexpr std::size_t kInfPathChars = 260;
 
@@ -31,12 +35,14 @@ struct DeviceSearch
     std::vector<std::string> excludes;
 };
 
+/// An INF path of more than 255 characters does not fit into the record: its field is then empty, and the install goes
+/// on with that.
 void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const char* infPath)
 {
     Trace("!!FOUND INF MATCH\n");
-    OrvSafeCopy(kSource, __LINE__, record.hardwareId.data(), record.hardwareId.size(), "PCI\\");
-    OrvSafeCat(kSource, __LINE__, record.hardwareId.data(), record.hardwareId.size(), deviceId.c_str());
-    OrvSafeCopy(kSource, __LINE__, record.infPath.data(), record.infPath.size(), infPath);
+    OrvSafeCopy(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), "PCI\\");
+    OrvSafeCat(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), deviceId.c_str());
+    OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), infPath);
     DevicePassState.deviceMatched = 1;
 
     MakePathUpperCase(record.infPath);
@@ -100,7 +106,7 @@ void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& reco
         // After an error other than "no more items" the name is what the cleared buffer holds, treated like any name.
         const std::string deviceId(TextIn(buffer));
         if (IsNordaNetworkDevice(deviceId, std::string(family.name)) && MatchDevice(deviceId, record)) {
-            InstallMatchedDevice(family.route, record, driverInstall, dialog);
+            InstallMatchedDevice(family.route, record, deviceId, driverInstall, dialog);
         }
     }
 }
@@ -111,11 +117,10 @@ uint32_t RunPass(DriverInstallRecord& record, IDriverInstallInterface* driverIns
     if (!family) {
         return kDevicePassFailed;
     }
-    HKEY opened = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, family->pciKey, 0, KEY_ENUMERATE_SUB_KEYS, &opened) != ERROR_SUCCESS) {
+    const UniqueRegKey key = OpenMachineKey(family->pciKey, KEY_ENUMERATE_SUB_KEYS);
+    if (!key) {
         return kDevicePassFailed;
     }
-    const UniqueRegKey key(opened);
     Trace("************ enumerating registry for devices...\n");
     WalkDevices(key.get(), *family, record, driverInstall, dialog);
     Trace("************ finished enumerating registry for devices\n");

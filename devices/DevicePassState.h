@@ -9,8 +9,7 @@ inline constexpr uint32_t kRememberedInstallError = 0xE0000207;
 /// the main thread after that thread has reported back. The device pass only ever sets fields.
 struct DevicePassStateRecord
 {
-    /// 1 once any device has matched an INF. Written by the device pass; read by the installation run for its outcome
-    /// text.
+    /// 1 once any device has matched an INF. Written by the device pass; read by the installation run for its outcome.
     uint32_t deviceMatched = 0;
     /// 1 once the matched INF was the DMA-engine INF. Written by the device pass; read by the end-of-run decision.
     uint32_t qdatInstalled = 0;

@@ -12,6 +12,6 @@ const DriverFamily* FamilyOfInf(std::string_view upperFileName)
 
 std::string DriverFilePattern(const DriverFamily& family, bool is61System)
 {
-    const bool own = is61System && family.filesFor61 == FilesFor61::Own62;
-    return std::string(family.infPrefix) + (own ? "62*.sys" : "*.sys");
+    const bool named62 = is61System && family.filesFor61 == DriverFilesFor61::Named62;
+    return std::string(family.infPrefix) + (named62 ? "62*.sys" : "*.sys");
 }

@@ -1,6 +1,7 @@
 #include "FcoeBootPorts.h"
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -73,9 +74,10 @@ std::optional<std::wstring> AdapterNameOf(const std::string& driverKey)
 
 bool AskFcoeLibrary(const std::wstring& adapterName)
 {
+    constexpr bool kHasEthernet = true;
     CHBAAPIInt library;
     NORDA_FCANDNICPROPERTIES properties{};
-    if (library.InitHBAAPIMod(adapterName.c_str(), true)) {
+    if (library.InitHBAAPIMod(adapterName.c_str(), kHasEthernet)) {
         HBA_HANDLE handle = 0;
         if (library.GetAdapterHandle(adapterName.c_str(), handle)) {
             library.GetFCEthernetProperties(handle, &properties);

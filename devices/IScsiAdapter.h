@@ -7,6 +7,5 @@
 /// question, is no iSCSI boot adapter.
 /// @param instanceId  The adapter's network-configuration instance ID.
 /// @return 1 only when an adapter had been found before the call, which then asks nothing; 0 otherwise, also in the
-/// call
-///         that finds one.
+///         call that finds one.
 int IsIScsiAdapter(const std::string& instanceId);

@@ -5,9 +5,8 @@
 #include <string_view>
 
 /// Puts a device's description into the progress text.
-/// @param format       The text resource; its first "%s" is replaced and "%%" stands for one per-cent sign. The
-/// resource
-///                     may come from elsewhere, so it is never used as a format: every other insert stays as written.
+/// @param format       The text resource; its first "%s" is replaced and "%%" stands for one per-cent sign. It may come
+///                     from elsewhere, so it is never used as a format: every other insert stays as it is written.
 /// @param description  What to insert.
 /// @param maxBytes     The result's limit in bytes; longer texts are cut.
 [[nodiscard]] std::string InstallingText(std::string_view format, std::string_view description, std::size_t maxBytes);

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "AdapterRegistry.h"
 #include "DriverInstallRecord.h"
 #include "EnumerationEnd.h"
 #include "Handles.h"
@@ -56,9 +57,7 @@ int Win98Install(const std::string& infPath, const std::string& hardwareId)
 
     const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId);
     Trace("opening registry key to enumerate: " + keyPath + "\n");
-    HKEY opened = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyPath.c_str(), 0, KEY_ENUMERATE_SUB_KEYS, &opened) == ERROR_SUCCESS) {
-        const UniqueRegKey deviceKey(opened);
+    if (const UniqueRegKey deviceKey = OpenMachineKey(keyPath, KEY_ENUMERATE_SUB_KEYS)) {
         InstallInstances(deviceKey.get(), keyPath, commandLine);
     }
     Trace("Exit -> Win98Install");

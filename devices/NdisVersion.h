@@ -3,8 +3,7 @@
 #include <windows.h>
 
 /// Opens the network driver interface's device for a version query.
-/// @param device  Receives the handle, to be closed by the caller, or INVALID_HANDLE_VALUE when there is no such
-/// device.
+/// @param device  Receives the handle, to be closed by the caller; INVALID_HANDLE_VALUE when there is no such device.
 /// @return always 1: whether the device opened shows in the handle.
 int OpenNdisDevice(HANDLE& device);
 

@@ -9,7 +9,7 @@ std::string_view FindAcceptedId(std::string_view multiString)
         if (entry.empty()) {
             return {};
         }
-        const auto row = std::ranges::find(kAcceptedCompatibleIds, entry);
+        const auto* const row = std::ranges::find(kAcceptedCompatibleIds, entry);
         if (row != kAcceptedCompatibleIds.end()) {
             return *row;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 /// The compatible IDs of the devices that the program serves, in the order in which they are compared.

@@ -10,11 +10,12 @@ int isRegEntryTAVUnstl()
 {
     constexpr char kSessionManagerKey[] = R"(System\CurrentControlSet\Control\Session Manager)";
     constexpr char kPendingValue[] = "PendingFileRenameOperations";
+    constexpr bool kForWriting = true;
     constexpr char kUninstaller[] = R"(Windows\system32\Tavunstl.exe)";
 
     Trace("Entering isRegEntryTAVUnstl");
     COrvRegKey key;
-    if (!key.Open(HKEY_LOCAL_MACHINE, kSessionManagerKey, true)) {
+    if (!key.Open(HKEY_LOCAL_MACHINE, kSessionManagerKey, kForWriting)) {
         Trace("Unable to access REG_TAVUNSTL_SESSIONMANAGER Key");
         return 0;
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,12 +34,8 @@ std::string SystemDirectory()
 std::optional<std::string> FindFirstFileName(const std::string& pattern)
 {
     WIN32_FIND_DATAA found{};
-    const HANDLE search = FindFirstFileA(pattern.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return std::nullopt;
-    }
-    FindClose(search);
-    return std::string(found.cFileName);
+    const UniqueSearch search(FindFirstFileA(pattern.c_str(), &found));
+    return search.IsOpen() ? std::optional<std::string>(found.cFileName) : std::nullopt;
 }
 
 void PostFamilyResult(OSCode system, const DriverFamily& family, const std::string& driverDirectory)

@@ -13,8 +13,7 @@
 /// Asks an adapter's driver for the name of its private control device and opens that.
 /// @param adapterDevice  From OpenAdapterDevice; also one that could not be opened.
 /// @return a handle to be closed by the caller, or INVALID_HANDLE_VALUE with the last error telling why: 6 for an
-/// adapter
-///         device that is not open.
+///         adapter device that is not open.
 [[nodiscard]] HANDLE OpenPrivateDevice(HANDLE adapterDevice);
 
 /// Sends a private request to an adapter's driver.

@@ -6,8 +6,7 @@
 namespace {
 constexpr int32_t kNotFound = -1;
 
-// Positions are signed 32-bit with -1 for "not found". Widened to an unsigned size, -1 lies behind the end of every
-// text.
+// Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 lies behind the end of every text.
 int32_t LastPosition(std::string_view text, std::string_view marker)
 {
     const std::size_t position = text.rfind(marker);

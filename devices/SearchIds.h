@@ -17,7 +17,6 @@ inline constexpr int kLastSearchPass = 4;
 /// @param deviceId  Device key name, such as VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03.
 /// @param pass      1 to 4.
 /// @return no value when the pass keeps the search ID of the pass before it: the ID starts with a part that the pass
-/// would
-///         cut, or `pass` is none of the four.
+///         would cut, or `pass` is none of the four.
 /// @throws std::out_of_range in pass 3 when the ID has no revision to keep.
 [[nodiscard]] std::optional<std::string> SearchIdForPass(std::string_view deviceId, int pass);

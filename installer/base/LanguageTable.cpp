@@ -1,5 +1,6 @@
 #include "LanguageTable.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -54,4 +55,18 @@ RunLanguage LanguageForSystem(uint16_t systemLanguage)
         }
     }
     return {};
+}
+
+uint16_t LanguageAnswer(uint16_t systemLanguage, char* code3, int size)
+{
+    const RunLanguage language = LanguageForSystem(systemLanguage);
+    if (code3 == nullptr) {
+        return language.id;
+    }
+    std::fill_n(code3, std::max(size, 0), '\0');
+    if (size < 4) {
+        return systemLanguage;
+    }
+    std::ranges::copy(language.code3, code3);
+    return language.id;
 }

@@ -13,6 +13,13 @@ struct RunLanguage
 /// @param systemLanguage  Windows language identifier (LANGID): primary language in the low 10 bits.
 [[nodiscard]] RunLanguage LanguageForSystem(uint16_t systemLanguage);
 
+/// The same in the form in which the run asks for it.
+/// @param code3  Receives the three-letter code, empty when the language is not supported; may be null. All its bytes
+///               are cleared first.
+/// @param size   Size of `code3` in bytes. Below 4 the code does not fit, and the system's own identifier is returned.
+/// @return the identifier of the resources to use, 0 when the language is not supported.
+uint16_t LanguageAnswer(uint16_t systemLanguage, char* code3, int size);
+
 /// US English (LANGID 0x0409): used where the system's language has no texts.
 inline constexpr uint16_t kFallbackLanguage = 1033;
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <string>
 
 namespace {
 struct Row
@@ -37,4 +39,42 @@ TEST(LanguageTable, UnsupportedLanguagesFallBackToUsEnglish)
     EXPECT_EQ(1033, RunLanguageIdFor(LanguageForSystem(0x0419).id));
     EXPECT_EQ(1031, RunLanguageIdFor(LanguageForSystem(0x0807).id));
     EXPECT_EQ("ENU", LanguageForSystem(kFallbackLanguage).code3);
+}
+
+TEST(LanguageAnswer, GivesCodeAndIdentifierOfEachLanguage)
+{
+    for (const Row& row : kRows) {
+        std::array<char, 260> code{};
+        code.fill('x');
+        EXPECT_EQ(LanguageAnswer(row.systemLanguage, code.data(), 260), row.id) << std::hex << row.systemLanguage;
+        EXPECT_EQ(std::string(code.data()), row.code3) << std::hex << row.systemLanguage;
+        EXPECT_TRUE(std::all_of(code.begin() + 3, code.end(), [](char c) { return c == '\0'; }));
+    }
+}
+
+TEST(LanguageAnswer, AskedWithoutABufferGivesTheIdentifierAlone)
+{
+    for (const int size : {0, 3, 260}) {
+        EXPECT_EQ(LanguageAnswer(0x0807, nullptr, size), 1031) << size;
+        EXPECT_EQ(LanguageAnswer(0x0419, nullptr, size), 0) << size;
+    }
+}
+
+TEST(LanguageAnswer, GivesTheSystemsOwnIdentifierWhenTheCodeDoesNotFit)
+{
+    for (const int size : {3, 1, 0, -1}) {
+        std::array<char, 4> code{'x', 'x', 'x', 'x'};
+        EXPECT_EQ(LanguageAnswer(0x0807, code.data(), size), 0x0807) << size;
+        for (int index = 0; index < 4; ++index) {
+            EXPECT_EQ(code[static_cast<std::size_t>(index)], index < size ? '\0' : 'x') << size;
+        }
+    }
+}
+
+TEST(LanguageAnswer, FillsABufferOfExactlyFour)
+{
+    std::array<char, 5> code{'x', 'x', 'x', 'x', 'x'};
+    EXPECT_EQ(LanguageAnswer(0x0807, code.data(), 4), 1031);
+    EXPECT_STREQ(code.data(), "DEU");
+    EXPECT_EQ(code[4], 'x');
 }

@@ -1,19 +1,25 @@
 #include <gmock/gmock.h>
 #include <windows.h>
+// Needs windows.h first.
+#include <commctrl.h>
 
 #include <algorithm>
+#include <array>
+#include <cwctype>
 
 #include "TextLibrary.h"
 
 namespace {
 constexpr uint16_t kButtonClass = 0x0080;
 constexpr uint16_t kStaticClass = 0x0082;
+constexpr uint16_t kNamedClass = 0;
 constexpr uint32_t kNoId = 0xFFFF;
 
 constexpr uint32_t kStatusText = 1000;
 constexpr uint32_t kFinish = 1002;
 constexpr uint32_t kRestartNow = 1004;
 constexpr uint32_t kRestartLater = 1007;
+constexpr uint32_t kActivity = 1010;
 
 const TemplateControl& Control(const DialogTemplate& dialog, uint32_t id)
 {
@@ -34,9 +40,11 @@ bool Overlap(const TemplateControl& a, const TemplateControl& b)
 class DialogFont
 {
 public:
-    DialogFont()
+    /// @param percent  Scale of the display.
+    explicit DialogFont(int percent)
         : m_context(CreateCompatibleDC(nullptr)),
-          m_font(CreateFontA(-11, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, "MS Shell Dlg"))
+          m_font(CreateFontA(-MulDiv(8, 96 * percent, 72 * 100), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0,
+                             0, "MS Shell Dlg"))
     {
         SelectObject(m_context, m_font);
         TEXTMETRICA metrics{};
@@ -75,6 +83,8 @@ private:
     int m_unitWidth = 0;
     int m_unitHeight = 0;
 };
+
+constexpr std::array kScales = {100, 125, 150, 200};
 
 /// The dialog of every language, with the language's name in the failure messages.
 template <class Check>
@@ -121,11 +131,12 @@ TEST(ProgressDialogTemplate, HasExactlyTheControlsOfTheProgram)
         for (const TemplateControl& control : dialog.controls) {
             controls.emplace_back(control.id, control.classAtom);
         }
-        EXPECT_THAT(controls, testing::UnorderedElementsAre(
-                                  std::pair(kStatusText, kStaticClass), std::pair(1U, kButtonClass),
-                                  std::pair(2U, kButtonClass), std::pair(kFinish, kButtonClass),
-                                  std::pair(kRestartNow, kButtonClass), std::pair(kRestartLater, kButtonClass),
-                                  std::pair(kNoId, kStaticClass), std::pair(kNoId, kStaticClass)));
+        EXPECT_THAT(controls,
+                    testing::UnorderedElementsAre(
+                        std::pair(kStatusText, kStaticClass), std::pair(1U, kButtonClass), std::pair(2U, kButtonClass),
+                        std::pair(kFinish, kButtonClass), std::pair(kRestartNow, kButtonClass),
+                        std::pair(kRestartLater, kButtonClass), std::pair(kActivity, kNamedClass),
+                        std::pair(kNoId, kStaticClass), std::pair(kNoId, kStaticClass)));
     });
 }
 
@@ -176,6 +187,7 @@ TEST(ProgressDialogTemplate, EveryControlKeepsTheMarginAndTheButtonsTheirSize)
 TEST(ProgressDialogTemplate, NothingThatIsShownTogetherOverlaps)
 {
     const std::vector<std::vector<uint32_t>> states = {{kStatusText, kNoId, IDOK, IDCANCEL},
+                                                       {kStatusText, kNoId, kActivity, kFinish},
                                                        {kStatusText, kNoId, kFinish},
                                                        {kStatusText, kNoId, kRestartNow, kRestartLater}};
     ForEveryDialog([&](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
@@ -190,40 +202,113 @@ TEST(ProgressDialogTemplate, NothingThatIsShownTogetherOverlaps)
     });
 }
 
-TEST(ProgressDialogTemplate, EveryCaptionFitsItsButton)
+TEST(ProgressDialogTemplate, TheActivityBarStartsHiddenAndMovesByItself)
 {
-    const DialogFont font;
-    ForEveryDialog([&](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
-        for (const TemplateControl& control : dialog.controls) {
-            if (control.classAtom == kButtonClass) {
-                constexpr int kBorder = 8; // pixels on both sides together
-                EXPECT_FALSE(control.text.empty()) << control.id;
-                const LONG width = font.Measure(control.text, 0, DT_SINGLELINE).cx;
-                EXPECT_GT(width, 0);
-                EXPECT_LE(width + kBorder, font.PixelsAcross(control.width)) << control.id;
-            }
-        }
+    ForEveryDialog([](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
+        const TemplateControl& bar = Control(dialog, kActivity);
+        EXPECT_EQ(lstrcmpiW(bar.className.c_str(), L"msctls_progress32"), 0);
+        constexpr uint32_t kMarquee = 8;
+        EXPECT_EQ(bar.style & (WS_VISIBLE | kMarquee), kMarquee);
     });
 }
 
-TEST(ProgressDialogTemplate, EveryTextFitsTheStatusArea)
+TEST(ProgressDialogTemplate, TheTabKeyGoesFromTheFirstButtonToTheLast)
 {
-    const DialogFont font;
-    ForEveryDialog([&](const TextLibrary& library, const Language& language, const DialogTemplate& dialog) {
-        const TemplateControl& area = Control(dialog, kStatusText);
-        for (const uint32_t id : library.TextIds(language.id)) {
-            const std::wstring advice = id == 1 ? library.Text(language.id, 20).value_or(L"") : L"";
-            const SIZE size = font.Measure(library.Text(language.id, id).value_or(L"") + advice,
-                                           font.PixelsAcross(area.width), DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
-            EXPECT_GT(size.cy, 0) << id;
-            EXPECT_LE(size.cy, font.PixelsDown(area.height)) << id;
+    ForEveryDialog([](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
+        std::vector<uint32_t> order;
+        for (const TemplateControl& control : dialog.controls) {
+            if ((control.style & WS_TABSTOP) != 0) {
+                order.push_back(control.id);
+            }
         }
+        EXPECT_THAT(order,
+                    testing::ElementsAre(uint32_t{IDOK}, uint32_t{IDCANCEL}, kFinish, kRestartNow, kRestartLater));
     });
+}
+
+TEST(ProgressDialogTemplate, NoTwoButtonsShareTheirAccessKey)
+{
+    ForEveryDialog([](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
+        std::vector<std::wstring> keys;
+        for (const TemplateControl& control : dialog.controls) {
+            const std::size_t mark = control.text.find(L'&');
+            if (mark == std::wstring::npos) {
+                continue;
+            }
+            ASSERT_EQ(control.text.find(L'&', mark + 1), std::wstring::npos) << control.id;
+            std::wstring key = control.text.substr(mark + 1, 1);
+            // A key that every keyboard of the language has without a second one.
+            EXPECT_TRUE(key.at(0) < 0x80 && iswalpha(key[0]) != 0) << control.id;
+            CharUpperW(key.data());
+            EXPECT_THAT(keys, testing::Not(testing::Contains(key))) << control.id;
+            keys.push_back(key);
+        }
+        // Both restart buttons have one: the mouse may be what has no driver yet.
+        EXPECT_EQ(keys.size(), 2U);
+    });
+}
+
+TEST(ProgressDialogTemplate, EveryCaptionFitsItsButtonOnEveryScale)
+{
+    for (const int percent : kScales) {
+        SCOPED_TRACE(percent);
+        const DialogFont font(percent);
+        ForEveryDialog([&](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
+            for (const TemplateControl& control : dialog.controls) {
+                if (control.classAtom == kButtonClass) {
+                    constexpr int kBorder = 8; // pixels on both sides together
+                    EXPECT_FALSE(control.text.empty()) << control.id;
+                    const LONG width = font.Measure(control.text, 0, DT_SINGLELINE).cx;
+                    EXPECT_GT(width, 0);
+                    EXPECT_LE(width + kBorder, font.PixelsAcross(control.width)) << control.id;
+                }
+            }
+        });
+    }
+}
+
+TEST(ProgressDialogTemplate, EveryTextFitsTheStatusAreaOnEveryScale)
+{
+    for (const int percent : kScales) {
+        SCOPED_TRACE(percent);
+        const DialogFont font(percent);
+        ForEveryDialog([&](const TextLibrary& library, const Language& language, const DialogTemplate& dialog) {
+            const TemplateControl& area = Control(dialog, kStatusText);
+            for (const uint32_t id : library.TextIds(language.id)) {
+                const std::wstring advice = id == 1 ? library.Text(language.id, 20).value_or(L"") : L"";
+                const SIZE size =
+                    font.Measure(library.Text(language.id, id).value_or(L"") + advice, font.PixelsAcross(area.width),
+                                 DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
+                EXPECT_GT(size.cy, 0) << id;
+                EXPECT_LE(size.cy, font.PixelsDown(area.height)) << id;
+            }
+        });
+    }
+}
+
+TEST(ProgressDialogTemplate, TheLongestDeviceNameFitsTheStatusArea)
+{
+    constexpr std::size_t kLongestText = 259;
+    std::wstring name;
+    while (name.size() < kLongestText) {
+        name += L"Norda Server Adapter ";
+    }
+    for (const int percent : kScales) {
+        SCOPED_TRACE(percent);
+        const DialogFont font(percent);
+        ForEveryDialog([&](const TextLibrary&, const Language&, const DialogTemplate& dialog) {
+            const TemplateControl& area = Control(dialog, kStatusText);
+            const SIZE size = font.Measure(name, font.PixelsAcross(area.width), DT_WORDBREAK | DT_NOPREFIX);
+            EXPECT_LE(size.cy, font.PixelsDown(area.height));
+        });
+    }
 }
 
 TEST(ProgressDialogTemplate, TheSystemMakesTheDialogWithTheProgramsClass)
 {
     const TextLibrary library;
+    const INITCOMMONCONTROLSEX controls{sizeof(INITCOMMONCONTROLSEX), ICC_PROGRESS_CLASS};
+    ASSERT_TRUE(InitCommonControlsEx(&controls));
     WNDCLASSA windowClass{};
     windowClass.style = CS_VREDRAW | CS_HREDRAW | CS_NOCLOSE;
     windowClass.lpfnWndProc = DefDlgProcA;
@@ -235,7 +320,7 @@ TEST(ProgressDialogTemplate, TheSystemMakesTheDialogWithTheProgramsClass)
     const HWND dialog = CreateDialogParamA(library.Module(), MAKEINTRESOURCEA(101), nullptr, procedure, 0);
     ASSERT_NE(dialog, nullptr) << GetLastError();
     EXPECT_FALSE(IsWindowVisible(dialog));
-    for (const int id : {1000, 1, 2, 1002, 1004, 1007}) {
+    for (const int id : {1000, 1, 2, 1002, 1004, 1007, 1010}) {
         EXPECT_NE(GetDlgItem(dialog, id), nullptr) << id;
     }
     EXPECT_TRUE(DestroyWindow(dialog));

@@ -92,7 +92,7 @@ TemplateControl ReadControl(ResourceReader& reader)
     control.width = reader.Read<int16_t>();
     control.height = reader.Read<int16_t>();
     control.id = reader.Read<uint32_t>();
-    reader.ReadNameOrNumber(control.classAtom);
+    control.className = reader.ReadNameOrNumber(control.classAtom);
     uint16_t textNumber = 0;
     control.text = reader.ReadNameOrNumber(textNumber);
     reader.Skip(reader.Read<uint16_t>()); // creation data

@@ -35,7 +35,8 @@ struct TemplateControl
     int16_t width = 0;
     int16_t height = 0;
     uint32_t id = 0;
-    uint16_t classAtom = 0; ///< 0x0080 button, 0x0082 static
+    uint16_t classAtom = 0; ///< 0x0080 button, 0x0082 static, 0 for a class with a name
+    std::wstring className;
     std::wstring text;
 };
 

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "DebugOutput.h"
+#include "HandleCount.h"
 #include "InfFiles.h"
 #include "InfReader.h"
 #include "LocationInfo.h"
@@ -248,6 +249,50 @@ TEST_F(InfSearch, AnotherSignatureIsTracedAndSkipped)
         ElementsAre("processing: tav1.inf\n", "Entering - IsFileUnicode", "file is not Unicode\n",
                     "signature section match for this OS not found\n", "done processing infs in this directory\n"));
     EXPECT_TRUE(Find("Windows 98"));
+}
+
+TEST_F(InfSearch, ASignatureBehind99CharactersIsCut)
+{
+    const auto write = [this](const std::string& signature) {
+        WriteInf("tav1.inf", With(QualifiedInf(kKey), "\"$Windows NT$\"", signature));
+    };
+    const std::string longest(99, 's');
+    write(longest);
+    EXPECT_TRUE(InfQualifies(Drivers() + "tav1.inf", longest));
+    write(longest + "and more");
+    EXPECT_TRUE(InfQualifies(Drivers() + "tav1.inf", longest));
+    EXPECT_FALSE(InfQualifies(Drivers() + "tav1.inf", longest + "and more"));
+}
+
+TEST_F(InfSearch, ABrandBehind499CharactersOfTheValueIsNotSeen)
+{
+    const auto withBrandFrom = [this](std::size_t place) {
+        WriteInf("tav1.inf", With(QualifiedInf(kKey), "=Norda,NTamd64", "=" + std::string(place - 1, 'x') + ",Norda"));
+        return InfQualifies(Drivers() + "tav1.inf", "$Windows NT$");
+    };
+    EXPECT_TRUE(withBrandFrom(494)) << "ends with character 499";
+    EXPECT_FALSE(withBrandFrom(495));
+}
+
+TEST_F(InfSearch, OneSearchHandleStaysOpenPerDirectory)
+{
+    // The searches end with a match: one that has come to its end may hold no handle of the system any more.
+    const std::string second = m_directory.At("Drv2\\");
+    WriteInf("tav1.inf", QualifiedInf(kKey));
+    WriteFileBytes(second + "tav1.inf", QualifiedInf(kKey));
+    CopiedInfList.names = {"tav1.inf"};
+    const auto search = [this](const std::string& directory) {
+        return GetInfFile(kKey, directory, RecordOf("Windows Vista"), m_infPath.data(), {});
+    };
+    // What the first search sets up for the life of the process does not count.
+    EXPECT_TRUE(search(Drivers()));
+    const unsigned before = CountOwnHandles();
+    EXPECT_TRUE(search(Drivers()));
+    EXPECT_EQ(CountOwnHandles(), before + 1);
+    EXPECT_TRUE(search(second));
+    EXPECT_EQ(CountOwnHandles(), before + 2);
+    EXPECT_FALSE(search(m_directory.At("none")));
+    EXPECT_EQ(CountOwnHandles(), before + 2) << "a search that could not start leaves nothing";
 }
 
 TEST_F(InfSearch, SignaturesIgnoreLetterCase)

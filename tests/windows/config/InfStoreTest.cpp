@@ -3,33 +3,41 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include <array>
-
 #include "ChildProcess.h"
 #include "DebugOutput.h"
+#include "EntryPoints.h"
 #include "Handles.h"
 #include "InfFiles.h"
 #include "ScratchDirectory.h"
 #include "StoredInfs.h"
+#include "SystemText.h"
 
 using testing::ElementsAre;
 using testing::SizeIs;
 using testing::StartsWith;
 
 namespace {
-std::string SystemText(DWORD error)
-{
-    std::array<char, 512> text{};
-    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0x400, text.data(),
-                   text.size(), nullptr);
-    return text.data();
-}
-
 class InfStore : public testing::Test
 {
 protected:
     InfStore() { CopiedInfList = {}; }
     ~InfStore() override { CopiedInfList = {}; }
+
+    /// @return what the platform leaves as the last error when it has stored an INF.
+    static DWORD LastErrorOfAStoredInf()
+    {
+        const ScratchDirectory directory;
+        const StoredInfs storedUntilHere;
+        const std::string inf = directory.At("tav0.inf");
+        WriteFileBytes(inf, QualifiedInf("VEN_5D1A&DEV_7A00"));
+        const UniqueLibrary library(LoadLibraryA("setupapi.dll"));
+        const auto copyInf = FindEntry<SetupCopyOEMInfFn>(library.get(), "SetupCopyOEMInfA");
+        const BOOL stored = copyInf(inf.c_str(), directory.Path().c_str(), SPOST_PATH, SP_COPY_NOOVERWRITE, nullptr, 0,
+                                    nullptr, nullptr);
+        const DWORD error = GetLastError();
+        EXPECT_NE(stored, FALSE);
+        return error;
+    }
 
     ScratchDirectory m_directory;
     StoredInfs m_stored;
@@ -41,6 +49,7 @@ TEST_F(InfStore, AnInfIsStoredAndTheLastErrorTracedAfterTheSuccess)
     const std::string inf = m_directory.At("tav1.inf");
     const std::string content = QualifiedInf("VEN_5D1A&DEV_7A01");
     WriteFileBytes(inf, content);
+    const DWORD errorOfASuccess = LastErrorOfAStoredInf();
     TraceCapture trace;
     EXPECT_EQ(SetupCopyInf(inf, m_directory.Path() + "\\"), 1);
 
@@ -56,6 +65,7 @@ TEST_F(InfStore, AnInfIsStoredAndTheLastErrorTracedAfterTheSuccess)
     EXPECT_THAT(messages[3], StartsWith(done));
     EXPECT_EQ(lstrcmpiA(messages[3].substr(done.size()).c_str(), stored.front().c_str()), 0) << messages[3];
     EXPECT_EQ(messages[4], "Entering - PrintGetLastErrorMessage");
+    EXPECT_EQ(messages[5], SystemText(errorOfASuccess));
 }
 
 TEST_F(InfStore, ARefusedInfIsTracedWithTheReasonAndStillCountsAsCalled)

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <array>
-#include <vector>
 
 #include "ChildProcess.h"
 #include "DebugOutput.h"
@@ -61,38 +60,5 @@ TEST(GetOSLanguageID, AsksEveryGenerationOfSystemsForItsDefaultLanguage)
         EXPECT_EQ(report.At("id"), std::to_string(expected.id)) << version;
         EXPECT_EQ(report.At("code"), expected.code3) << version;
         EXPECT_THAT(report.trace, ElementsAre("Entering - GetOSLanguageID")) << version;
-    }
-}
-
-TEST(LanguageAnswer, GivesCodeAndIdentifierOfEachLanguage)
-{
-    struct Row
-    {
-        uint16_t system;
-        uint16_t id;
-        std::string code;
-    };
-    for (const Row& row : std::vector<Row>{{0x0804, 0x0804, "CHS"},
-                                           {0x1004, 0x1004, "CHS"},
-                                           {0x0404, 0x0404, "CHT"},
-                                           {0x0C04, 0x0C04, "CHT"},
-                                           {0x1404, 0x1404, "CHT"},
-                                           {0x1804, 0, ""},
-                                           {0x0C07, 1031, "DEU"},
-                                           {0x0809, 1033, "ENU"},
-                                           {0x040A, 3082, "ESN"},
-                                           {0x0C0C, 1036, "FRA"},
-                                           {0x0810, 1040, "ITA"},
-                                           {0x0411, 0x0411, "JPN"},
-                                           {0x0412, 0x0412, "KOR"},
-                                           {0x0816, 1046, "PTB"},
-                                           {0x0415, 0, ""},
-                                           {0xFFFF, 0, ""}}) {
-        std::array<char, 260> code{};
-        code.fill('x');
-        EXPECT_EQ(LanguageAnswer(row.system, code.data(), code.size()), row.id) << row.system;
-        EXPECT_EQ(std::string(code.data()), row.code) << row.system;
-        EXPECT_EQ(LanguageAnswer(row.system, nullptr, 0), row.id) << row.system;
-        EXPECT_EQ(LanguageAnswer(row.system, code.data(), 3), row.system) << row.system;
     }
 }

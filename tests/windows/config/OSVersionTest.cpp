@@ -6,6 +6,7 @@
 
 #include "ChildProcess.h"
 #include "DebugOutput.h"
+#include "MachineKeyOverride.h"
 #include "OSPredicates.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
@@ -352,6 +353,14 @@ TEST(IsNT4TerminalServer, NeedsAMultiStringWithExactlyThatEntry)
     EXPECT_TRUE(IsNT4TerminalServerOn(osWINNT4));
     EXPECT_FALSE(IsNT4TerminalServerOn(osWIN2K));
     EXPECT_FALSE(IsNT4TerminalServerOn(osUNSUPPORTED));
+}
+
+TEST(IsNT4TerminalServer, IsFalseOnAMachineWithoutProductOptions)
+{
+    const MachineKeyOverride emptyMachine;
+    EXPECT_FALSE(IsNT4TerminalServerOn(osWINNT4));
+    SetRegistryList(kProductOptions, "ProductSuite", {"Terminal Server"});
+    EXPECT_TRUE(IsNT4TerminalServerOn(osWINNT4)) << "the key is looked for elsewhere";
 }
 
 TEST(IsNT4TerminalServer, ReadsAListWithoutTerminators)

@@ -78,6 +78,14 @@ TEST_F(SetupIni, LevelsToRootIsZeroWhenMissing)
     EXPECT_EQ(GetLevelsToRootFromINI(), 0) << "no key";
 }
 
+TEST_F(SetupIni, LevelsToRootIsReadInto260Characters)
+{
+    WriteIni("[Config]\r\nLevelsToRoot=" + std::string(257, '0') + "12\r\n");
+    EXPECT_EQ(GetLevelsToRootFromINI(), 12) << "259 characters and their terminator";
+    WriteIni("[Config]\r\nLevelsToRoot=" + std::string(258, '0') + "12\r\n");
+    EXPECT_EQ(GetLevelsToRootFromINI(), 1) << "the last digit is cut";
+}
+
 TEST_F(SetupIni, SectionAndKeyNamesIgnoreLetterCase)
 {
     WriteIni("[CONFIG]\r\nlevelstoroot= 1 \r\n");
@@ -206,6 +214,25 @@ TEST_F(SetupIni, ASectionThatFitsIsReadOnce)
     std::vector<std::string> expected{"Entering - ReadInfDirsFromIni"};
     expected.insert(expected.end(), 12, "Entering - ResolvePah");
     EXPECT_EQ(trace.Messages(), expected);
+}
+
+TEST_F(SetupIni, ASectionOf257CharactersIsReadOnceAndOneOf258Twice)
+{
+    const std::string rest = DirectoryLines(11, 10); // 231 characters with their terminators
+    for (const std::size_t length : {257U, 258U, 259U}) {
+        const std::string last(length - 231 - std::string("InfDir=X:\\").size() - 1, 'l');
+        WriteIni("[Win732E]\r\n" + rest + "InfDir=X:\\" + last + "\r\n");
+        TraceCapture trace;
+        const std::vector<std::string> dirs = DirsOf("Win732E");
+        ASSERT_EQ(dirs.size(), 12U) << length;
+        EXPECT_EQ(dirs.back(), "X:\\" + last + "\\") << length;
+        std::vector<std::string> expected{"Entering - ReadInfDirsFromIni"};
+        if (length >= 258) {
+            expected.emplace_back("GetPrivateProfileSection() increasing size of section buffer\n");
+        }
+        expected.insert(expected.end(), 12, "Entering - ResolvePah");
+        EXPECT_EQ(trace.Messages(), expected) << length;
+    }
 }
 
 TEST_F(SetupIni, ExcludedFilesComeAsWritten)

@@ -3,12 +3,15 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 
 #include "DebugOutput.h"
+#include "Handles.h"
 #include "LocationInfo.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
+#include "SystemText.h"
 #include "TestFiles.h"
 
 using testing::Contains;
@@ -27,8 +30,37 @@ std::string FallbackDirectory()
     return windows.data() + std::string(R"(\INSTALL)");
 }
 
+std::string CurrentDirectory()
+{
+    std::array<char, MAX_PATH> directory{};
+    GetCurrentDirectoryA(MAX_PATH, directory.data());
+    return directory.data();
+}
+
+/// The names that a search of the directory returns, in its order, "." and ".." among them.
+std::vector<std::string> EntriesOf(const std::string& directory)
+{
+    std::vector<std::string> names;
+    WIN32_FIND_DATAA entry{};
+    const UniqueSearch search(FindFirstFileA((directory + "*").c_str(), &entry));
+    for (bool found = search.IsOpen(); found; found = FindNextFileA(search.Get(), &entry) != FALSE) {
+        names.emplace_back(entry.cFileName);
+    }
+    return names;
+}
+
+/// The lines of a copy that the platform refuses, with the reason that it gives.
+std::vector<std::string> FailedCopyLines(const std::string& source, const std::string& destination)
+{
+    EXPECT_FALSE(CopyFileA(source.c_str(), destination.c_str(), FALSE)) << source;
+    const DWORD error = GetLastError();
+    return {"src: " + source + "\ndst: " + destination + "\n", "Entering - PrintGetLastErrorMessage",
+            SystemText(error)};
+}
+
 void RemoveFallbackDirectory()
 {
+    DeleteFileA(FallbackDirectory().c_str());
     for (const char* name : {"driver.sys", "driver.inf", "one.txt"}) {
         DeleteFileA((FallbackDirectory() + "\\" + name).c_str());
     }
@@ -137,6 +169,50 @@ TEST_F(Staging, FailedCopiesAreRepeatedIntoTheFallback)
                 Contains("src: " + m_kit.At(R"(DrvA\driver.sys)") + "\ndst: " + Cab("driver.sys") + "\n"));
 }
 
+TEST_F(Staging, AFailedCopyIsTracedWithItsReason)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    TraceCapture trace;
+    EXPECT_EQ(0, CopyAllFiles(m_kit.At("DrvA\\"), m_target.At("nowhere\\")));
+    const std::vector<std::string> messages = trace.Messages();
+    const auto failure = std::ranges::find(
+        messages, "src: " + m_kit.At(R"(DrvA\driver.sys)") + "\ndst: " + m_target.At(R"(nowhere\driver.sys)") + "\n");
+    ASSERT_LT(2, messages.end() - failure);
+    EXPECT_THAT(std::vector(failure + 1, failure + 3),
+                ElementsAre("Entering - PrintGetLastErrorMessage", SystemText(ERROR_PATH_NOT_FOUND)));
+}
+
+TEST_F(Staging, TheWholeTraceOfAFallback)
+{
+    WriteFileBytes(m_kit.At("Morvix.ini"), "[WinXP32]\r\nInfDir=DrvA\r\n");
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    RemoveDirectoryA(Cab("").c_str());
+    const std::string source = m_kit.At("DrvA\\");
+    std::vector<std::string> expected{"Enter -> CopyFilesToCabDir\n", "cab dir: " + Cab("") + "\n"};
+    const auto append = [&expected](const std::vector<std::string>& lines) {
+        expected.insert(expected.end(), lines.begin(), lines.end());
+    };
+    const auto appendSearchAndCopies = [&](const std::string& target, const std::vector<std::string>& linesOfTheFile) {
+        append({"Entering - GetInfDirs", "reading ini file for candidate directories\n", "osWINXP32 detected\n",
+                "Entering - ReadInfDirsFromIni", "Entering - ResolvePah", "Entering - GetLevelsToRootFromINI",
+                "Entering - ReadInfExcludeFilesFromINI", "INFs to exclude:", "infdirs: [" + source + "] \n",
+                "Entering - CopyAllFiles"});
+        for (const std::string& name : EntriesOf(source)) {
+            append(name == "driver.sys" ? linesOfTheFile : FailedCopyLines(source + name, target + name));
+        }
+        append({"Found all of the files\n"});
+    };
+
+    TraceCapture trace;
+    CopyFilesToCabDirFor(osWINXP32);
+    appendSearchAndCopies(Cab(""), {"src: " + source + "driver.sys\ndst: " + Cab("driver.sys") + "\n",
+                                    "Entering - PrintGetLastErrorMessage", SystemText(ERROR_PATH_NOT_FOUND)});
+    append({"new cab dir: " + Fallback("") + "\n"});
+    appendSearchAndCopies(Fallback(""), {"copied file to: " + Fallback("driver.sys") + "\n"});
+    append({"Exit -> CopyFilesToCabDir\n"});
+    EXPECT_EQ(expected, trace.Messages());
+}
+
 TEST_F(Staging, ExistingFallbackDirectoryIsNoError)
 {
     CreateDirectoryA(FallbackDirectory().c_str(), nullptr);
@@ -190,7 +266,39 @@ TEST_F(Staging, HelperIsRunOnWindows98AfterTheCopiesAndNotOnWindowsMe)
     const auto exit = std::ranges::find(messages, "Exit -> Win98InfNotAvail\n");
     const auto launch = std::ranges::find(messages, "Entering - LaunchAppandWait");
     EXPECT_LT(exit, launch) << "the exit is traced before the launch";
-    EXPECT_NE(messages.end(), launch);
+    ASSERT_NE(messages.end(), launch);
+
+    // The second search for directories, with its result, comes before the helper is thought of.
+    const auto enter = std::ranges::find(messages, "Enter -> Win98InfNotAvail\n");
+    ASSERT_LT(enter, exit);
+    const auto newCabDirectory = std::find(messages.begin(), enter, "new cab dir: " + Fallback("") + "\n");
+    ASSERT_NE(newCabDirectory, enter);
+    EXPECT_THAT(std::vector(newCabDirectory + 1, enter),
+                ElementsAre("Entering - GetInfDirs", "reading ini file for candidate directories\n",
+                            "unsupported os detected\n", "infdirs: \n"));
+}
+
+TEST_F(Staging, Win98InfNotAvailAnswersWhatTheLaunchAnswered)
+{
+    EXPECT_EQ(-1, Win98InfNotAvail(Cab(""))) << "no helper";
+    CopyFileTo(TestFile("command_line_recorder.exe"), m_kit.At("Rundll.exe"));
+    EXPECT_EQ(0, Win98InfNotAvail(Cab(""))) << "the helper's own exit code, 7, does not count";
+    EXPECT_THAT(ReadFileBytes(m_kit.At("Rundll.exe.journal.txt")),
+                HasSubstr("command line: Rundll.exe Inst98.dll,EntryPoint noID " + Cab("") + "\n"));
+}
+
+TEST_F(Staging, TheProgramsDirectoryInItsShortFormIsTheCurrentOne)
+{
+    const std::string directory = m_kit.At("a program directory with a long name");
+    CreateDirectoryA(directory.c_str(), nullptr);
+    LocationInfo.programName = directory + R"(\Morvix.exe)";
+    std::array<char, MAX_PATH> shortForm{};
+    ASSERT_NE(0U, GetShortPathNameA(directory.c_str(), shortForm.data(), MAX_PATH));
+    ASSERT_NE(directory, shortForm.data()) << "this disk has no short names";
+    TraceCapture trace;
+    Win98InfNotAvail(Cab(""));
+    EXPECT_EQ(shortForm.data(), CurrentDirectory());
+    EXPECT_THAT(trace.Messages(), Contains("current directory:  " + std::string(shortForm.data()) + "\n"));
 }
 
 TEST_F(Staging, DirectoriesAmongTheEntriesFailToCopyAndTheFilesAreCopiedAllTheSame)
@@ -222,4 +330,55 @@ TEST_F(Staging, LargeDirectoriesAreCopiedWhole)
         missing += FileExists(Cab("f" + std::to_string(i) + ".dat")) ? 0 : 1;
     }
     EXPECT_EQ(0, missing);
+}
+
+TEST_F(Staging, TargetThatIsDeniedIsTracedWithItsReasonAndTheNextFileIsCopied)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "new");
+    WriteFileBytes(m_kit.At(R"(DrvA\one.txt)"), "1");
+    WriteFileBytes(Cab("driver.sys"), "old");
+    // Somebody else has it open and shares it with nobody.
+    const UniqueFile holder(
+        CreateFileA(Cab("driver.sys").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(holder.IsOpen());
+    TraceCapture trace;
+    CopyFilesToCabDirFor(osWINXP32);
+    const std::vector<std::string> messages = trace.Messages();
+    const auto failure =
+        std::ranges::find(messages, "src: " + m_kit.At(R"(DrvA\driver.sys)") + "\ndst: " + Cab("driver.sys") + "\n");
+    ASSERT_LT(failure, messages.end() - 2);
+    EXPECT_EQ("Entering - PrintGetLastErrorMessage", *(failure + 1));
+    EXPECT_EQ(SystemText(ERROR_SHARING_VIOLATION), *(failure + 2));
+    EXPECT_TRUE(FileExists(Cab("one.txt")));
+    EXPECT_FALSE(FileExists(FallbackDirectory()));
+}
+
+TEST_F(Staging, WhenEveryTargetIsDeniedEveryDirectoryIsCopiedAgainIntoTheFallback)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    WriteFileBytes(m_kit.At(R"(DrvB\driver.inf)"), "inf");
+    // A directory in the place of each file.
+    CreateDirectoryA(Cab("driver.sys").c_str(), nullptr);
+    CreateDirectoryA(Cab("driver.inf").c_str(), nullptr);
+    TraceCapture trace;
+    CopyFilesToCabDirFor(osWINXP32);
+    EXPECT_EQ("driver", ReadFileBytes(Fallback("driver.sys")));
+    EXPECT_EQ("inf", ReadFileBytes(Fallback("driver.inf")));
+    EXPECT_THAT(trace.Messages(),
+                Contains("src: " + m_kit.At(R"(DrvB\driver.inf)") + "\ndst: " + Cab("driver.inf") + "\n"));
+}
+
+TEST_F(Staging, WhenTheFallbackCannotBeMadeEitherTheStagingStillEnds)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    RemoveDirectoryA(Cab("").c_str());
+    // A file in the place of the directory.
+    WriteFileBytes(FallbackDirectory(), "");
+    TraceCapture trace;
+    CopyFilesToCabDirFor(osWINXP32);
+    DeleteFileA(FallbackDirectory().c_str());
+    const std::vector<std::string> messages = trace.Messages();
+    EXPECT_THAT(messages,
+                Contains("src: " + m_kit.At(R"(DrvA\driver.sys)") + "\ndst: " + Fallback("driver.sys") + "\n"));
+    EXPECT_EQ("Exit -> CopyFilesToCabDir\n", messages.back());
 }

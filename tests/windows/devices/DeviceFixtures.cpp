@@ -22,25 +22,6 @@ SimulatedDevice::SimulatedDevice(const std::string& keyName,
     }
 }
 
-MachineKeyOverride::MachineKeyOverride()
-{
-    HKEY key = nullptr;
-    if (RegCreateKeyA(HKEY_CURRENT_USER, kUserKey, &key) != ERROR_SUCCESS ||
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, key) != ERROR_SUCCESS) {
-        throw std::runtime_error("HKEY_LOCAL_MACHINE cannot be led elsewhere");
-    }
-    RegCloseKey(key);
-}
-
-MachineKeyOverride::~MachineKeyOverride()
-{
-    for (const std::string& name : RegistrySubKeys("")) {
-        DeleteRegistryTree(name);
-    }
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-    RegDeleteKeyA(HKEY_CURRENT_USER, kUserKey);
-}
-
 InfKit::InfKit(const std::vector<std::string>& directories) : m_directories(directories), m_savedLocation(LocationInfo)
 {
     LocationInfo.setupDir = m_scratch.Path();

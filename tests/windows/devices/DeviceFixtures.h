@@ -12,12 +12,13 @@
 #include "DebugOutput.h"
 #include "DriverInstallRecord.h"
 #include "LocationInfo.h"
+#include "MachineKeyOverride.h"
 #include "NetInst.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
 
-/// What the tests of the device room share: simulated PCI devices, kits of INF files, a recording driver-install
-/// interface.
+/// What the tests of the device room share: simulated PCI devices, kits of INF files, an install that records its
+/// calls.
 
 inline constexpr char kPciKey[] = R"(SYSTEM\CurrentControlSet\Enum\PCI)";
 inline constexpr char kEthernetId[] = R"(PCI\VEN_5D1A&CC_020000)";
@@ -36,18 +37,6 @@ public:
 
 private:
     ScratchRegistryKey m_key;
-};
-
-/// Leads HKEY_LOCAL_MACHINE of this process to an empty key for the life of the object, for keys that a test cannot
-/// take away from the machine or cannot add to it. The test's own short forms follow.
-class MachineKeyOverride
-{
-public:
-    static constexpr char kUserKey[] = R"(Software\MorvixDeviceTests)";
-    MachineKeyOverride();
-    ~MachineKeyOverride();
-    MachineKeyOverride(const MachineKeyOverride&) = delete;
-    MachineKeyOverride& operator=(const MachineKeyOverride&) = delete;
 };
 
 /// A program directory with a setup INI and INF files. While it lives, LocationInfo names it. The run's state is that

@@ -37,7 +37,7 @@ protected:
     }
     void Install(RecordingInstall& install)
     {
-        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, nullptr);
+        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
     }
 
     ScratchRegistryKey m_results{kBasedriversKey};
@@ -106,7 +106,7 @@ TEST_F(DeviceInstall, TheDialogShowsTheDevicesDescription)
     Describe("Norda 10G %s Adapter");
     RecordingInstall install;
     install.duringCall = [&dialog] { EXPECT_EQ(dialog.Text(), "Installing Norda 10G %s Adapter now"); };
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
     EXPECT_EQ(install.calls.size(), 1U);
 }
 
@@ -117,7 +117,7 @@ TEST_F(DeviceInstall, AResourceTextWithWrongPlaceholdersIsOnlyShown)
     ASSERT_TRUE(dialog.Exists());
     Describe("Norda");
     RecordingInstall install;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
     EXPECT_EQ(dialog.Text(), "%n%n Norda %s %d");
 }
 
@@ -128,7 +128,7 @@ TEST_F(DeviceInstall, TheDialogTextHasAtMost259Characters)
     ASSERT_TRUE(dialog.Exists());
     Describe(std::string(259, 'x'));
     RecordingInstall install;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, dialog.Get());
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
     EXPECT_EQ(dialog.Text(), "Installing " + std::string(248, 'x'));
 }
 
@@ -154,6 +154,20 @@ TEST_F(DeviceInstall, TheSourcePathIsPlainTextAndLeavesOtherValuesAlone)
     EXPECT_EQ(value->type, DWORD{REG_SZ});
     EXPECT_EQ(value->bytes, std::string(kInf) + '\0');
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Other"), "kept");
+}
+
+TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeHadDoesNotStopTheInstall)
+{
+    const MachineKeyOverride emptyMachine;
+    // Below a key that lasts only until the next start, no lasting key can be created.
+    CreateVolatileRegistryKey(R"(Software\Norda)");
+    RecordingInstall install({.status = kDeviceExists, .lastError = 0});
+    Install(install);
+    ASSERT_EQ(install.calls.size(), 1U);
+    EXPECT_EQ(install.calls[0].infPath, kInf);
+    EXPECT_EQ(install.calls[0].sourcePath, "<none>");
+    EXPECT_FALSE(RegistryKeyExists(kBasedriversKey));
+    EXPECT_EQ(DevicePassState.installFailed, 1U) << "the answer counts all the same";
 }
 
 TEST_F(DeviceInstall, StatusAndLastErrorAreTracedInHexadecimal)
@@ -215,7 +229,7 @@ TEST_F(DeviceInstall, ARememberedErrorIsReportedAsFailureAndThenForgotten)
 TEST_F(DeviceInstall, WithoutAnInterfaceTheInstallFailsInADefinedWay)
 {
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, nullptr, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, nullptr, nullptr);
     EXPECT_THAT(trace.Messages(), Contains(" 2K/XP UpdateDriver() returned: 80004003 ---> GetLastError = 57\n"));
     EXPECT_EQ(DevicePassState.installFailed, 0U);
 }
@@ -244,7 +258,7 @@ TEST_F(DeviceInstall, TheMilleniumRouteUsesTheDriverUpdateOnly)
     // What the platform makes of a device that it does not have is its own.
     const std::vector<std::string> updateLines = TraceOf(trace, [] { UpdateDriver(kInf, kHardwareId); });
     ASSERT_EQ(updateLines.size(), 1U);
-    InstallMatchedDevice(InstallRoute::DriverUpdate, m_record, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverUpdate, m_record, kDevice, &install, nullptr);
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
                             "ME install: " + std::string(kHardwareId) + ", " + kInf + "\n", updateLines[0]));
@@ -256,7 +270,7 @@ TEST_F(DeviceInstall, TheLegacyRouteUsesTheLegacyInstallerOnly)
     const MachineKeyOverride emptyMachine;
     RecordingInstall install;
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::LegacyInstaller, m_record, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::LegacyInstaller, m_record, kDevice, &install, nullptr);
     EXPECT_THAT(
         trace.Messages(),
         ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
@@ -268,8 +282,8 @@ TEST_F(DeviceInstall, TheLegacyRouteUsesTheLegacyInstallerOnly)
 
 TEST_F(DeviceInstall, TheOlderFamiliesWalkTheirOwnKeyAndNeedNoInterface)
 {
-    // The walk reads "Enum\PCI"; the compatible IDs come from the NT key on the millennium edition and are not read
-    // on 98.
+    // The walk reads "Enum\PCI"; the compatible IDs come from the NT key on the millennium edition, on 98 they are not
+    // read.
     const MachineKeyOverride emptyMachine;
     m_kit.Add("Drv", "other.inf", kDevice, "Norda", "$Chicago$");
     CreateRegistryKey("Enum\\PCI\\" + std::string(kDevice));

@@ -9,6 +9,7 @@
 
 #include "DeviceFixtures.h"
 #include "DevicePassState.h"
+#include "EnumerationEnd.h"
 #include "InfSearch.h"
 #include "ResultKeys.h"
 
@@ -411,10 +412,24 @@ TEST_F(DevicePass, AKeyDeletedDuringTheWalkEndsIt)
         statusAfterDeletion = RegEnumKeyExA(key, 1, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
         RegCloseKey(key);
     };
+    TraceCapture trace;
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(m_install.calls.size(), 1U);
     EXPECT_NE(statusAfterDeletion, ERROR_NO_MORE_ITEMS) << "the walk had no error to get over";
     EXPECT_NE(statusAfterDeletion, ERROR_SUCCESS);
+
+    // Each error is a visit of a device without a name, until there are too many of them.
+    std::vector<std::string> visits;
+    for (uint32_t error = 0; error < EnumerationEnd::kMaxErrorsInARow; ++error) {
+        Append(visits,
+               {"Enter -> IsNordaNetworkDevice()\n", std::string(kPciKey) + "\\", "Exit -> IsNordaNetworkDevice()\n"});
+    }
+    const std::vector<std::string> messages = trace.Messages();
+    const auto first = std::ranges::find(messages, visits[1]);
+    ASSERT_NE(first, messages.end());
+    Append(visits,
+           {"************ finished enumerating registry for devices\n", "Exit -> EnumerateRegistryForPCIDevices()\n"});
+    EXPECT_EQ(std::vector(first - 1, messages.end()), visits);
 }
 
 TEST_F(DevicePass, TheWalkTracesNothingWhileTheTraceIsOff)

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <fstream>
 
 #include "ConstantLibrary.h"
 #include "DeviceFixtures.h"
@@ -97,27 +98,51 @@ public:
 private:
     ScratchDirectory m_scratch;
 };
+
 struct HelperAnswer
 {
     DWORD result = 0;
-    std::vector<std::string> lines; ///< debugger output
+    std::vector<std::string> lines;   ///< debugger output
+    std::vector<std::string> journal; ///< what a recording double was asked
 };
 
-/// Runs a helper program that has a library of given exports, or of none when it is to find no such library. It is a
-/// new process because a library that is once loaded, as in this one, stays.
-HelperAnswer RunHelper(const std::string& program, const std::string& library, const std::optional<Exports>& exports)
+/// Runs a helper program in `directory`, with the library that lies there or none when it is to find no such library.
+/// It is a new process because a library that is once loaded, as in this one, stays.
+HelperAnswer RunHelperIn(const ScratchDirectory& directory, const std::string& program, const std::string& library)
 {
-    const ScratchDirectory scratch;
-    MakeHelperProgram(scratch.At(program));
-    if (exports) {
-        WriteConstantLibrary(scratch.At(library + ".dll"), *exports);
-    }
-    const LibraryLoading loading(library, exports ? "native" : "");
+    MakeHelperProgram(directory.At(program));
+    const LibraryLoading loading(library, FileExists(directory.At(library + ".dll")) ? "native" : "");
     const ScratchRegistryKey debugKey(R"(SOFTWARE\Norda\Basedrivers\Debug)");
     CreateRegistryKey(debugKey.Path());
     DebugOutput output;
-    const auto [processId, exitCode] = RunToEnd(scratch.At(program));
-    return {.result = exitCode, .lines = output.LinesOf(processId)};
+    const auto [processId, exitCode] = RunToEnd(directory.At(program));
+    HelperAnswer answer{.result = exitCode, .lines = output.LinesOf(processId), .journal = {}};
+    std::ifstream journal(directory.At("journal.txt"));
+    for (std::string line; std::getline(journal, line);) {
+        answer.journal.push_back(line);
+    }
+    return answer;
+}
+
+/// With a library of given exports, or without one.
+HelperAnswer RunHelper(const std::string& program, const std::string& library, const std::optional<Exports>& exports)
+{
+    const ScratchDirectory scratch;
+    if (exports) {
+        WriteConstantLibrary(scratch.At(library + ".dll"), *exports);
+    }
+    return RunHelperIn(scratch, program, library);
+}
+
+/// With the recording double of the library.
+/// @param answers  Lines that tell the double what to answer.
+HelperAnswer RunHelperWithDouble(const std::string& program, const std::string& library,
+                                 const std::string& answers = {})
+{
+    const ScratchDirectory scratch;
+    CopyFileTo(TestFile("doubles\\" + library + ".dll"), scratch.At(library + ".dll"));
+    WriteFileBytes(scratch.At(library + ".answers.ini"), "[Answers]\r\n" + answers + "\r\n");
+    return RunHelperIn(scratch, program, library);
 }
 } // namespace
 
@@ -170,6 +195,22 @@ TEST(UpdateDriver, AnyOtherAnswerIsASuccessAndHandedOn)
     }
 }
 
+TEST(UpdateDriver, AsksForAForcedUpdateWithoutAParentWindowAndWithAClearedRestartIndicator)
+{
+    const HelperAnswer answer = RunHelperWithDouble(kUpdater, "newdev");
+    EXPECT_EQ(answer.result, 1U);
+    EXPECT_THAT(answer.journal, ElementsAre("UpdateDriverForPlugAndPlayDevicesA parent=none id=[" +
+                                            std::string(kUpdatedId) + "] inf=[" + kUpdatedInf + "] flags=1 restart=0"));
+}
+
+TEST(UpdateDriver, ARestartThatThePlatformWantsIsNotReported)
+{
+    const HelperAnswer answer = RunHelperWithDouble(kUpdater, "newdev", "Restart=1");
+    EXPECT_EQ(answer.result, 1U);
+    EXPECT_THAT(answer.lines, ElementsAre("Morvix: drivers upgraded\n"));
+    EXPECT_THAT(answer.journal, testing::SizeIs(1));
+}
+
 TEST(UpdateDriver, WithoutTheEntryPointNothingIsTracedAndZeroAnswered)
 {
     const HelperAnswer answer = RunHelper(kUpdater, "newdev", Exports{{"SomethingElse", 1}});
@@ -177,7 +218,7 @@ TEST(UpdateDriver, WithoutTheEntryPointNothingIsTracedAndZeroAnswered)
     EXPECT_THAT(answer.lines, IsEmpty());
 }
 
-TEST(ScanForHardwareChanges, ADeviceTreeWithoutRootIsNotScannedAndTheLibraryStaysLoaded)
+TEST(ScanForHardwareChanges, ThePlatformsAnswerIsHandedOnAndTheLibraryStaysLoaded)
 {
     TraceCapture trace;
     const int result = ScanForHardwareChanges();
@@ -210,6 +251,21 @@ TEST(ScanForHardwareChanges, WithoutEitherEntryPointItSaysSoAndAnswersZero)
                     ElementsAre("Morvix: ScanForHardwareChanges()\n", "Morvix: error with GetProcAddress\n"))
             << present;
     }
+}
+
+TEST(ScanForHardwareChanges, LocatesTheRootOfTheTreeAndScansAllBelowIt)
+{
+    const HelperAnswer answer = RunHelperWithDouble(kScanner, "cfgmgr32", "Node=4711");
+    EXPECT_EQ(answer.result, 1U);
+    EXPECT_THAT(answer.journal,
+                ElementsAre("CM_Locate_DevNodeA id=none flags=0", "CM_Reenumerate_DevNode node=4711 flags=0"));
+}
+
+TEST(ScanForHardwareChanges, ATreeWhoseRootIsNotLocatedIsNotScanned)
+{
+    const HelperAnswer answer = RunHelperWithDouble(kScanner, "cfgmgr32", "Locate=0x13");
+    EXPECT_EQ(answer.result, 0U);
+    EXPECT_THAT(answer.journal, ElementsAre("CM_Locate_DevNodeA id=none flags=0"));
 }
 
 TEST(ScanForHardwareChanges, OnlyAScanThatWasStartedIsAnsweredWithOne)

@@ -17,11 +17,6 @@ std::string OwnPath()
     return path.data();
 }
 
-std::string JournalOf(const std::string& path)
-{
-    return path + ".journal.txt";
-}
-
 /// The installer's process sees its machine key below the user's key meanwhile.
 std::string ReadInstancePath()
 {
@@ -46,6 +41,19 @@ int RecordLegacyRun()
     journal << GetCommandLineA() << '\n' << directory.data() << '\n' << ReadInstancePath() << '\n';
     return 0;
 }
+
+int RunSlowTool()
+{
+    const UniqueHandle started(OpenEventA(EVENT_MODIFY_STATE, FALSE, kSlowToolStarted));
+    const UniqueHandle mayEnd(OpenEventA(SYNCHRONIZE, FALSE, kSlowToolMayEnd));
+    if (!started || !mayEnd || SetEvent(started.get()) == FALSE ||
+        WaitForSingleObject(mayEnd.get(), 60000) != WAIT_OBJECT_0) {
+        return 1;
+    }
+    std::ofstream journal(JournalOf(OwnPath()), std::ios::app);
+    journal << GetCommandLineA() << '\n';
+    return 0;
+}
 } // namespace
 
 std::optional<int> RunAsHelperProgram()
@@ -59,9 +67,17 @@ std::optional<int> RunAsHelperProgram()
         return ScanForHardwareChanges();
     }
     if (lstrcmpiA(name.c_str(), kUpdater) == 0) {
-        return static_cast<int>(UpdateDriver(R"(C:\kit\ngea.inf)", R"(PCI\VEN_5D1A&DEV_0000)"));
+        return static_cast<int>(UpdateDriver(kUpdatedInf, kUpdatedId));
+    }
+    if (lstrcmpiA(name.c_str(), kSlowTool) == 0) {
+        return RunSlowTool();
     }
     return std::nullopt;
+}
+
+std::string JournalOf(const std::string& path)
+{
+    return path + ".journal.txt";
 }
 
 void MakeHelperProgram(const std::string& path)

@@ -13,15 +13,26 @@
 inline constexpr char kRundll[] = "Rundll.exe";
 /// A program whose only work is one ScanForHardwareChanges; its exit code is the result.
 inline constexpr char kScanner[] = "Scanner.exe";
-
 /// A program whose only work is one UpdateDriver; its exit code is the result.
 inline constexpr char kUpdater[] = "Updater.exe";
+/// The iSCSI configuration tool, slow: it says that it has started, waits until it may end, and then leaves a journal.
+inline constexpr char kSlowTool[] = "iscsivrf.exe";
+/// Names of the events by which it says so and by which it is told.
+inline constexpr char kSlowToolStarted[] = "MorvixSlowToolStarted";
+inline constexpr char kSlowToolMayEnd[] = "MorvixSlowToolMayEnd";
+
+/// What UpdateDriver is asked for by kUpdater.
+inline constexpr char kUpdatedInf[] = R"(C:\kit\ngea.inf)";
+inline constexpr char kUpdatedId[] = R"(PCI\VEN_5D1A&DEV_0000)";
 
 /// @return the exit code of the helper program that this process is, or no value for the test program.
 [[nodiscard]] std::optional<int> RunAsHelperProgram();
 
 /// Copies this program to `path`, whose file name is one of the names above.
 void MakeHelperProgram(const std::string& path);
+
+/// @return the file in which the program at `path` leaves its journal.
+[[nodiscard]] std::string JournalOf(const std::string& path);
 
 /// One run of the legacy helper.
 struct LegacyRun

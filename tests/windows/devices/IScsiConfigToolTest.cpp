@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <thread>
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "Handles.h"
+#include "HelperPrograms.h"
 #include "ScratchDirectory.h"
 
 using testing::ElementsAre;
@@ -24,7 +27,12 @@ std::string ToolPath()
 class Tool
 {
 public:
-    Tool() { CopyFileTo(TestFile("command_line_recorder.exe"), ToolPath()); }
+    explicit Tool(const std::function<void()>& make = [] {
+        CopyFileTo(TestFile("command_line_recorder.exe"), ToolPath());
+    })
+    {
+        make();
+    }
     ~Tool()
     {
         DeleteFileA(ToolPath().c_str());
@@ -33,11 +41,11 @@ public:
     Tool(const Tool&) = delete;
     Tool& operator=(const Tool&) = delete;
 
-    [[nodiscard]] static std::string JournalPath() { return ToolPath() + ".journal.txt"; }
+    [[nodiscard]] static std::string JournalPath() { return JournalOf(ToolPath()); }
 };
 } // namespace
 
-TEST(IScsiConfigTool, RunsFromTheSystemDirectoryWithVerifyAndFixAndHasEndedWhenTheCallReturns)
+TEST(IScsiConfigTool, RunsFromTheSystemDirectoryWithVerifyAndFix)
 {
     const Tool tool;
     TraceCapture trace;
@@ -45,6 +53,29 @@ TEST(IScsiConfigTool, RunsFromTheSystemDirectoryWithVerifyAndFixAndHasEndedWhenT
     EXPECT_THAT(ReadFileBytes(Tool::JournalPath()),
                 StartsWith("command line: " + ToolPath() + " /verify /fix\ndirectory: "));
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering CalliSCSIConfigExe", "Leaving CalliSCSIConfigExe"));
+}
+
+TEST(IScsiConfigTool, TheCallReturnsOnlyWhenTheToolHasEnded)
+{
+    const Tool tool([] { MakeHelperProgram(ToolPath()); });
+    const UniqueHandle started(CreateEventA(nullptr, TRUE, FALSE, kSlowToolStarted));
+    const UniqueHandle mayEnd(CreateEventA(nullptr, TRUE, FALSE, kSlowToolMayEnd));
+    const UniqueHandle returned(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    DWORD start = WAIT_FAILED;
+    DWORD returnBeforeTheEnd = WAIT_FAILED;
+    std::thread whoEndsIt([&] {
+        start = WaitForSingleObject(started.get(), 60000);
+        // A call that does not wait would be back in that time.
+        returnBeforeTheEnd = WaitForSingleObject(returned.get(), 500);
+        SetEvent(mayEnd.get());
+    });
+    CalliSCSIConfigExe();
+    const bool hadEnded = FileExists(Tool::JournalPath());
+    SetEvent(returned.get());
+    whoEndsIt.join();
+    EXPECT_TRUE(hadEnded);
+    EXPECT_EQ(start, WAIT_OBJECT_0);
+    EXPECT_EQ(returnBeforeTheEnd, DWORD{WAIT_TIMEOUT});
 }
 
 TEST(IScsiConfigTool, MissingToolIsTraced)

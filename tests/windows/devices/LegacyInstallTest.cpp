@@ -111,6 +111,25 @@ TEST_F(LegacyInstall, ADeviceWithoutInstancesRunsNothing)
     EXPECT_FALSE(RegistryKeyExists(kMsiKey));
 }
 
+TEST_F(LegacyInstall, AnInstanceWhosePathCannotBeWrittenIsSkippedWithoutAWord)
+{
+    for (const char* instance : {"BUS_00", "BUS_01"}) {
+        CreateRegistryKey(std::string(kDeviceKey) + "\\" + instance);
+    }
+    const std::string program = m_kit.Directory().At(kRundll);
+    MakeHelperProgram(program);
+    // Below a key that lasts only until the next start, no lasting key can be created; the key that switches the trace
+    // on exists before.
+    CreateVolatileRegistryKey(R"(SOFTWARE\Norda\Basedrivers\Debug)");
+    TraceCapture trace;
+    EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    EXPECT_FALSE(RegistryKeyExists(kMsiKey));
+    EXPECT_THAT(LegacyRunsOf(program), testing::IsEmpty());
+    EXPECT_THAT(trace.Messages(), ElementsAre("Enter -> Win98Install", "g_98key: VEN_5D1A&DEV_1A2B\n",
+                                              "opening registry key to enumerate: " + std::string(kDeviceKey) + "\n",
+                                              "Exit -> Win98Install"));
+}
+
 TEST_F(LegacyInstall, AHelperThatCannotBeStartedDoesNotEndTheWalk)
 {
     for (const char* instance : {"BUS_00", "BUS_01"}) {

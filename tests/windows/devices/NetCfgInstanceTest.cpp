@@ -79,6 +79,14 @@ TEST(NetCfgInstance, LongerIdsLeaveTheTextEmpty)
     }
 }
 
+TEST(NetCfgInstance, LongerIdsAreRefusedAlsoByALargerOutput)
+{
+    const RegistryAdapter adapter(kDevice, "9001", std::string(260, 'i'));
+    std::array<char, 1024> large{};
+    EXPECT_EQ(GetNetCfgInstanceId(kDevice, large), 0);
+    EXPECT_STREQ(large.data(), "");
+}
+
 TEST(NetCfgInstance, OutputThatIsTooSmallStaysEmpty)
 {
     const RegistryAdapter adapter(kDevice, "9001", kTestInstance);

@@ -1,5 +1,4 @@
-// The last step of an install by the driver-install interface: is the device that was installed what the machine boots
-// from?
+// The last step of an install by the driver-install interface: does the machine boot from the device just installed?
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,7 +32,7 @@ protected:
     {
         RecordingInstall install(answer);
         TraceCapture trace;
-        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, nullptr);
+        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
         return trace.Messages();
     }
 
@@ -94,7 +93,7 @@ TEST_F(StorageAdapterStep, InterfaceThatRewritesTheRecordDoesNotChangeWhichDevic
     RecordingInstall install;
     install.duringCall = [this] { m_record.hardwareId.fill('\0'); };
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
     EXPECT_THAT(trace.Messages(), Contains(kDevice));
     EXPECT_EQ(DevicePassState.storageAdapterFound, 1U);
 }

@@ -1,4 +1,4 @@
-#include "NetworkDeviceTest.h"
+#include "NordaNetworkDevice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ bool Accepted(const std::string& family = "Windows Vista")
 }
 } // namespace
 
-TEST(NetworkDeviceTest, AnAcceptedDeviceIsTracedFromEntryToExit)
+TEST(NordaNetworkDevice, AnAcceptedDeviceIsTracedFromEntryToExit)
 {
     const SimulatedDevice device(kDevice);
     TraceCapture trace;
@@ -27,7 +27,7 @@ TEST(NetworkDeviceTest, AnAcceptedDeviceIsTracedFromEntryToExit)
                             "Norda Network Adapter found!", "Exit -> IsNordaNetworkDevice()\n"));
 }
 
-TEST(NetworkDeviceTest, EveryFamilyButWindows98ReadsTheNTKey)
+TEST(NordaNetworkDevice, EveryFamilyButWindows98ReadsTheNTKey)
 {
     const SimulatedDevice device(kDevice);
     for (const char* family :
@@ -36,7 +36,7 @@ TEST(NetworkDeviceTest, EveryFamilyButWindows98ReadsTheNTKey)
     }
 }
 
-TEST(NetworkDeviceTest, EveryRowOfTheTableIsAccepted)
+TEST(NordaNetworkDevice, EveryRowOfTheTableIsAccepted)
 {
     for (const std::string_view id : kAcceptedCompatibleIds) {
         const SimulatedDevice device(kDevice, {{R"(PCI\VEN_5D1A&CC_FF0000)", std::string(id)}});
@@ -44,7 +44,7 @@ TEST(NetworkDeviceTest, EveryRowOfTheTableIsAccepted)
     }
 }
 
-TEST(NetworkDeviceTest, OnWindows98TheVendorNumberAnywhereInTheNameIsEnough)
+TEST(NordaNetworkDevice, OnWindows98TheVendorNumberAnywhereInTheNameIsEnough)
 {
     TraceCapture trace;
     EXPECT_TRUE(IsNordaNetworkDevice("VEN_5D1A&DEV_0100&SUBSYS_00000000&REV_01", "Windows 98"));
@@ -52,7 +52,7 @@ TEST(NetworkDeviceTest, OnWindows98TheVendorNumberAnywhereInTheNameIsEnough)
     EXPECT_TRUE(IsNordaNetworkDevice("VEN_1E2B&DEV_0100&VEN_5D1A&REV_01", "Windows 98"));
 }
 
-TEST(NetworkDeviceTest, OnWindows98OtherVendorsAreRejectedWithoutTheExitLine)
+TEST(NordaNetworkDevice, OnWindows98OtherVendorsAreRejectedWithoutTheExitLine)
 {
     const SimulatedDevice device("VEN_1E2B&DEV_0100&SUBSYS_00015D1A&REV_01");
     TraceCapture trace;
@@ -63,7 +63,7 @@ TEST(NetworkDeviceTest, OnWindows98OtherVendorsAreRejectedWithoutTheExitLine)
                 ElementsAre("Enter -> IsNordaNetworkDevice()\n", "Enter -> IsNordaNetworkDevice()\n"));
 }
 
-TEST(NetworkDeviceTest, ADeviceWithoutKeyIsRejected)
+TEST(NordaNetworkDevice, ADeviceWithoutKeyIsRejected)
 {
     TraceCapture trace;
     EXPECT_FALSE(Accepted());
@@ -72,7 +72,7 @@ TEST(NetworkDeviceTest, ADeviceWithoutKeyIsRejected)
                             "Exit -> IsNordaNetworkDevice()\n"));
 }
 
-TEST(NetworkDeviceTest, ADeviceWithoutInstanceIsRejected)
+TEST(NordaNetworkDevice, ADeviceWithoutInstanceIsRejected)
 {
     const ScratchRegistryKey key(std::string(kPciKey) + "\\" + kDevice);
     CreateRegistryKey(key.Path());
@@ -83,14 +83,14 @@ TEST(NetworkDeviceTest, ADeviceWithoutInstanceIsRejected)
                 ElementsAre("Enter -> IsNordaNetworkDevice()\n", key.Path(), "Exit -> IsNordaNetworkDevice()\n"));
 }
 
-TEST(NetworkDeviceTest, AnInstanceWithoutCompatibleIdsIsRejected)
+TEST(NordaNetworkDevice, AnInstanceWithoutCompatibleIdsIsRejected)
 {
     const SimulatedDevice device(kDevice, std::nullopt);
     SetRegistryList(device.Instance(), "HardwareID", {kEthernetId});
     EXPECT_FALSE(Accepted());
 }
 
-TEST(NetworkDeviceTest, AnEmptyListOrOneThatStartsEmptyIsRejected)
+TEST(NordaNetworkDevice, AnEmptyListOrOneThatStartsEmptyIsRejected)
 {
     const SimulatedDevice device(kDevice, std::nullopt);
     SetRegistryBytes(device.Instance(), "CompatibleIDs", "", REG_MULTI_SZ);
@@ -99,7 +99,7 @@ TEST(NetworkDeviceTest, AnEmptyListOrOneThatStartsEmptyIsRejected)
     EXPECT_FALSE(Accepted());
 }
 
-TEST(NetworkDeviceTest, AListWithoutItsTerminatorsIsReadToItsEnd)
+TEST(NordaNetworkDevice, AListWithoutItsTerminatorsIsReadToItsEnd)
 {
     const SimulatedDevice device(kDevice, std::nullopt);
     SetRegistryBytes(device.Instance(), "CompatibleIDs", kEthernetId, REG_MULTI_SZ);
@@ -108,25 +108,25 @@ TEST(NetworkDeviceTest, AListWithoutItsTerminatorsIsReadToItsEnd)
     EXPECT_TRUE(Accepted());
 }
 
-TEST(NetworkDeviceTest, AnotherVendorsNetworkControllerIsRejected)
+TEST(NordaNetworkDevice, AnotherVendorsNetworkControllerIsRejected)
 {
     const SimulatedDevice device(kDevice, {{R"(PCI\VEN_1234&CC_020000)", R"(PCI\VEN_1234&CC_0200)"}});
     EXPECT_FALSE(Accepted());
 }
 
-TEST(NetworkDeviceTest, TheClassWithoutTheVendorIsRejected)
+TEST(NordaNetworkDevice, TheClassWithoutTheVendorIsRejected)
 {
     const SimulatedDevice device(kDevice, {{R"(PCI\VEN_5D1A)", R"(PCI\CC_020000)"}});
     EXPECT_FALSE(Accepted());
 }
 
-TEST(NetworkDeviceTest, AShorterOrLongerClassCodeIsRejected)
+TEST(NordaNetworkDevice, AShorterOrLongerClassCodeIsRejected)
 {
     const SimulatedDevice device(kDevice, {{R"(PCI\VEN_5D1A&CC_0200)", R"(PCI\VEN_5D1A&CC_02000001)"}});
     EXPECT_FALSE(Accepted());
 }
 
-TEST(NetworkDeviceTest, OnlyTheFirstInstanceIsRead)
+TEST(NordaNetworkDevice, OnlyTheFirstInstanceIsRead)
 {
     const SimulatedDevice device(kDevice, {{R"(PCI\CC_0200)"}});
     SetRegistryList(device.Path() + "\\another instance", "CompatibleIDs", {kEthernetId});

@@ -7,4 +7,4 @@
 /// @param deviceKeyName  Key name below the PCI key, such as VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03.
 /// @param osFamily       The record's family name.
 /// @return false also when the registry cannot be read.
-[[nodiscard]] bool IsNordaNetworkDevice(std::string deviceKeyName, const std::string& osFamily);
+[[nodiscard]] bool IsNordaNetworkDevice(const std::string& deviceKeyName, const std::string& osFamily);
