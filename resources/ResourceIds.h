@@ -1,5 +1,5 @@
-// Numbers of the texts, of the dialog and of its controls: what the program asks for. Resource scripts include this file,
-// so it holds macros only. Missing numbers have no text.
+// Numbers of the texts, of the dialog and of its controls: what the program asks for. Resource scripts include this
+// file, so it holds macros only. Missing numbers have no text.
 
 #define IDS_WELCOME 1
 #define IDS_FCOE_BOOT_TOO_OLD 2
@@ -26,4 +26,5 @@
 #define IDC_FINISH 1002
 #define IDC_RESTART_NOW 1004
 #define IDC_RESTART_LATER 1007
+#define IDC_ACTIVITY 1010
 #define IDC_NONE 0xFFFF

@@ -1,5 +1,5 @@
-/* The driver of every device in the sample kit. It loads, stays and unloads, and binds to nothing: the kit shows how drivers
- * get onto a system, not how to move packets. */
+/* The driver of every device in the sample kit. It loads, stays and unloads, and binds to nothing: the kit shows how
+ * drivers get onto a system, not how to move packets. */
 #include <ntddk.h>
 
 DRIVER_INITIALIZE DriverEntry;

@@ -27,10 +27,15 @@ std::string AnswersPath()
 }
 } // namespace
 
-void WriteJournal(const std::string& line)
+std::string BesideTheDouble(const std::string& name)
 {
     const std::string own = OwnPath();
-    const std::string path = own.substr(0, own.rfind('\\')) + "\\journal.txt";
+    return own.substr(0, own.rfind('\\') + 1) + name;
+}
+
+void WriteJournal(const std::string& line)
+{
+    const std::string path = BesideTheDouble("journal.txt");
     const UniqueFile file(CreateFileA(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                       OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     const std::string text = line + "\n";

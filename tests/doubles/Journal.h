@@ -6,6 +6,9 @@
 /// What every double shares: a journal of what it was asked and the answers that a test has laid down for it. Both lie
 /// beside the double's own file.
 
+/// @return the full path of a file beside the double.
+[[nodiscard]] std::string BesideTheDouble(const std::string& name);
+
 /// Appends one line to journal.txt. Several doubles in one folder share the journal, so it also shows their order.
 void WriteJournal(const std::string& line);
 

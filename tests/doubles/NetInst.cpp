@@ -8,6 +8,7 @@
 //   InstallStatus<n>, LastError<n>, DebugKey<n>
 //                              for the n-th install call, from 1: its status, the last error it leaves, and "create" or
 //                              "delete" to switch the installer's trace during the call
+//   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release stands beside the library
 
 #include "NetInst.h"
 
@@ -80,6 +81,13 @@ void SwitchTrace(const std::string& how)
     }
 }
 
+void HoldUntilReleased()
+{
+    while (GetFileAttributesA(BesideTheDouble("NetInst.release").c_str()) == INVALID_FILE_ATTRIBUTES) {
+        Sleep(20);
+    }
+}
+
 class SysProber final : public ISysProberInterface
 {
 public:
@@ -139,6 +147,9 @@ public:
         WriteJournal("InstallForRecord " + DescribeRecord(record) + " flags=" + std::to_string(flags) + " source=[" +
                      SourcePath() + "]");
         SwitchTrace(Answer("DebugKey" + call));
+        if (AnswerNumber("HoldInstall" + call) != 0) {
+            HoldUntilReleased();
+        }
         SetLastError(AnswerNumber("LastError" + call));
         return static_cast<int32_t>(status);
     }
