@@ -37,8 +37,14 @@ ProgramRun::ProgramRun(DebugOutput& output, const std::string& program, const st
     STARTUPINFOA startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    if (CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                       workingDirectory.c_str(), &startup, &process) == FALSE) {
+    BOOL started = FALSE;
+    // A busy Wine now and then fails to start any program at all, with this one error; the program has not run then.
+    for (int attempt = 0; started == FALSE && (attempt == 0 || (attempt < 3 && GetLastError() == ERROR_INTERNAL_ERROR));
+         ++attempt) {
+        started = CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                 workingDirectory.c_str(), &startup, &process);
+    }
+    if (started == FALSE) {
         throw std::runtime_error("cannot start " + commandLine + ", error " + std::to_string(GetLastError()));
     }
     CloseHandle(process.hThread);

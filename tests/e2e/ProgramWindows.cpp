@@ -136,6 +136,33 @@ void ProgressWindow::WaitUntilOffered(int control) const
     }
 }
 
+void ProgressWindow::WaitUntilVisible() const
+{
+    if (!WaitUntil([&] { return Visible(); })) {
+        throw std::runtime_error("the dialog stays hidden");
+    }
+}
+
+void ProgressWindow::WaitUntilGone(int control) const
+{
+    if (!WaitUntil([&] { return IsWindowVisible(GetDlgItem(m_window, control)) == FALSE; })) {
+        throw std::runtime_error("control " + std::to_string(control) + " stays");
+    }
+}
+
+void ProgressWindow::WaitUntilFocused(int control) const
+{
+    const bool focused = WaitUntil([&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof(info);
+        return GetGUIThreadInfo(GetWindowThreadProcessId(m_window, nullptr), &info) != FALSE &&
+               info.hwndFocus != nullptr && info.hwndFocus == GetDlgItem(m_window, control);
+    });
+    if (!focused) {
+        throw std::runtime_error("control " + std::to_string(control) + " does not get the focus");
+    }
+}
+
 void ProgressWindow::WaitForStatus(const std::string& text) const
 {
     if (!WaitUntil([&] { return TextOf(kStatus) == text; })) {

@@ -39,6 +39,12 @@ public:
 
     /// Waits until control `control` is offered; throws std::runtime_error when that does not happen.
     void WaitUntilOffered(int control) const;
+    /// Waits until the dialog can be seen.
+    void WaitUntilVisible() const;
+    /// Waits until control `control` cannot be seen any more.
+    void WaitUntilGone(int control) const;
+    /// Waits until the keyboard works on control `control`.
+    void WaitUntilFocused(int control) const;
     /// Waits until the status text is `text`; throws std::runtime_error with the text seen last.
     void WaitForStatus(const std::string& text) const;
 
