@@ -16,16 +16,21 @@ wait_until() {
 # The screen without the empty part around the windows.
 take_picture() { timeout 30 import -window root -trim +repage "$1"; }
 
-# still_picture FILE: a picture of a screen that has finished painting: two in a row are the same.
+# still_picture FILE: a picture of a screen that has finished painting: two in a row are the same and show something.
 still_picture() {
     local file=$1 second=${1%.png}.second.png deadline=$((SECONDS + 20))
-    take_picture "$file"
-    until take_picture "$second" && [[ "$(compare -metric AE "$file" "$second" null: 2>&1)" == 0 ]]; do
-        ((SECONDS < deadline)) || break
-        mv -- "$second" "$file"
+    # The screen may still be empty, which cannot be trimmed.
+    take_picture "$file" 2>/dev/null || true
+    until take_picture "$second" 2>/dev/null && same_pictures "$file" "$second" && shows_something "$file"; do
+        ((SECONDS < deadline)) || fail "the screen does not come to rest for $file"
+        [[ ! -f $second ]] || mv -- "$second" "$file"
     done
     rm -f -- "$second"
 }
+
+same_pictures() { [[ "$(compare -metric AE "$1" "$2" null: 2>&1)" == 0 ]]; }
+
+shows_something() { (($(identify -format %k "$1" 2>/dev/null || printf 0) > 1)); }
 
 find_dialog() {
     dialog=$(timeout 5 xdotool search --onlyvisible --class '^morvix' 2>/dev/null | head -n 1)

@@ -149,7 +149,7 @@ struct Machine
     bool adapter = true;
     std::optional<SystemVersion> system = std::nullopt;
     DWORD servicePack = 0;
-    bool library = true;
+    bool hasLibrary = true;
     std::string libraryBuild = "6000";
     std::string libraryMajor = "6";
     std::string matchingDeviceId = R"(ROOT\iscsiprt)";
@@ -181,7 +181,7 @@ TEST_P(IScsiConfiguration, IsVerifiedExactlyWhereTheMachineBootsOverIScsi)
     const IScsiTool tool;
     const IScsiInitiator initiator(machine.dumpDriver, machine.matchingDeviceId, machine.parameters);
     m_driver->AnswerBootMode(kFirstInstance, machine.adapter ? 2 : 0);
-    if (machine.library) {
+    if (machine.hasLibrary) {
         UseIScsiLibrary(machine.libraryMajor, "0", machine.libraryBuild);
     }
     const ServicePack servicePack(machine.servicePack);
@@ -219,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(
         MachineCase{"Server2003WithoutAServicePack", {.system = kServer2003}, false, false},
         MachineCase{"WindowsXPx64", {.system = SystemVersion{"winxp64", "5.2", "3790", "WinNT"}}, false, false},
         MachineCase{"NoAdapter", {.adapter = false}, false, false},
-        MachineCase{"NoIScsiLibrary", {.library = false}, false, false},
+        MachineCase{"NoIScsiLibrary", {.hasLibrary = false}, false, false},
         MachineCase{"OldInitiator", {.libraryBuild = "1894", .libraryMajor = "2"}, false, false},
         MachineCase{"NoInitiator", {.matchingDeviceId = R"(root\otherprt)"}, false, false},
         MachineCase{"InitiatorWithoutParameters", {.parameters = false, .dumpDriver = std::nullopt}, false, false},
