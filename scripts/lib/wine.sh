@@ -10,7 +10,9 @@ export TMPDIR=$wine_dir/tmp
 # Points this shell at one prefix. Home and configuration folders lie below build/ too, so that Wine leaves no menu
 # entries, links or caches in the user's own.
 use_prefix() {
-    unset LC_ALL LC_CTYPE LC_MESSAGES LANGUAGE WINELOADER WINESERVER WINEPATH WINEDLLPATH XDG_RUNTIME_DIR
+    # The shell itself may not know the locale that Windows programs are given: nobody needs its complaint.
+    unset LC_ALL LC_CTYPE LC_MESSAGES LANGUAGE 2>/dev/null
+    unset WINELOADER WINESERVER WINEPATH WINEDLLPATH XDG_RUNTIME_DIR
     export WINEPREFIX=$wine_dir/$1
     export WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='winemenubuilder.exe=d' LANG=en_US.UTF-8
     # Without a character set that the machine knows, file names could have no letters beyond ASCII.
