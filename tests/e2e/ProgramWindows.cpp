@@ -3,7 +3,6 @@
 #include <array>
 #include <functional>
 #include <stdexcept>
-#include <vector>
 
 namespace {
 constexpr DWORD kPollMilliseconds = 20;
@@ -70,6 +69,13 @@ std::string BoxText(HWND box)
     throw std::runtime_error("the message box has no text control");
 }
 } // namespace
+
+std::vector<HWND> VisibleWindowsOf(const ProgramRun& run)
+{
+    std::vector<HWND> windows = WindowsOf(run.ProcessId());
+    std::erase_if(windows, [](HWND window) { return IsWindowVisible(window) == FALSE; });
+    return windows;
+}
 
 MessageBoxSeen WaitForMessageBox(const ProgramRun& run)
 {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "ProgramRun.h"
 
@@ -13,6 +14,9 @@ struct MessageBoxSeen
     std::string caption;
     std::string text;
 };
+
+/// @return the windows of the run that can be seen now.
+[[nodiscard]] std::vector<HWND> VisibleWindowsOf(const ProgramRun& run);
 
 /// Waits until the run shows a message box. Throws std::runtime_error when it ends or the limit passes without one.
 [[nodiscard]] MessageBoxSeen WaitForMessageBox(const ProgramRun& run);

@@ -1,6 +1,7 @@
 #include "TraceFile.h"
 
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "Environment.h"
@@ -78,4 +79,22 @@ std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& fo
         report += "\n         [" + lines[before] + "]";
     }
     return report;
+}
+
+std::vector<std::string> WithoutTheMachinesOwnDevices(const std::vector<std::string>& lines)
+{
+    constexpr std::string_view kPath = R"(Morvix: SYSTEM\CurrentControlSet\Enum\PCI\)";
+    std::vector<std::string> kept;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool foreign = i + 2 < lines.size() && lines[i] == "Morvix: Enter -> IsNordaNetworkDevice()\n" &&
+                             lines[i + 1].starts_with(kPath) &&
+                             !lines[i + 1].substr(kPath.size()).starts_with("VEN_5D1A") &&
+                             lines[i + 2] == "Morvix: Exit -> IsNordaNetworkDevice()\n";
+        if (foreign) {
+            i += 2;
+        } else {
+            kept.push_back(lines[i]);
+        }
+    }
+    return kept;
 }

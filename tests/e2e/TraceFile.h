@@ -14,3 +14,8 @@
 /// @return the first difference with the lines before it, or an empty text when there is none.
 [[nodiscard]] std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& folder,
                                                   const std::vector<std::string>& lines);
+
+/// @return `lines` without the three lines that turn down each PCI device of the machine's own: it has other ones on
+/// each
+///         machine.
+[[nodiscard]] std::vector<std::string> WithoutTheMachinesOwnDevices(const std::vector<std::string>& lines);

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <memory>
-#include <string_view>
 
 #include "Adapter.h"
 #include "EmulatedSystem.h"
@@ -14,25 +13,6 @@
 namespace {
 constexpr char kFirstDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 constexpr char kSecondDevice[] = "VEN_5D1A&DEV_7A02&SUBSYS_00115D1A&REV_03";
-
-// The machine has PCI devices of its own, other ones on each machine: the three lines that turn one down are left out.
-std::vector<std::string> WithoutTheMachinesOwnDevices(const std::vector<std::string>& lines)
-{
-    constexpr std::string_view kPath = R"(Morvix: SYSTEM\CurrentControlSet\Enum\PCI\)";
-    std::vector<std::string> kept;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const bool foreign = i + 2 < lines.size() && lines[i] == "Morvix: Enter -> IsNordaNetworkDevice()\n" &&
-                             lines[i + 1].starts_with(kPath) &&
-                             !lines[i + 1].substr(kPath.size()).starts_with("VEN_5D1A") &&
-                             lines[i + 2] == "Morvix: Exit -> IsNordaNetworkDevice()\n";
-        if (foreign) {
-            i += 2;
-        } else {
-            kept.push_back(lines[i]);
-        }
-    }
-    return kept;
-}
 
 class WholeTrace : public CleanMachine
 {
