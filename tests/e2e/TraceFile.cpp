@@ -1,8 +1,10 @@
 #include "TraceFile.h"
 
+#include <windows.h>
+
+#include <array>
 #include <sstream>
 #include <string_view>
-#include <utility>
 
 #include "Environment.h"
 
@@ -16,17 +18,26 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
     }
 }
 
-// What stands for what in a kept trace. Longer paths come first, so that writing takes the closest name.
-using StandIns = std::vector<std::pair<std::string, std::string>>;
-
-StandIns StandInsFor(const RunFolder& folder)
+std::string ShortFormOf(const std::string& path)
 {
-    return {{"<KIT>", folder.Path()},
-            {"<KIT-UPPER>", UpperCase(folder.Path())},
-            {"<SYSTEM>", SystemDirectory()},
-            {"<WINDOWS>", WindowsDirectory()},
-            {"<LF>", "\n"},
-            {"<CR>", "\r"}};
+    std::array<char, MAX_PATH> text{};
+    GetShortPathNameA(path.c_str(), text.data(), text.size());
+    return text.data();
+}
+
+// Longer paths come first, so that writing takes the closest name.
+StandIns StandInsFor(const RunFolder& folder, const StandIns& more)
+{
+    StandIns standIns = more;
+    const StandIns ownOnes = {{"<KIT>", folder.Path()},
+                              {"<KIT-UPPER>", UpperCase(folder.Path())},
+                              {"<KIT-SHORT>", ShortFormOf(folder.Path())},
+                              {"<SYSTEM>", SystemDirectory()},
+                              {"<WINDOWS>", WindowsDirectory()},
+                              {"<LF>", "\n"},
+                              {"<CR>", "\r"}};
+    standIns.insert(standIns.end(), ownOnes.begin(), ownOnes.end());
+    return standIns;
 }
 
 std::vector<std::string> ReadKept(const std::string& name, const StandIns& standIns)
@@ -61,9 +72,9 @@ std::string LineAt(const std::vector<std::string>& lines, size_t index)
 } // namespace
 
 std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& folder,
-                                    const std::vector<std::string>& lines)
+                                    const std::vector<std::string>& lines, const StandIns& more)
 {
-    const StandIns standIns = StandInsFor(folder);
+    const StandIns standIns = StandInsFor(folder, more);
     const std::vector<std::string> expected = ReadKept(name, standIns);
     size_t at = 0;
     while (at < expected.size() && at < lines.size() && expected[at] == lines[at]) {
