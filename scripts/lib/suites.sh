@@ -83,8 +83,9 @@ run_windows_suites() {
 
 # Runs of the shippable folder, in a Windows of their own.
 run_end_to_end() {
-    local program unit
+    local program unit limit=900
     local -a programs=()
+    [[ -z ${MORVIX_FULL_MATRIX:-} ]] || limit=7200
     for program in "$build_dir"/windows/tests/e2e/morvix_e2e*.exe; do
         unit=$(basename -- "$program" .exe)
         if wanted "$unit"; then
@@ -104,7 +105,7 @@ run_end_to_end() {
             record failed "$unit" "there is no such program"
             continue
         fi
-        run_windows_program "$unit" 900 "$program"
+        run_windows_program "$unit" "$limit" "$program"
     done
 }
 
