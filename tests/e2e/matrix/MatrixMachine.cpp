@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 
 #include "CleanMachine.h"
@@ -107,6 +108,28 @@ std::unique_ptr<RunFolder> MakeFolder(Machine machine)
     return folder;
 }
 
+// Only two machines need something else in the folder.
+Machine FolderKind(const MatrixRow& row)
+{
+    const bool ownFolder = row.machine == Machine::InterfaceRefuses || row.machine == Machine::FilesMissing;
+    return ownFolder ? row.machine : Machine::Match;
+}
+
+// Names and sizes of everything below a run folder but what doubles write and are told.
+std::vector<std::string> ContentOf(const std::string& folder)
+{
+    std::vector<std::string> content;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (name != "journal.txt" && name != "NetInst.answers.ini") {
+            content.push_back(entry.path().string() +
+                              (entry.is_regular_file() ? " " + std::to_string(entry.file_size()) : ""));
+        }
+    }
+    std::ranges::sort(content);
+    return content;
+}
+
 std::string Join(const std::string& key, const std::string& name)
 {
     return key.empty() ? name : key + "\\" + name;
@@ -199,13 +222,13 @@ void SetSourcePath(const std::string& path)
 
 RunFolder& MatrixFolders::For(const MatrixRow& row)
 {
-    // Only two machines need something else in the folder.
-    const bool ownFolder = row.machine == Machine::InterfaceRefuses || row.machine == Machine::FilesMissing;
-    const Machine kind = ownFolder ? row.machine : Machine::Match;
-    std::unique_ptr<RunFolder>& folder = m_folders[kind];
-    if (!folder) {
-        folder = MakeFolder(kind);
+    const Machine kind = FolderKind(row);
+    Made& made = m_folders[kind];
+    if (!made.folder) {
+        made = {MakeFolder(kind), {}};
+        made.content = ContentOf(made.folder->Path());
     }
+    const std::unique_ptr<RunFolder>& folder = made.folder;
     DeleteFileA(folder->At("journal.txt").c_str());
     if (kind == Machine::InterfaceRefuses) {
         // A double says of every system what it is told to say.
@@ -213,6 +236,15 @@ RunFolder& MatrixFolders::For(const MatrixRow& row)
         folder->Answer("NetInst", "ProberStatus", row.system->flow == Flow::Refused ? kNotServed : "0");
     }
     return *folder;
+}
+
+std::vector<std::string> MatrixFolders::ChangesIn(const MatrixRow& row) const
+{
+    const Made& made = m_folders.at(FolderKind(row));
+    const std::vector<std::string> now = ContentOf(made.folder->Path());
+    std::vector<std::string> changes;
+    std::ranges::set_symmetric_difference(made.content, now, std::back_inserter(changes));
+    return changes;
 }
 
 MatrixMachine::Cleaning::Cleaning()

@@ -11,16 +11,23 @@
 #include "ExpectedRun.h"
 #include "RunFolder.h"
 
-/// The run folders of the matrix. Runs leave them as they are, apart from the journal, so they serve one run after the
-/// other.
+/// The run folders of the matrix. Runs leave them as they are, so they serve one run after the other.
 class MatrixFolders
 {
 public:
     /// @return the folder for a machine, ready for the row's run and with an empty journal.
     RunFolder& For(const MatrixRow& row);
 
+    /// @return what in the row's folder is not as it was made: names that came or went, and files of another size.
+    [[nodiscard]] std::vector<std::string> ChangesIn(const MatrixRow& row) const;
+
 private:
-    std::map<Machine, std::unique_ptr<RunFolder>> m_folders;
+    struct Made
+    {
+        std::unique_ptr<RunFolder> folder;
+        std::vector<std::string> content;
+    };
+    std::map<Machine, Made> m_folders;
 };
 
 /// A clean machine with the row's system, adapter and driver files, for the life of the object. A restart flag and the

@@ -88,6 +88,11 @@ size_t MatrixRun::Restarts() const
     return shared->restarts.Refused() - m_restartsBefore;
 }
 
+std::vector<std::string> MatrixRun::FolderChanges()
+{
+    return shared->folders.ChangesIn(GetParam());
+}
+
 FinishedRun MatrixRun::GoThrough()
 {
     const std::string program = m_folder.At("Morvix.exe");

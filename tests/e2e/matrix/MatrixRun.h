@@ -27,6 +27,8 @@ protected:
     [[nodiscard]] const ExpectedRun& Expected() const { return m_expected; }
     [[nodiscard]] const MatrixMachine& OnMachine() const { return m_machine; }
     [[nodiscard]] RunFolder& Folder() const { return m_folder; }
+    /// What the run has changed in its folder.
+    [[nodiscard]] static std::vector<std::string> FolderChanges();
     /// How many restarts the system was asked for.
     [[nodiscard]] size_t Restarts() const;
 

@@ -143,6 +143,7 @@ protected:
         }
         EXPECT_EQ(FileExists(MatrixMachine::StagingFolder()), expected.staged);
         EXPECT_THAT(NamesIn(OnMachine().GivenSourcePath()), IsEmpty());
+        EXPECT_THAT(FolderChanges(), IsEmpty());
     }
 
     void ExpectTheAdapter() const
