@@ -131,47 +131,46 @@ bool IsValueBehind(const KeptLine* before, const std::string& line)
     return before->value == KeptLine::Value::Next || (before->value == KeptLine::Value::Version && IsVersion(line));
 }
 
-// The pieces that instructions carry a text in: eight bytes at a time (four of a short text), and the rest as four, two
-// and one, or as the last eight over again.
-struct Pieces
+// Whether the end of `text` from `at` on lies in `near` as the compiler splits what is shorter than a piece.
+bool EndIsIn(std::string_view near, std::string_view text, size_t at)
 {
-    std::vector<std::string> whole;
-    std::vector<std::string> rest;
-    std::string last;
-};
-
-Pieces PiecesOf(const std::string& text)
-{
-    Pieces pieces;
-    const size_t size = text.size() < 8 ? 4 : 8;
-    size_t at = 0;
-    for (; at + size <= text.size(); at += size) {
-        pieces.whole.push_back(text.substr(at, size));
-    }
     for (const size_t bytes : {4U, 2U, 1U}) {
         if (at + bytes <= text.size()) {
-            pieces.rest.push_back(text.substr(at, bytes));
+            if (near.find(text.substr(at, bytes)) == std::string_view::npos) {
+                return false;
+            }
             at += bytes;
         }
     }
-    pieces.last = text.substr(text.size() - std::min(size, text.size()));
-    return pieces;
+    return at == text.size();
 }
 
-bool IsInInstructions(const std::string& image, const std::string& text)
+// Whether `near` has pieces of `size` bytes that lie over all of `text`; they may overlap.
+bool PiecesAreIn(std::string_view near, std::string_view text, size_t size)
 {
-    const Pieces pieces = PiecesOf(text);
-    if (pieces.whole.empty()) {
+    size_t covered = 0;
+    for (size_t at = 0; at + size <= text.size() && at <= covered; ++at) {
+        if (near.find(text.substr(at, size)) != std::string_view::npos) {
+            covered = at + size;
+        }
+    }
+    return covered != 0 && text.size() - covered < size && EndIsIn(near, text, covered);
+}
+
+// Instructions carry a text in pieces of eight bytes, or of four when it is shorter, and its end in smaller ones.
+bool IsInInstructions(std::string_view image, std::string_view text)
+{
+    const size_t size = text.size() < 8 ? 4 : 8;
+    if (text.size() < size) {
         return false;
     }
-    // Between two pieces lie the few bytes of an instruction or two.
-    const size_t reach = 64 + text.size() * 4;
-    for (size_t at = image.find(pieces.whole[0]); at != std::string::npos; at = image.find(pieces.whole[0], at + 1)) {
+    // They lie within one function, often within a few instructions.
+    constexpr size_t kFunctionBytes = 512;
+    const size_t reach = kFunctionBytes + text.size() * 4;
+    const std::string_view first = text.substr(0, size);
+    for (size_t at = image.find(first); at != std::string_view::npos; at = image.find(first, at + 1)) {
         const size_t begin = at > reach ? at - reach : 0;
-        const std::string_view near = std::string_view(image).substr(begin, 2 * reach);
-        const auto isNear = [&](const std::string& piece) { return near.find(piece) != std::string_view::npos; };
-        if (std::ranges::all_of(pieces.whole, isNear) &&
-            (isNear(pieces.last) || std::ranges::all_of(pieces.rest, isNear))) {
+        if (PiecesAreIn(image.substr(begin, 2 * reach), text, size)) {
             return true;
         }
     }
@@ -187,6 +186,9 @@ std::vector<KeptLine> KeptLines()
         std::string where;
         std::string value;
         words >> where >> value;
+        if (where == "never") {
+            continue;
+        }
         if (where != "run" && where != "program") {
             throw std::runtime_error("no such place: " + line);
         }

@@ -22,7 +22,7 @@ struct KeptLine
     std::string text; ///< with its stand-ins, line feeds apart
 };
 
-/// Throws std::runtime_error for a list that cannot be read.
+/// Those that a run may trace. Throws std::runtime_error for a list that cannot be read.
 [[nodiscard]] std::vector<KeptLine> KeptLines();
 
 /// The texts of another list, in its order, with their line feeds.
