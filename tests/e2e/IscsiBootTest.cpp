@@ -198,7 +198,7 @@ TEST_P(IScsiConfiguration, IsVerifiedExactlyWhereTheMachineBootsOverIScsi)
     EXPECT_EQ(run.Count(kToolNeeded), GetParam().toolRuns ? 1u : 0u);
     EXPECT_EQ(run.Count(kToolBegun), GetParam().toolRuns ? 1u : 0u);
     if (GetParam().toolRuns) {
-        EXPECT_THAT(run.Between(kToolNeeded, kToolDone), ElementsAre(kToolNeeded, kToolBegun, kToolDone));
+        EXPECT_THAT(DecidedBetween(run, kToolNeeded, kToolDone), ElementsAre(kToolNeeded, kToolBegun, kToolDone));
         EXPECT_THAT(IScsiTool::CommandLines(), ElementsAre(IScsiTool::Path() + " /verify /fix"));
     } else {
         EXPECT_THAT(IScsiTool::CommandLines(), IsEmpty());
@@ -253,7 +253,7 @@ TEST_F(IScsiBoot, MissingConfigurationToolIsTracedAndTheRestartStillDue)
     const FinishedRun run = RunMorvix("/s /m");
 
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.Between(kToolNeeded, kToolDone),
+    EXPECT_THAT(DecidedBetween(run, kToolNeeded, kToolDone),
                 ElementsAre(kToolNeeded, kToolBegun, "Failed to call iSCSI command line utility.", kToolDone));
     ExpectRebootNeeded();
 }

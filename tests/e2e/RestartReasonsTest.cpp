@@ -76,7 +76,7 @@ protected:
 
     static void ExpectUninstallerTakenOffTheList(const FinishedRun& run)
     {
-        EXPECT_THAT(run.Between(kPendingBegun, "Successfully removed TAVUnstl from registry"),
+        EXPECT_THAT(DecidedBetween(run, kPendingBegun, "Successfully removed TAVUnstl from registry"),
                     ElementsAre(kPendingBegun, "Successfully removed TAVUnstl from registry"));
         EXPECT_THAT(PendingOperations::Entries(), ElementsAre(kFirstOperation, kLastOperation));
     }

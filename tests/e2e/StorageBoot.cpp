@@ -176,3 +176,13 @@ void StorageRun::ExpectNoRebootNeeded()
 {
     EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
 }
+
+std::vector<std::string> StorageRun::DecidedBetween(const FinishedRun& run, const std::string& from,
+                                                    const std::string& to)
+{
+    std::vector<std::string> lines = run.Between(from, to);
+    for (const char* ending : {"Entering EndRestorePoint", "Exiting EndRestorePoint", "Exit -> InstallDrivers()\n"}) {
+        std::erase(lines, ending);
+    }
+    return lines;
+}

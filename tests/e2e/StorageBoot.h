@@ -105,6 +105,11 @@ protected:
     static void ExpectRebootNeeded();
     static void ExpectNoRebootNeeded();
 
+    /// FinishedRun::Between for lines of the end-of-run decision, which the main thread takes while the install thread
+    /// may still say that it ends: what that says is left out.
+    [[nodiscard]] static std::vector<std::string> DecidedBetween(const FinishedRun& run, const std::string& from,
+                                                                 const std::string& to);
+
     [[nodiscard]] const RestartWatch& Watch() const { return m_watch; }
 
 private:

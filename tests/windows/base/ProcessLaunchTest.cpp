@@ -8,6 +8,7 @@
 #include <array>
 
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
@@ -66,6 +67,14 @@ public:
 private:
     std::string m_path;
 };
+
+std::string systemDirectory; // what the function below answers
+
+UINT WINAPI AnswerSystemDirectory(LPSTR buffer, UINT size)
+{
+    lstrcpynA(buffer, systemDirectory.c_str(), static_cast<int>(size));
+    return static_cast<UINT>(systemDirectory.size());
+}
 } // namespace
 
 TEST(ProcessLaunch, ProgramHasEndedWhenTheCallReturnsAndItsExitCodeIsNotRead)
@@ -113,6 +122,22 @@ TEST(ProcessLaunch, UninstallerIsRunQuotedAndWithoutItsUserInterface)
     EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
     EXPECT_THAT(ReadFileBytes(uninstaller.Journal()), HasSubstr("command line: \"" + uninstaller.Path() + "\" /nogui"));
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering - DoUninstall", "uninstall app: " + uninstaller.Path() + "\n",
+                                              "Entering - UninstallAppandWait"));
+}
+
+TEST(ProcessLaunch, UninstallerInADirectoryWithBlanksIsCalledWhole)
+{
+    const ScratchDirectory scratch;
+    systemDirectory = scratch.At("system directory with blanks");
+    const std::string program = systemDirectory + "\\Tavunstl.exe";
+    CopyFileTo(TestFile("command_line_recorder.exe"), program);
+    TraceCapture trace;
+    {
+        const ImportOverride elsewhere("GetSystemDirectoryA", reinterpret_cast<void*>(AnswerSystemDirectory));
+        EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
+    }
+    EXPECT_THAT(ReadFileBytes(program + ".journal.txt"), HasSubstr("command line: \"" + program + "\" /nogui\n"));
+    EXPECT_THAT(trace.Messages(), ElementsAre("Entering - DoUninstall", "uninstall app: " + program + "\n",
                                               "Entering - UninstallAppandWait"));
 }
 

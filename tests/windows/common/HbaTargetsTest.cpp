@@ -81,10 +81,14 @@ TEST_F(HbaTargets, EnoughRoomTakesAllMappings)
 
 TEST_F(HbaTargets, WithoutAMappingTheLibraryIsNotAsked)
 {
+    const LibraryTrace trace;
     bool moreData = true;
     EXPECT_FALSE(hba.GetTargetsInfo(7, nullptr, moreData));
     EXPECT_FALSE(moreData);
     EXPECT_THAT(library.TakeJournal(), IsEmpty());
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering CHBAAPIInt::GetTargetsInfo", "CHBAAPIInt::GetTargetsInfo needs a mapping",
+                            "Exiting CHBAAPIInt::GetTargetsInfo"));
 }
 
 TEST_F(HbaTargets, CommandsFillTheBuffersAndNothingElse)

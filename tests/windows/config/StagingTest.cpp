@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 #include "DebugOutput.h"
 #include "Handles.h"
+#include "ImportOverride.h"
 #include "LocationInfo.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
@@ -113,6 +115,21 @@ private:
     std::optional<RegistryValue> m_sourcePathBefore;
     std::array<char, MAX_PATH> m_directoryBefore{};
 };
+
+BOOL WINAPI RefuseNextEntry(HANDLE, LPWIN32_FIND_DATAA)
+{
+    SetLastError(ERROR_GEN_FAILURE);
+    return FALSE;
+}
+
+// Closes the search all the same: only its answer is another one.
+BOOL WINAPI CloseAndAnswerNo(HANDLE search)
+{
+    static const auto close =
+        std::bit_cast<decltype(&FindClose)>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "FindClose"));
+    close(search);
+    return FALSE;
+}
 } // namespace
 
 TEST_F(Staging, FilesOfEveryDirectoryAreCopiedAndNoFallbackIsMade)
@@ -381,4 +398,33 @@ TEST_F(Staging, WhenTheFallbackCannotBeMadeEitherTheStagingStillEnds)
     EXPECT_THAT(messages,
                 Contains("src: " + m_kit.At(R"(DrvA\driver.sys)") + "\ndst: " + Fallback("driver.sys") + "\n"));
     EXPECT_EQ("Exit -> CopyFilesToCabDir\n", messages.back());
+}
+
+TEST_F(Staging, ASearchThatBreaksOffIsTracedAndKeepsWhatIsCopied)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    TraceCapture trace;
+    int copied = 1;
+    {
+        const ImportOverride breaksOff("FindNextFileA", reinterpret_cast<void*>(RefuseNextEntry));
+        copied = CopyAllFiles(m_kit.At("DrvA\\"), Cab(""));
+    }
+    const std::vector<std::string> messages = trace.Messages();
+    EXPECT_EQ("Unable to find next file\n", messages.back());
+    EXPECT_THAT(messages, Not(Contains("Found all of the files\n")));
+    EXPECT_EQ(FileExists(Cab("driver.sys")) ? 1 : 0, copied) << "the first entry alone was met";
+}
+
+TEST_F(Staging, ASearchThatCannotBeClosedIsTracedLastAndChangesNoResult)
+{
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    TraceCapture trace;
+    {
+        const ImportOverride staysOpen("FindClose", reinterpret_cast<void*>(CloseAndAnswerNo));
+        EXPECT_EQ(1, CopyAllFiles(m_kit.At("DrvA\\"), Cab("")));
+    }
+    const std::vector<std::string> messages = trace.Messages();
+    ASSERT_GE(messages.size(), 2U);
+    EXPECT_EQ("Found all of the files\n", messages[messages.size() - 2]);
+    EXPECT_EQ("Unable to close search handle\n", messages.back());
 }

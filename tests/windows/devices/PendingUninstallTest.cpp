@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "DeviceFixtures.h"
+#include "ImportOverride.h"
 
 using testing::ElementsAre;
 
@@ -43,6 +44,11 @@ private:
 
     std::optional<RegistryValue> m_saved = ReadRegistryValue(kKey, kValue);
 };
+
+LSTATUS WINAPI RefuseToWrite(HKEY, LPCSTR, DWORD, DWORD, const BYTE*, DWORD)
+{
+    return ERROR_ACCESS_DENIED;
+}
 
 std::string List(const std::vector<std::string>& entries)
 {
@@ -104,4 +110,17 @@ TEST_F(PendingUninstall, AKeyThatCannotBeOpenedIsSaid)
     EXPECT_EQ(isRegEntryTAVUnstl(), 0);
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering isRegEntryTAVUnstl", "Unable to access REG_TAVUNSTL_SESSIONMANAGER Key"));
+}
+
+TEST_F(PendingUninstall, AListThatCannotBeWrittenIsSaidAndStaysAsItIs)
+{
+    SetRegistryList(kKey, kValue, {kOther, kUninstaller});
+    TraceCapture trace;
+    {
+        const ImportOverride denied("RegSetValueExA", reinterpret_cast<void*>(RefuseToWrite));
+        EXPECT_EQ(isRegEntryTAVUnstl(), 0);
+    }
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Entering isRegEntryTAVUnstl", "Not able to remove TAVUnstl from MultiString"));
+    EXPECT_EQ(Stored(), List({kOther, kUninstaller}));
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "RegistryKeys.h"
 #include "RunOptions.h"
 #include "RunState.h"
@@ -15,6 +16,14 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 using testing::StartsWith;
+
+namespace {
+HRESULT WINAPI RefuseSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SERVICE*, void*, DWORD, DWORD, void*,
+                              DWORD, void*)
+{
+    return RPC_E_TOO_LATE;
+}
+} // namespace
 
 TEST(InstallRun, FamilyWithoutAFlowInstallsNothingAndPostsNothing)
 {
@@ -67,4 +76,22 @@ TEST(InstallRun, FailedDevicePassReturnsMinusOneAndLeavesTheRestorePointOpen)
     EXPECT_EQ(S_FALSE, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     CoUninitialize();
     CoUninitialize();
+}
+
+TEST(InstallRun, WhereComSecurityCannotBeSetTheRunGoesOnWithItsRestorePoint)
+{
+    DriverInstallRecord record;
+    std::ranges::copy(std::string_view("Windows NT"), record.osFamily.begin());
+    TraceCapture trace;
+    {
+        const ImportOverride refused("CoInitializeSecurity", reinterpret_cast<void*>(RefuseSecurity));
+        EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    }
+    const std::vector<std::string> messages = trace.Messages();
+    ASSERT_GE(messages.size(), 4U);
+    EXPECT_EQ("CoInitialize", messages[1]);
+    EXPECT_EQ("CoInitializeSecurity() failed", messages[2]);
+    EXPECT_EQ("Entering BeginRestorePoint", messages[3]);
+    EXPECT_THAT(messages, Contains("Entering - GetLanguageSpecificString")) << "the restore point was tried";
+    EXPECT_EQ("Exit -> InstallDrivers()\n", messages.back());
 }
