@@ -96,7 +96,9 @@ list_kit() {
 list_changes() {
     local path version id
     queries=(
-        "UPDATE \`Property\` SET \`Value\` = 'FAILONFAILURE;INSTALLDIR;NEWERFOUND;OEMVARIANT;OLDERFOUND;STEPTIMELIMIT' WHERE \`Property\` = 'SecureCustomProperties'"
+        "UPDATE \`Property\` SET \`Value\` = 'FAILONFAILURE;INSTALLDIR;KEPTFOLDER;NEWERFOUND;OEMVARIANT;OLDERFOUND;STEPTIMELIMIT' WHERE \`Property\` = 'SecureCustomProperties'"
+        # Looked for where a 64-bit package writes.
+        "UPDATE \`RegLocator\` SET \`Type\` = 18"
         # The one feature is neither advertised nor left out.
         "UPDATE \`Feature\` SET \`Attributes\` = 24"
     )
@@ -142,7 +144,8 @@ make_msi() {
     # wixl takes names relative to its folder only. The cabinet's times are local ones.
     if ! TZ=UTC run_limited 120 env -C "$parts" wixl --arch x64 -o package.msi -D "Version=$version" \
         -D "ProductCode=$(product_code "$version")" -D "UpgradeCode=$msi_upgrade_code" \
-        -D "VendorComponent=$(named_guid 'folder norda')" -D Actions=MorvixActions.dll \
+        -D "VendorComponent=$(named_guid 'folder norda')" -D "FolderComponent=$(named_guid 'value InstallDir')" \
+        -D Actions=MorvixActions.dll \
         Morvix.wxs kit.wxs >"$log" 2>&1 ||
         ! TZ=UTC run_limited 60 msibuild "$parts/package.msi" -i "$parts/_SummaryInformation.idt" -q "${queries[@]}" >>"$log" 2>&1; then
         fail "the package cannot be made (see $log)"

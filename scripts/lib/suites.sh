@@ -108,11 +108,12 @@ run_end_to_end() {
     done
 }
 
-# The runs that restart Windows: scripts that print "ok - promise" or "not ok - promise" and bring their own Windows.
-run_restarts() {
+# run_scripts KIND: the scripts in tests/<KIND>/. They print "ok - promise" or "not ok - promise" and bring what they need,
+# such as a Windows of their own.
+run_scripts() {
     local script unit log status started
-    for script in "$repo"/tests/restart/*.sh; do
-        unit=restart_$(basename -- "$script" .sh)
+    for script in "$repo/tests/$1"/*.sh; do
+        unit=$1_$(basename -- "$script" .sh)
         wanted "$unit" || continue
         log=$results_dir/$unit.log
         status=0
@@ -128,3 +129,7 @@ run_restarts() {
         report_unit "$unit" "$((SECONDS - started))"
     done
 }
+
+run_restarts() { run_scripts restart; }
+
+run_packages() { run_scripts package; }
