@@ -118,7 +118,7 @@ run_scripts() {
         log=$results_dir/$unit.log
         status=0
         started=$SECONDS
-        run_limited 300 "$script" >"$log" 2>&1 || status=$?
+        run_limited 1800 "$script" >"$log" 2>&1 || status=$?
         awk -v unit="$unit" '
             sub(/^ok - /, "") { printf "passed\t%s\t%s\n", unit, $0 }
             sub(/^not ok - /, "") { printf "failed\t%s\t%s\n", unit, $0 }
