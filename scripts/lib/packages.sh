@@ -12,6 +12,8 @@ packages=(
     wine wine64 xvfb xauth xdotool imagemagick fonts-liberation fonts-wine
     # the characters of the East Asian languages in pictures of the dialog
     fonts-wqy-microhei
+    # the Windows Installer package, its tables, and what a release is made with
+    wixl msitools xxd zip unzip osslsigncode openssl
     # checks of the sources
     clang-format clang-tidy shellcheck
 )

@@ -109,16 +109,17 @@ run_end_to_end() {
     done
 }
 
-# The runs that restart Windows: scripts that print "ok - promise" or "not ok - promise" and bring their own Windows.
-run_restarts() {
+# run_scripts KIND: the scripts in tests/<KIND>/. They print "ok - promise" or "not ok - promise" and bring what they need,
+# such as a Windows of their own.
+run_scripts() {
     local script unit log status started
-    for script in "$repo"/tests/restart/*.sh; do
-        unit=restart_$(basename -- "$script" .sh)
+    for script in "$repo/tests/$1"/*.sh; do
+        unit=$1_$(basename -- "$script" .sh)
         wanted "$unit" || continue
         log=$results_dir/$unit.log
         status=0
         started=$SECONDS
-        run_limited 300 "$script" >"$log" 2>&1 || status=$?
+        run_limited 1800 "$script" >"$log" 2>&1 || status=$?
         awk -v unit="$unit" '
             sub(/^ok - /, "") { printf "passed\t%s\t%s\n", unit, $0 }
             sub(/^not ok - /, "") { printf "failed\t%s\t%s\n", unit, $0 }
@@ -129,3 +130,7 @@ run_restarts() {
         report_unit "$unit" "$((SECONDS - started))"
     done
 }
+
+run_restarts() { run_scripts restart; }
+
+run_packages() { run_scripts package; }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,7 +19,13 @@ constexpr const char* kSystemSections[] = {
 
 RunFolder::RunFolder()
 {
-    CopyTree(DistFolder(), m_directory.Path());
+    for (const auto& entry : std::filesystem::directory_iterator(DistFolder())) {
+        // The folder also holds the package that is made of it; no run needs that.
+        if (entry.path().extension() != ".msi") {
+            std::filesystem::copy(entry.path(), At(entry.path().filename().string()),
+                                  std::filesystem::copy_options::recursive);
+        }
+    }
 }
 
 void RunFolder::Remove(const std::string& name) const

@@ -1,6 +1,5 @@
 # shellcheck shell=bash
-# One Windows session in which Morvix.exe runs, and the proof whether that session was restarted. Each script that sources
-# this file prints one line for each promise, "ok - ..." or "not ok - ...", and fails when one is broken.
+# One Windows session in which Morvix.exe runs, and the proof whether that session was restarted.
 # shellcheck disable=SC2154
 
 lib=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/../../../scripts/lib
@@ -12,22 +11,10 @@ source "$lib/wine.sh"
 source "$lib/display.sh"
 # shellcheck source=../../../scripts/lib/adapters.sh
 source "$lib/adapters.sh"
+# shellcheck source=../../../scripts/lib/promises.sh
+source "$lib/promises.sh"
 
 morvix=$build_dir/dist/Morvix.exe
-broken=0
-
-# promise TEXT COMMAND...: the promise is kept when the command succeeds.
-promise() {
-    local text=$1
-    shift
-    if "$@"; then
-        printf 'ok - %s\n' "$text"
-    else
-        printf 'not ok - %s\n' "$text"
-        broken=1
-    fi
-}
-
 # start_session NAME [ADAPTER...]: a fresh Windows with these adapters. Whenever a session of it begins, it writes the
 # marker file, once. A bystander, a program with a window, runs for as long as the present session lasts.
 start_session() {
@@ -92,5 +79,3 @@ begin_another_session() {
     run_limited 120 wine cmd /c exit
     wait_for_silence
 }
-
-end_promises() { exit "$broken"; }

@@ -1,0 +1,64 @@
+#include "InstallerSession.h"
+
+#include <msiquery.h>
+
+#include <memory>
+
+namespace {
+/// Owns a handle of the Windows Installer library.
+class InstallerHandle
+{
+public:
+    explicit InstallerHandle(MSIHANDLE handle) : m_handle(handle) {}
+    InstallerHandle(const InstallerHandle&) = delete;
+    InstallerHandle& operator=(const InstallerHandle&) = delete;
+    ~InstallerHandle() { MsiCloseHandle(m_handle); }
+
+    [[nodiscard]] MSIHANDLE Get() const { return m_handle; }
+
+private:
+    MSIHANDLE m_handle;
+};
+} // namespace
+
+std::string InstallerSession::StepData() const
+{
+    constexpr char kProperty[] = "CustomActionData";
+    std::string text(1, '\0');
+    DWORD chars = 0;
+    // Asked with an empty buffer, the engine tells the length without the terminator.
+    if (MsiGetPropertyA(m_handle, kProperty, text.data(), &chars) != ERROR_MORE_DATA) {
+        return {};
+    }
+    text.resize(chars + 1);
+    chars = static_cast<DWORD>(text.size());
+    if (MsiGetPropertyA(m_handle, kProperty, text.data(), &chars) != ERROR_SUCCESS) {
+        return {};
+    }
+    text.resize(chars);
+    return text;
+}
+
+void InstallerSession::Log(std::string_view line) const
+{
+    Send(INSTALLMESSAGE_INFO, line);
+}
+
+void InstallerSession::ReportError(std::string_view line) const
+{
+    Send(INSTALLMESSAGE_ERROR, line);
+}
+
+UINT InstallerSession::AskForRestart() const
+{
+    return MsiSetMode(m_handle, MSIRUNMODE_REBOOTATEND, TRUE);
+}
+
+void InstallerSession::Send(INSTALLMESSAGE kind, std::string_view line) const
+{
+    const InstallerHandle record(MsiCreateRecord(1));
+    // The text is an insert: brackets in a path would otherwise be read as property names.
+    MsiRecordSetStringA(record.Get(), 0, "Morvix: [1]");
+    MsiRecordSetStringA(record.Get(), 1, std::string(line).c_str());
+    MsiProcessMessage(m_handle, kind, record.Get());
+}

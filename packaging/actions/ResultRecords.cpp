@@ -1,0 +1,19 @@
+#include "ResultRecords.h"
+
+namespace {
+constexpr std::string_view kRunRecord = "Install";
+constexpr std::string_view kFamilyEnd = "_Install";
+} // namespace
+
+bool IsFailureRecord(std::string_view valueName, std::string_view text)
+{
+    return text == "FAILURE" && (valueName == kRunRecord || !FamilyOfRecord(valueName).empty());
+}
+
+std::string FamilyOfRecord(std::string_view valueName)
+{
+    if (!valueName.ends_with(kFamilyEnd)) {
+        return {};
+    }
+    return std::string(valueName.substr(0, valueName.size() - kFamilyEnd.size()));
+}

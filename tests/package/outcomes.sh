@@ -1,0 +1,198 @@
+#!/usr/bin/env bash
+# What becomes of the package when the driver step ends otherwise than well: no adapter, a broken kit, an adapter that
+# fails, a needed restart, a program that does not end; and what the OEM variant changes.
+set -euo pipefail
+# shellcheck source=lib/package.sh
+source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
+
+doubles=$build_dir/windows/tests/doubles
+recorder=$build_dir/windows/tests/command_line_recorder.exe
+network_class='{4D36E972-E325-11CE-BFC1-08002BE10318}'
+
+# Looks at the processes of this Windows only: others may run beside it.
+program_runs() {
+    local pid
+    for pid in $(pgrep -f 'Morvix\.exe" /s /m'); do
+        if grep -qzxF "WINEPREFIX=$WINEPREFIX" "/proc/$pid/environ" 2>/dev/null; then
+            return 0
+        fi
+    done
+    return 1
+}
+
+no_program_runs() { ! program_runs; }
+
+# Notes in the work folder that the program was seen running.
+watch_for_program() {
+    local waited
+    for ((waited = 0; waited < 600; ++waited)); do
+        if program_runs; then
+            : >"$work/seen"
+            return
+        fi
+        sleep 0.1
+    done
+}
+
+no_product() { [[ $(installed_products) != *"$(product_code "$1")"* ]]; }
+
+was_called_with() { [[ $(grep -c '^command line: ' "$journal") == 1 ]] && grep -qxF "command line: $1" "$journal"; }
+
+# The adapter has had a driver before: the FCoE library is asked under the ID that the network stack gave it then.
+plug_in_boot_adapter() {
+    plug_in "$1"
+    {
+        printf 'REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\%s\\3&11583659&0&C8]\n' "$1"
+        printf '"Driver"="%s\\\\9001"\n\n' "$network_class"
+        printf '[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Class\\%s\\9001]\n' "$network_class"
+        printf '"NetCfgInstanceId"="{5D1A0001-0000-4000-8000-00AA00BB00CC}"\n'
+    } >"$work/boot.reg"
+    import_registry "$work/boot.reg"
+}
+
+no_adapter() {
+    install "$package" FAILONFAILURE=1
+    promise "without an adapter the package succeeds even when failures fail it" ends_with 0
+    promise "without an adapter the log says so" logged 'Install is not recorded: no adapter was matched'
+    promise "without an adapter the kit is installed" same_files "$dist" "$program_folder"
+    remove "$package"
+    promise "a package without an adapter can be removed" no_program_folder
+}
+
+oem_variant() {
+    copy_kit recorder
+    cp -- "$recorder" "$kit/Morvix.exe"
+    package_kit
+    journal=$program_folder/Morvix.exe.journal.txt
+    install "$kit_package"
+    promise "the program gets /s /m" was_called_with '"C:\Program Files\Norda\Morvix\Morvix.exe" /s /m'
+    promise "the program runs in the kit's folder" grep -qxF 'directory: C:\Program Files\Norda\Morvix' "$journal"
+    promise "an exit code that is no success is logged" logged 'the program ended with exit code 7'
+    rm -f -- "$journal"
+    remove "$kit_package"
+    install "$kit_package" OEMVARIANT=1
+    promise "the OEM variant gets /s /md" was_called_with '"C:\Program Files\Norda\Morvix\Morvix.exe" /s /md'
+    rm -f -- "$journal"
+    remove "$kit_package"
+}
+
+broken_ini() {
+    plug_in "$gigabit"
+    copy_kit broken-ini
+    printf '\0\1[[[Win732E\r\nInfDir\r\n=\r\n' >"$kit/Morvix.ini"
+    package_kit
+    install "$kit_package"
+    promise "a kit whose INI is broken does not block the package" ends_with 0
+    promise "a kit whose INI is broken binds nothing, and the log says so" \
+        logged 'Install is not recorded: no adapter was matched'
+    remove "$kit_package"
+    promise "a kit whose INI is broken is removed like any other" ends_with 0
+    promise "nothing of a kit whose INI is broken is left" no_program_folder
+
+    copy_kit no-ini
+    rm -- "$kit/Morvix.ini"
+    package_kit
+    install "$kit_package"
+    promise "a kit without its INI does not block the package" ends_with 0
+    promise "the log tells that the program refused to start" logged 'the program ended with exit code -1'
+    promise "the log tells that the package goes on" logged 'the package goes on: FAILONFAILURE is not 1'
+    remove "$kit_package"
+    install "$kit_package" FAILONFAILURE=1
+    promise "a kit without its INI fails the package when failures fail it" ends_with 1603
+    promise "the log tells why the package fails" logged 'the package fails: FAILONFAILURE is 1'
+    promise "a failed installation leaves no file behind" no_program_folder
+    promise "a failed installation leaves no product behind" only_product none
+}
+
+failing_adapter() {
+    copy_kit no-driver
+    rm -- "$kit/Drv/Win7x64/ngea62x64.sys"
+    package_kit
+    install "$kit_package"
+    promise "an adapter that fails does not block the package" ends_with 0
+    promise "an adapter that fails is recorded" recorded Install FAILURE
+    promise "an adapter that fails is logged" logged 'Install = FAILURE'
+    promise "an adapter that fails is logged with its family" logged 'FAILURE of family TAVG_PCIE'
+    promise "the log tells that the package goes on after a failure" logged 'the package goes on: FAILONFAILURE is not 1'
+    remove "$kit_package"
+    install "$kit_package" FAILONFAILURE=1
+    promise "an adapter that fails fails the package when failures fail it" ends_with 1603
+    promise "the log tells the family of the failure that fails the package" logged 'FAILURE of family TAVG_PCIE'
+    promise "the error is reported" logged 'the drivers were not installed'
+    promise "a failed adapter leaves no file behind when it fails the package" no_program_folder
+
+    unplug "$gigabit"
+    install "$package" FAILONFAILURE=1
+    promise "a failure of an earlier run fails nothing later" ends_with 0
+    promise "a failure of an earlier run is not taken for a new one" logged 'Install is not recorded: no adapter was matched'
+    remove "$package"
+}
+
+failed_upgrade() {
+    local version newer
+    version=$(product_version)
+    newer=${version%.*}.$((${version##*.} + 1))
+    plug_in "$gigabit"
+    install "$package"
+    kit=$work/no-driver
+    package_kit "$newer"
+    rm -f -- "$drive/windows/system32/drivers/ngea62x64.sys"
+    install "$kit_package" FAILONFAILURE=1
+    promise "an upgrade that fails ends with 1603" ends_with 1603
+    # The engine of Windows brings the old version back. The one here takes it away in a transaction of its own, so that
+    # only the new version's part can be seen.
+    promise "an upgrade that fails leaves nothing of the new version" no_program_folder
+    promise "an upgrade that fails is not on the system's list" no_product "$newer"
+}
+
+needed_restart() {
+    unplug "$gigabit"
+    plug_in_boot_adapter "$gigabit"
+    copy_kit fcoe
+    cp -- "$doubles/nordhapi.dll" "$kit/"
+    printf '[Answers]\r\nFlags=1\r\n' >"$kit/nordhapi.answers.ini"
+    package_kit
+    install "$kit_package"
+    promise "a needed restart ends the quiet run with 3010" ends_with 3010
+    promise "a needed restart is recorded by the program" recorded RebootNeeded 0x1
+    promise "a needed restart is logged" logged 'RebootNeeded is recorded: a restart is asked for'
+    promise "the driver is installed before the restart" bound "$gigabit" ngea62x64
+    install "$kit_package"
+    promise "a second installation asks for no second restart" ends_with 0
+    install "$kit_package" REINSTALL=ALL REINSTALLMODE=amus
+    promise "a repair that needs a restart ends with 3010" ends_with 3010
+    rm -f -- "$program_folder/journal.txt"
+    remove "$kit_package"
+    promise "a removal asks for no restart" ends_with 0
+}
+
+endless_program() {
+    copy_kit endless
+    cp -- "$doubles/NetInst.dll" "$kit/"
+    # A system that the program knows and has no way of serving: its hidden dialog stays for ever.
+    printf '[Answers]\r\nFamily=Windows NT\r\n' >"$kit/NetInst.answers.ini"
+    package_kit
+    watch_for_program &
+    at_exit end_quietly "$!"
+    install "$kit_package" STEPTIMELIMIT=3
+    promise "a program that does not end was running" test -e "$work/seen"
+    promise "a program that does not end does not block the package" ends_with 0
+    promise "a program that does not end is stopped and logged" \
+        logged 'the program did not end within 3 seconds and was stopped'
+    promise "a program that was stopped does not run on" no_program_runs
+    promise "the restart mark of an earlier run asks for no restart" logged 'RebootNeeded is not recorded: no restart'
+    rm -f -- "$program_folder/journal.txt"
+    remove "$kit_package"
+    install "$kit_package" STEPTIMELIMIT=3 FAILONFAILURE=1
+    promise "a program that does not end fails the package when failures fail it" ends_with 1603
+}
+
+start_machine outcomes
+no_adapter
+oem_variant
+broken_ini
+failing_adapter
+failed_upgrade
+needed_restart
+endless_program
+end_promises
