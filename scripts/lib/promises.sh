@@ -1,0 +1,18 @@
+# shellcheck shell=bash
+# A test script's own count: one line for each promise, "ok - ..." or "not ok - ...". Sourced after common.sh.
+
+broken=0
+
+# promise TEXT COMMAND...: the promise is kept when the command succeeds.
+promise() {
+    local text=$1
+    shift
+    if "$@"; then
+        printf 'ok - %s\n' "$text"
+    else
+        printf 'not ok - %s\n' "$text"
+        broken=1
+    fi
+}
+
+end_promises() { exit "$broken"; }
