@@ -113,7 +113,7 @@ promise "a host that was not restarted still owes it" owes_restart restart-refus
 promise "RebootNeeded restarts although the code is 0" reports_that restart-by-key installed "done" TAVG_PCIE 12.1.63.0 SUCCESS
 promise "a refused driver is reported with its family and without an old version" \
     reports_that refused-driver "driver failed" "not needed" TAVG_PCIE 12.1.63.0 SUCCESS TAVX "" FAILURE
-promise "properties reach the package" test "$(jq -r .arguments "$machines/refused-driver.json")" == "FAILONDRIVER=1 OEM=1"
+promise "properties reach the package" test "$(jq -r .arguments "$machines/refused-driver.json")" == "FAILONFAILURE=1 OEMVARIANT=1"
 promise "results of an earlier run are not taken for this one's" reports_that no-adapter "no adapter" "not needed"
 promise "an installed package is left alone" did_not already-there install
 promise "a host with nothing to do reports what stands there" \
