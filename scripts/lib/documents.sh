@@ -13,16 +13,17 @@ extract_blocks() {
     mkdir -p -- "$2"
     : >"$2/index"
     awk -v folder="$2" '
-        !inside && /^```/ {
+        !inside && /^ *```/ {
             inside = 1; ++count; file = sprintf("%s/%02d", folder, count)
+            match($0, /`/); indent = RSTART
             language = $1; sub(/^```/, "", language)
-            words = $0; sub(/^```[^ ]* */, "", words)
+            words = $0; sub(/^ *```[^ ]* */, "", words)
             printf "%02d\t%d\t%s\t%s\n", count, NR, language, words >>(folder "/index")
             printf "" >file
             next
         }
-        inside && /^```$/ { inside = 0; close(file); next }
-        inside { print >file }
+        inside && /^ *```$/ { inside = 0; close(file); next }
+        inside { print substr($0, indent) >file }
         END { exit inside }
     ' "$1" || fail "$1 has a block without an end"
 }

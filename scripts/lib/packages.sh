@@ -14,6 +14,8 @@ packages=(
     fonts-wqy-microhei
     # checks of the sources
     clang-format clang-tidy shellcheck
+    # the role for many machines, with the collection of Windows modules, and what reads its reports; the diagrams
+    ansible ansible-lint jq libxml2-utils
 )
 
 # Fills `missing` with the packages that are not installed.

@@ -108,11 +108,12 @@ run_end_to_end() {
     done
 }
 
-# The runs that restart Windows: scripts that print "ok - promise" or "not ok - promise" and bring their own Windows.
-run_restarts() {
+# run_scripts FOLDER: the test scripts of a folder below tests/. Each prints "ok - promise" or "not ok - promise" and
+# brings its own Windows where it needs one.
+run_scripts() {
     local script unit log status started
-    for script in "$repo"/tests/restart/*.sh; do
-        unit=restart_$(basename -- "$script" .sh)
+    for script in "$repo/tests/$1"/*.sh; do
+        unit=$1_$(basename -- "$script" .sh)
         wanted "$unit" || continue
         log=$results_dir/$unit.log
         status=0
@@ -128,3 +129,10 @@ run_restarts() {
         report_unit "$unit" "$((SECONDS - started))"
     done
 }
+
+# The runs that restart Windows.
+run_restarts() { run_scripts restart; }
+
+# What the documents say, and what drives many machines.
+run_documents() { run_scripts docs; }
+run_fleet() { run_scripts fleet; }

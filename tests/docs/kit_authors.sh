@@ -46,16 +46,6 @@ lay_down() {
     done <"$folder/infs"
 }
 
-# holds_in_order TRACE LINES: the lines stand in the trace in this order, whatever stands between them.
-holds_in_order() {
-    awk '
-        { sub(/[ \r]+$/, "") }
-        FNR == NR { wanted[++lines] = $0; next }
-        found < lines && $0 == wanted[found + 1] { ++found }
-        END { if (found < lines) { print "missing: " wanted[found + 1]; exit 1 } }
-    ' "$2" "$1"
-}
-
 # installs TRACE INF: the adapter was installed from that file, and from nothing else; "none": not at all.
 installs() {
     local expected='' actual

@@ -8,6 +8,8 @@ tests=$(dirname -- "$(readlink -f -- "$0")")
 source "$tests/../../scripts/lib/common.sh"
 # shellcheck source=../../scripts/lib/promises.sh
 source "$tests/../../scripts/lib/promises.sh"
+# shellcheck source=../../scripts/lib/documents.sh
+source "$tests/../../scripts/lib/documents.sh"
 
 ansible=$repo/packaging/ansible
 work=$build_dir/fleet
@@ -77,6 +79,17 @@ lost_meanwhile() { journal "$1" | sed -n '/^install$/,$p' | grep -qx 'no connect
 # run_says TEXT: what Ansible wrote has it.
 run_says() { grep -qF -- "$1" "$work/play.log"; }
 
+# The lines that the guide shows are among the last ones of the run.
+guide_shows_this_run() {
+    local line shown=0
+    extract_blocks "$repo/docs/FLEET.md" "$work/guide"
+    while read -r line; do
+        run_says "\"msg\": \"$line\"" || { printf 'the run does not say "%s"\n' "$line"; return 1; }
+        shown=$((shown + 1))
+    done <"$work/guide/$(awk -F '\t' '$3 == "text" && $4 == "ansible" { print $1 }' "$work/guide/index")"
+    ((shown > 0))
+}
+
 ended_with() { [[ $1 == "$2" ]]; }
 
 rm -rf -- "$work"
@@ -131,6 +144,8 @@ for host in broken-package stays-away never-there full-disk; do
 done
 promise "the playbook's last lines hold family, version and outcome" \
     run_says '"msg": "two-adapters: installed; restart not needed; TAVG_PCIE 12.1.63.0 SUCCESS; TAVX 3.2.63.0 SUCCESS"'
+
+promise "the guide's example is this run" guide_shows_this_run
 
 status=0
 play --limit two-adapters,restart-allowed,owes-restart,localhost >"$work/play.log" 2>&1 || status=$?
