@@ -55,7 +55,7 @@ scripts_are_run() {
     while read -r command _; do
         case $command in
             scripts/setup | scripts/build | scripts/test) ;; # this run began with them
-            scripts/demo) [[ -x $repo/tests/docs/demo.sh ]] ;;
+            scripts/demo) [[ -x $repo/tests/demo/shown.sh ]] ;;
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
             scripts/pictures | scripts/package) ;;
             *) printf '%s is run by nothing\n' "$command"; return 1 ;;
