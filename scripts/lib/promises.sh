@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# A test script's own count: one line for each promise, "ok - ..." or "not ok - ...". Sourced after common.sh.
+# Test scripts: each prints one line for each promise, "ok - ..." or "not ok - ...", and fails when one is broken.
 
 broken=0
 

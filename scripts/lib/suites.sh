@@ -108,8 +108,8 @@ run_end_to_end() {
     done
 }
 
-# run_scripts FOLDER: the test scripts of a folder below tests/. Each prints "ok - promise" or "not ok - promise" and
-# brings its own Windows where it needs one.
+# run_scripts KIND: the scripts in tests/<KIND>/. They print "ok - promise" or "not ok - promise" and bring what they need,
+# such as a Windows of their own.
 run_scripts() {
     local script unit log status started
     for script in "$repo/tests/$1"/*.sh; do
@@ -130,9 +130,11 @@ run_scripts() {
     done
 }
 
-# The runs that restart Windows.
 run_restarts() { run_scripts restart; }
+
+run_packages() { run_scripts package; }
 
 # What the documents say, and what drives many machines.
 run_documents() { run_scripts docs; }
+
 run_fleet() { run_scripts fleet; }

@@ -60,6 +60,14 @@ drawings_are_shown() {
     done
 }
 
+pictures_are_shown() {
+    local picture
+    for picture in "$repo"/docs/*.png; do
+        identify -- "$picture" >/dev/null || return 1
+        grep -qF "${picture##*/})" "${documents[@]}" || { printf 'nobody shows %s\n' "$picture"; return 1; }
+    done
+}
+
 # The oddities' tests: "Suite.Test", or "script.sh: promise".
 oddities_are_held() {
     local test rows=0
@@ -148,6 +156,7 @@ for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md ARCHITECTURE.md; do
 done
 promise "the diagrams are those that scripts/drawings draws" drawings_are_drawn
 promise "every diagram is well-formed and shown" drawings_are_shown
+promise "every picture is one and is shown" pictures_are_shown
 promise "every kept oddity is held by a test" oddities_are_held
 promise "files that are named are there" named_files_are_there
 promise "the trace lines of the administrator's guide are traced" quoted_trace_is_written

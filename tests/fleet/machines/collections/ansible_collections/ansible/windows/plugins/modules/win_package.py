@@ -1,7 +1,12 @@
+"""A module of its own, not a part of Ansible's process: it goes on in the background while the connection is lost."""
+
+import os
 import time
 
 from ansible.module_utils.basic import AnsibleModule
 from ansible_collections.ansible.windows.plugins.module_utils.machine import machine, note
+
+PATH = os.environ["RECORDED_MACHINE"]
 
 module = AnsibleModule(
     {
@@ -12,7 +17,7 @@ module = AnsibleModule(
     },
     supports_check_mode=True,
 )
-with machine() as state:
+with machine(PATH) as state:
     if module.params["path"] not in state.get("files", {}):
         module.fail_json(msg="there is no package " + module.params["path"])
     wanted = not state["product_installed"]
@@ -26,7 +31,7 @@ if module.check_mode or not wanted:
     module.exit_json(changed=wanted, reboot_required=False)
 
 time.sleep(recorded.get("seconds", 0))
-with machine() as state:
+with machine(PATH) as state:
     # The program takes the request of an earlier run back when it starts.
     if recorded.get("program_runs", True):
         state["registry"].pop("RebootNeeded", None)
