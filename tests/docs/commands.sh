@@ -9,11 +9,16 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/windows.sh"
 adapter='VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01'
 results_key='HKLM\SOFTWARE\Norda\Basedrivers'
 
-# run_block FILE: runs the lines as a batch file; what they print goes into FILE.output.
+# run_block FILE: runs the lines as a batch file; what they print goes into FILE.output, `block_status` is the exit code of
+# the last one. What an installation is to write must not stand there already.
 run_block() {
     local batch=$WINEPREFIX/drive_c/block.cmd
-    { printf '@echo off\n'; cat -- "$1"; } | sed 's/$/\r/' >"$batch"
-    run_limited 300 wine cmd /c 'C:\block.cmd' >"$1.printed" 2>"$1.errors" || true
+    if grep -q 'msiexec /i' "$1"; then
+        wine reg delete "$results_key" /f >/dev/null 2>&1 || true
+    fi
+    { printf '@echo off\n'; cat -- "$1"; printf 'exit %%ERRORLEVEL%%\n'; } | sed 's/$/\r/' >"$batch"
+    block_status=0
+    run_limited 300 wine cmd /c 'C:\block.cmd' >"$1.printed" 2>"$1.errors" || block_status=$?
     tr -d '\r' <"$1.printed" | sed 's/ *$//' | grep -v -e '^$' -e '^\(reg: \)\?The operation completed successfully' >"$1.output" || true
 }
 
@@ -80,6 +85,12 @@ query_finds_adapter() {
     [[ $found == "PCI\\$adapter\\"* && $found != *$'\n'* ]] || { printf 'found: %s\n' "$found"; return 1; }
 }
 
+# shows_output FOLDER NUMBER: the block behind this one shows what it prints.
+shows_output() {
+    awk -F '\t' -v number="$2" 'behind { found = $3 == "text" && $4 == "output"; exit } $1 == number { behind = 1 }
+        END { exit !found }' "$1/index"
+}
+
 # try_document NAME: every block of it, in order.
 try_document() {
     local name=$1 blocks=$build_dir/docs/$1 number line language words ran=''
@@ -89,7 +100,9 @@ try_document() {
             'bat run'*)
                 run_block "$blocks/$number"
                 ran=$blocks/$number.output
-                cp -- "$ran" "$blocks/last"
+                if ! shows_output "$blocks" "$number"; then
+                    promise "$name:$line: the commands succeed" test "$block_status" -eq 0
+                fi
                 ;;
             'text output') promise "$name:$line: the commands above print this" same_lines "$blocks/$number" "$ran" ;;
             'wql run') promise "$name:$line: the query finds the adapter" query_finds_adapter "$blocks/$number" ;;
