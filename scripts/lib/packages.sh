@@ -16,6 +16,8 @@ packages=(
     wixl msitools xxd zip unzip osslsigncode openssl
     # checks of the sources
     clang-format clang-tidy shellcheck
+    # the role for many machines, with the collection of Windows modules, and what reads its reports; the diagrams
+    ansible ansible-lint jq libxml2-utils
 )
 
 # Fills `missing` with the packages that are not installed.

@@ -134,3 +134,8 @@ run_scripts() {
 run_restarts() { run_scripts restart; }
 
 run_packages() { run_scripts package; }
+
+# What the documents say, and what drives many machines.
+run_documents() { run_scripts docs; }
+
+run_fleet() { run_scripts fleet; }

@@ -1,0 +1,19 @@
+import os
+
+from ansible_collections.ansible.windows.plugins.module_utils.machine import note
+from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import RecordedAction
+
+
+class ActionModule(RecordedAction):
+    OPTIONS = {"src": {"required": True}, "dest": {"required": True}}
+
+    def act(self, options, state):
+        folder = options["dest"].rpartition("\\")[0]
+        if folder not in state.get("folders", []):
+            return {"failed": True, "msg": "there is no folder " + folder}
+        note(state, "copy")
+        size = os.path.getsize(options["src"])
+        files = state.setdefault("files", {})
+        changed = files.get(options["dest"]) != size
+        files[options["dest"]] = size
+        return {"changed": changed}
