@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "ImportSlot.h"
+
 /// Counts the calls that a module makes of a platform function, from the object's making to its end. The calls go
 /// through; only the module's import table points to a counter in between. One object at a time for one function.
 class CallCount
@@ -22,5 +24,5 @@ public:
 private:
     struct Counter;
     Counter* m_counter = nullptr;
-    void** m_import = nullptr;
+    ImportSlot m_slot;
 };

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "ImportSlot.h"
+
 /// Has this program's own calls of an imported function go to another one for the life of the object, as a platform
 /// would answer that is in a state which a test cannot bring about. Calls made inside other libraries are not touched.
 class ImportOverride
@@ -10,14 +12,15 @@ public:
     /// @param function     Name of the imported function.
     /// @param replacement  Address of a function of the same type.
     /// Throws std::runtime_error when this program does not import the function.
-    ImportOverride(const std::string& function, void* replacement);
-    ~ImportOverride();
+    ImportOverride(const std::string& function, void* replacement) : m_slot(function), m_before(m_slot.Target())
+    {
+        m_slot.Redirect(replacement);
+    }
+    ~ImportOverride() { m_slot.Redirect(m_before); }
     ImportOverride(const ImportOverride&) = delete;
     ImportOverride& operator=(const ImportOverride&) = delete;
 
 private:
-    void Write(void* address) const;
-
-    void** m_slot = nullptr;
-    void* m_before = nullptr;
+    ImportSlot m_slot;
+    void* m_before;
 };

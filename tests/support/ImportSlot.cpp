@@ -1,14 +1,11 @@
-#include "ImportOverride.h"
-
-#include <windows.h>
+#include "ImportSlot.h"
 
 #include <stdexcept>
 
 namespace {
-// The place in this program's import table through which it calls `function`, or null.
-void** SlotOf(const std::string& function)
+void** FindSlot(HMODULE module, const std::string& function)
 {
-    auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleA(nullptr));
+    auto* const base = reinterpret_cast<BYTE*>(module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const IMAGE_DATA_DIRECTORY& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -23,25 +20,16 @@ void** SlotOf(const std::string& function)
             }
         }
     }
-    return nullptr;
+    throw std::runtime_error("the module does not import " + function);
 }
 } // namespace
 
-ImportOverride::ImportOverride(const std::string& function, void* replacement) : m_slot(SlotOf(function))
+ImportSlot::ImportSlot(const std::string& function, HMODULE module)
+    : m_slot(FindSlot(module == nullptr ? GetModuleHandleA(nullptr) : module, function))
 {
-    if (m_slot == nullptr) {
-        throw std::runtime_error("this program does not import " + function);
-    }
-    m_before = *m_slot;
-    Write(replacement);
 }
 
-ImportOverride::~ImportOverride()
-{
-    Write(m_before);
-}
-
-void ImportOverride::Write(void* address) const
+void ImportSlot::Redirect(void* address) const
 {
     DWORD before = 0;
     VirtualProtect(m_slot, sizeof(*m_slot), PAGE_READWRITE, &before);
