@@ -131,12 +131,12 @@ bool IsValueBehind(const KeptLine* before, const std::string& line)
     return before->value == KeptLine::Value::Next || (before->value == KeptLine::Value::Version && IsVersion(line));
 }
 
-// Whether the end of `text` from `at` on lies in `near` as the compiler splits what is shorter than a piece.
-bool EndIsIn(std::string_view near, std::string_view text, size_t at)
+// Whether the end of `text` from `at` on lies in `around` as the compiler splits what is shorter than a piece.
+bool EndIsIn(std::string_view around, std::string_view text, size_t at)
 {
     for (const size_t bytes : {4U, 2U, 1U}) {
         if (at + bytes <= text.size()) {
-            if (near.find(text.substr(at, bytes)) == std::string_view::npos) {
+            if (around.find(text.substr(at, bytes)) == std::string_view::npos) {
                 return false;
             }
             at += bytes;
@@ -145,16 +145,16 @@ bool EndIsIn(std::string_view near, std::string_view text, size_t at)
     return at == text.size();
 }
 
-// Whether `near` has pieces of `size` bytes that lie over all of `text`; they may overlap.
-bool PiecesAreIn(std::string_view near, std::string_view text, size_t size)
+// Whether `around` has pieces of `size` bytes that lie over all of `text`; they may overlap.
+bool PiecesAreIn(std::string_view around, std::string_view text, size_t size)
 {
     size_t covered = 0;
     for (size_t at = 0; at + size <= text.size() && at <= covered; ++at) {
-        if (near.find(text.substr(at, size)) != std::string_view::npos) {
+        if (around.find(text.substr(at, size)) != std::string_view::npos) {
             covered = at + size;
         }
     }
-    return covered != 0 && text.size() - covered < size && EndIsIn(near, text, covered);
+    return covered != 0 && text.size() - covered < size && EndIsIn(around, text, covered);
 }
 
 // Instructions carry a text in pieces of eight bytes, or of four when it is shorter, and its end in smaller ones.
