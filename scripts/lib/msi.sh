@@ -22,6 +22,13 @@ source_date() {
     printf '%s' "${date:-315532800}"
 }
 
+# collect_built BUILT COMPONENT FOLDER [--strip]: the files of a component that was built in the build folder BUILT. The
+# tools that change a program write a time into it: this one.
+collect_built() {
+    run_limited 120 env "SOURCE_DATE_EPOCH=$(source_date)" \
+        cmake --install "$1" --component "$2" --prefix "$3" "${@:4}"
+}
+
 # named_guid NAME: an identifier made of the upgrade code and a name, the same one each time (a version 5 UUID).
 named_guid() {
     local hash

@@ -26,12 +26,6 @@ sign() {
 # programs_in FOLDER: the files below the folder that Windows loads, null-separated.
 programs_in() { find "$1" -type f \( -iname '*.exe' -o -iname '*.dll' -o -iname '*.sys' \) -print0 | LC_ALL=C sort -z; }
 
-# collect BUILT COMPONENT FOLDER [--strip]: the built files of a component.
-collect() {
-    run_limited 120 cmake --install "$1" --component "$2" --prefix "$3" "${@:4}" >"$release_log" 2>&1 ||
-        fail "the files of the release cannot be collected (see $release_log)"
-}
-
 # extract_symbols FOLDER TARGET: the debug information of the files that were built, each as <its path>.debug.
 extract_symbols() {
     local built path
@@ -40,7 +34,7 @@ extract_symbols() {
         # A file without code has none.
         x86_64-w64-mingw32-objdump -h "$built" | grep -q ' \.debug_info ' || continue
         mkdir -p -- "${path%/*}"
-        x86_64-w64-mingw32-objcopy --only-keep-debug "$built" "$path" || fail "cannot take the debug symbols out of $built"
+        SOURCE_DATE_EPOCH=$(source_date) x86_64-w64-mingw32-objcopy --only-keep-debug "$built" "$path" || fail "cannot take the debug symbols out of $built"
         chmod 644 -- "$path"
     done < <(programs_in "$1")
 }
@@ -65,10 +59,10 @@ make_release() {
     name=Morvix-$(product_version)
     rm -rf -- "$new" "$parts"
     mkdir -p -- "$new" "$parts/symbols"
-    collect "$built" dist "$parts/kit" --strip
-    collect "$built" package "$parts/actions" --strip
-    collect "$built" dist "$parts/unstripped"
-    collect "$built" package "$parts/unstripped"
+    {
+        collect_built "$built" dist "$parts/kit" --strip && collect_built "$built" package "$parts/actions" --strip &&
+            collect_built "$built" dist "$parts/unstripped" && collect_built "$built" package "$parts/unstripped"
+    } >"$release_log" 2>&1 || fail "the files of the release cannot be collected (see $release_log)"
     extract_symbols "$parts/unstripped" "$parts/symbols"
     mapfile -d '' -t programs < <(programs_in "$parts/kit")
     sign "${programs[@]}" "$parts/actions/MorvixActions.dll"

@@ -12,7 +12,7 @@ network_class='{4D36E972-E325-11CE-BFC1-08002BE10318}'
 # Looks at the processes of this Windows only: others may run beside it.
 program_runs() {
     local pid
-    for pid in $(pgrep -f 'Morvix\.exe" /s /m'); do
+    for pid in $(pgrep -f 'Morvix\.exe"? /s /m'); do
         if grep -qzxF "WINEPREFIX=$WINEPREFIX" "/proc/$pid/environ" 2>/dev/null; then
             return 0
         fi
