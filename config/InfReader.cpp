@@ -1,17 +1,15 @@
 #include "InfReader.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
-#include <vector>
 
+#include "AnswerReuse.h"
 #include "DriverInstallRecord.h"
-#include "Handles.h"
 #include "InfModelLine.h"
-#include "IniLines.h"
 #include "LangString.h"
 #include "OrvSecure.h"
 #include "ProfileReading.h"
@@ -21,7 +19,6 @@ std::array<char, 256> matchedHardwareId;
 std::array<char, 260> deviceDescription;
 
 namespace {
-constexpr std::size_t kSectionBytes = 32767;
 using DescriptionKey = std::array<char, 260>;
 
 const char* TextOrEmpty(const char* text)
@@ -36,21 +33,27 @@ void CopyCut(std::string_view text, std::span<char> buffer)
     *std::ranges::copy(fitting, buffer.begin()).out = '\0';
 }
 
-/// Walks the lines up to the first one whose hardware ID is `key`.
-/// @param descriptionKey  Receives the text before the equals sign of the last line walked; empty when it does not fit.
-bool FindDevice(std::span<const char> section, const std::string& key, DescriptionKey& descriptionKey)
+/// Looks for the first line whose hardware ID is `key`.
+/// @param descriptionKey  Receives the text before the equals sign of that line, without a match of the last line;
+/// empty
+///                        when it does not fit.
+bool FindDevice(const ModelSection& section, const std::string& key, DescriptionKey& descriptionKey)
 {
-    for (const std::string_view line : LinesOf(section)) {
-        const ModelLine parts = ParseModelLine(line);
-        const std::string text(parts.descriptionKey.value_or(""));
-        OrvSafeCopy("InfReader", __LINE__, descriptionKey.data(), descriptionKey.size(), text.c_str());
-        if (parts.hardwareId && EqualsIgnoringCase(*parts.hardwareId, key)) {
-            CopyCut(*parts.hardwareId, matchedHardwareId);
-            Trace("matched:" + key + "\n");
-            return true;
+    const std::optional<std::size_t> match = section.LineOf(key);
+    const std::size_t walked = match ? *match + 1 : section.LineCount();
+    for (std::size_t line = 0; line < walked; ++line) {
+        const std::string_view text = section.DescriptionKey(line);
+        // The copy also reports a text that does not fit, on every line up to the last one walked.
+        if (line + 1 == walked || text.size() >= descriptionKey.size()) {
+            OrvSafeCopy("InfReader", __LINE__, descriptionKey.data(), descriptionKey.size(), std::string(text).c_str());
         }
     }
-    return false;
+    if (!match) {
+        return false;
+    }
+    CopyCut(section.HardwareId(*match), matchedHardwareId);
+    Trace("matched:", key, "\n");
+    return true;
 }
 
 void LookUpDescription(const DescriptionKey& descriptionKey, const std::string& infPath)
@@ -68,17 +71,16 @@ int ParseINFile(const char* key, const char* sectionName, const char* infPath)
     const std::string keyText = TextOrEmpty(key);
     const std::string path = TextOrEmpty(infPath);
     Trace("Entering - ParseINFile");
-    Trace("ParseINFFile(): key=" + keyText + ", section name=" + TextOrEmpty(sectionName) + ", file name=" + path +
-          "\n");
+    Trace("ParseINFFile(): key=", keyText, ", section name=", TextOrEmpty(sectionName), ", file name=", path, "\n");
     if (sectionName == nullptr) {
         return 0;
     }
-    std::vector<char> section(kSectionBytes);
-    if (ReadProfileSection(sectionName, section, path) == 0) {
+    const std::shared_ptr<const ModelSection> section = ReadModelSection(sectionName, path);
+    if (!section->WasRead()) {
         Trace("GetPrivateProfileSection() failed");
     }
     DescriptionKey descriptionKey{};
-    const bool matched = FindDevice(section, keyText, descriptionKey);
+    const bool matched = FindDevice(*section, keyText, descriptionKey);
     LookUpDescription(descriptionKey, path);
     return matched ? 1 : 0;
 }
@@ -86,21 +88,16 @@ int ParseINFile(const char* key, const char* sectionName, const char* infPath)
 int IsFileUnicode(const std::string& path)
 {
     Trace("Entering - IsFileUnicode");
-    const UniqueFile file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file.IsOpen()) {
-        Trace("unable to open file: " + path + "\n");
+    const AnswersAboutFile* const answers = AnswersAbout(path);
+    const FileMark mark =
+        answers == nullptr ? ReadFileMark(path) : FileMark{.opened = true, .read = true, .utf16 = answers->IsUtf16()};
+    if (!mark.opened) {
+        Trace("unable to open file: ", path, "\n");
         return 0;
     }
-    std::array<unsigned char, 2> mark{};
-    DWORD bytesRead = 0;
-    if (ReadFile(file.Get(), mark.data(), mark.size(), &bytesRead, nullptr) == FALSE) {
+    if (!mark.read) {
         Trace("unable to read from file\n");
     }
-    if (mark[0] == 0xFF && mark[1] == 0xFE) {
-        Trace("file is Unicode\n");
-        return 1;
-    }
-    Trace("file is not Unicode\n");
-    return 0;
+    Trace(mark.utf16 ? "file is Unicode\n" : "file is not Unicode\n");
+    return mark.utf16 ? 1 : 0;
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 
+#include "AnswerReuse.h"
 #include "Handles.h"
 #include "InfQualification.h"
 #include "InfReader.h"
@@ -43,14 +44,16 @@ bool IsFromOurBrand(const std::string& infPath)
 }
 
 /// @return true when the INF qualifies and lists the device `key`.
-bool InfServesDevice(const char* key, const std::string& fileName, const std::string& directoryPath,
+bool InfServesDevice(const char* key, const WIN32_FIND_DATAA& file, const std::string& directoryPath,
                      const InfSearchRules& rules)
 {
-    Trace("processing: " + fileName + "\n");
+    const std::string fileName = file.cFileName;
+    Trace("processing: ", fileName, "\n");
     if (ContainsName(rules.excludes, fileName)) {
         return false;
     }
     const std::string fullPath = directoryPath + fileName;
+    const FileVisit visit(fullPath, file);
     // What the file is encoded in is only traced: the platform reads both forms.
     IsFileUnicode(fullPath);
     if (!InfQualifies(fullPath, rules.expectedSignature)) {
@@ -73,23 +76,24 @@ void GetInfDirsFor(OSCode system, std::vector<std::string>& directories, std::ve
     Trace("Entering - GetInfDirs");
     Trace("reading ini file for candidate directories\n");
     const SystemRow& row = RowOf(system);
-    Trace(std::string(row.detectionLine));
+    Trace(row.detectionLine);
     if (IsServed(system)) {
         ReadInfDirsFromIni(std::string(row.sectionKey), directories);
         ReadInfExcludeFilesFromINI(std::string(row.sectionKey), excludes);
     }
-    std::string line = "infdirs: ";
+    std::vector<std::string_view> line{"infdirs: "};
     for (const std::string& directory : directories) {
-        line += "[" + directory + "] ";
+        line.insert(line.end(), {"[", directory, "] "});
     }
-    Trace(line + "\n");
+    line.emplace_back("\n");
+    TracePieces(line);
 }
 
 bool GetInfFile(const char* key, const std::string& directory, const DriverInstallRecord& record, char* infPath,
                 const std::vector<std::string>& excludes)
 {
     Trace("Entering - GetInfFile");
-    Trace("GetInfFile(), key:[[" + std::string(key == nullptr ? "" : key) + "]], dir:" + directory + "\n");
+    Trace("GetInfFile(), key:[[", key == nullptr ? "" : key, "]], dir:", directory, "\n");
     const InfSearchRules rules =
         InfSearchRulesFor(COSVersion().GetOSCode(), FamilyOf(record), RunOptions.forceInfScan != 0, excludes);
     const std::string found = FindInfInDirectory(key, WithTrailingBackslash(directory), rules);
@@ -121,9 +125,8 @@ std::string FindInfInDirectory(const char* key, const std::string& directoryPath
     }
     std::string infPath;
     do {
-        const std::string fileName = file.cFileName;
-        if (InfServesDevice(key, fileName, directoryPath, rules)) {
-            infPath = directoryPath + fileName;
+        if (InfServesDevice(key, file, directoryPath, rules)) {
+            infPath = directoryPath + file.cFileName;
         }
     } while (infPath.empty() && FindNextFileA(search.Get(), &file) != FALSE);
     // The search stays open for the rest of the run: one handle per directory searched, by design.

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 
+#include "ModelSection.h"
+
 /// All reading of the setup INI and of INF files: the platform's private-profile functions over a bounded buffer.
 /// Files are named by their full path. A missing file, section or key is no error: the default or nothing is read.
+/// While an AnswerReuse object lives, the platform is not asked twice about a file that has not changed.
 
 /// Reads one value.
 /// @param section      Section name without brackets.
@@ -21,3 +25,7 @@ uint32_t ReadProfileText(const char* section, const char* key, const char* defau
 /// @return number of characters read; the buffer's size less two when the section did not fit and was cut; 0 when the
 ///         section is missing or empty.
 uint32_t ReadProfileSection(const char* section, std::span<char> buffer, const std::string& file);
+
+/// Reads a model section of an INF. At most 32767 bytes of it are read, in the way of ReadProfileSection.
+/// @return never null.
+[[nodiscard]] std::shared_ptr<const ModelSection> ReadModelSection(const char* section, const std::string& file);

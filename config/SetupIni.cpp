@@ -98,7 +98,7 @@ void ReadInfExcludeFilesFromINI(const std::string& section, std::vector<std::str
     Trace("INFs to exclude:");
     ForEachValue(buffer, kExcludeMarker, [&excludes](const std::string& value) {
         excludes.push_back(value);
-        Trace(std::string(value));
+        Trace(value);
     });
 }
 
@@ -116,10 +116,10 @@ void GetINFSectionNamesFor(OSCode system, std::vector<std::string>& names)
     } else {
         Trace("unsupported OS, unable to get section name\n");
     }
-    Trace("section names from ini: " + value + "\n");
+    Trace("section names from ini: ", value, "\n");
     for (const std::string& name : SplitFromEnd(value)) {
         names.push_back(name);
-        Trace("added section name: " + name + "\n");
+        Trace("added section name: ", name, "\n");
     }
 }
 

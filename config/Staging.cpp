@@ -67,12 +67,12 @@ bool CopyOneFile(const std::string& source, const std::string& destination, bool
     if (hasPlace) {
         SetFileAttributesA(destination.c_str(), FILE_ATTRIBUTE_NORMAL);
         if (CopyFileA(source.c_str(), destination.c_str(), FALSE) != FALSE) {
-            Trace("copied file to: " + destination + "\n");
+            Trace("copied file to: ", destination, "\n");
             return true;
         }
     }
     const DWORD error = GetLastError();
-    Trace("src: " + source + "\ndst: " + destination + "\n");
+    Trace("src: ", source, "\ndst: ", destination, "\n");
     SetLastError(error);
     PrintGetLastErrorMessage();
     return false;
@@ -91,10 +91,10 @@ void CopyFilesToCabDirFor(OSCode system)
     // A directory that the registry does not name stays without a name: a lone backslash would mean the root of
     // whatever drive is the current one.
     std::string cabDirectory = sourcePath.empty() ? std::string() : WithTrailingBackslash(sourcePath);
-    Trace("cab dir: " + cabDirectory + "\n");
+    Trace("cab dir: ", cabDirectory, "\n");
     if (!CopyInfDirectories(system, cabDirectory)) {
         cabDirectory = FallbackDirectory();
-        Trace("new cab dir: " + cabDirectory + "\n");
+        Trace("new cab dir: ", cabDirectory, "\n");
         CopyInfDirectories(system, cabDirectory);
     }
     if (system == osWIN98) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "AdapterRegistry.h"
+#include "AnswerReuse.h"
 #include "DeviceInstall.h"
 #include "DevicePassState.h"
 #include "EnumerationEnd.h"
@@ -56,7 +57,7 @@ void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const
 bool SearchDirectories(const DeviceSearch& search, DriverInstallRecord& record)
 {
     for (const std::string& directory : search.directories) {
-        Trace(std::string(directory));
+        Trace(directory);
         std::array<char, kInfPathChars> infPath{};
         if (GetInfFile(search.searchId.c_str(), directory, record, infPath.data(), search.excludes)) {
             RecordMatch(record, search.deviceId, infPath.data());
@@ -79,15 +80,15 @@ bool FindInf(DeviceSearch& search, DriverInstallRecord& record)
         // A pass that is skipped repeats the search with the ID as it is.
         if (std::optional<std::string> next = SearchIdForPass(search.deviceId, pass + 1)) {
             search.searchId = *std::move(next);
-            Trace(std::string(search.searchId));
-            Trace("Pass " + std::to_string(pass + 1));
+            Trace(search.searchId);
+            Trace("Pass ", std::to_string(pass + 1));
         }
     }
 }
 
 bool MatchDevice(const std::string& deviceId, DriverInstallRecord& record)
 {
-    Trace("device: " + deviceId + "\n");
+    Trace("device: ", deviceId, "\n");
     DeviceSearch search{.deviceId = deviceId, .searchId = deviceId, .directories = {}, .excludes = {}};
     GetInfDirs(search.directories, search.excludes);
     return FindInf(search, record);
@@ -122,6 +123,8 @@ uint32_t RunPass(DriverInstallRecord& record, IDriverInstallInterface* driverIns
         return kDevicePassFailed;
     }
     Trace("************ enumerating registry for devices...\n");
+    // Every device is searched for in the same files.
+    const AnswerReuse reuse;
     WalkDevices(key.get(), *family, record, driverInstall, dialog);
     Trace("************ finished enumerating registry for devices\n");
     return 0;

@@ -23,7 +23,7 @@ void InstallInstance(const std::string& instancePath, const std::string& command
         return;
     }
     const UniqueRegKey key(opened);
-    Trace("setting RegPCIpath: " + instancePath + "\n");
+    Trace("setting RegPCIpath: ", instancePath, "\n");
     RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
                    static_cast<DWORD>(instancePath.size() + 1));
     LaunchAppandWait(commandLine);
@@ -52,11 +52,11 @@ int Win98Install(const std::string& infPath, const std::string& hardwareId)
     Trace("Enter -> Win98Install");
     SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName).c_str());
     const std::string matchedId(TextIn(matchedHardwareId));
-    Trace("g_98key: " + matchedId + "\n");
+    Trace("g_98key: ", matchedId, "\n");
     const std::string commandLine = LegacyCommandLine(matchedId, infPath);
 
     const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId);
-    Trace("opening registry key to enumerate: " + keyPath + "\n");
+    Trace("opening registry key to enumerate: ", keyPath, "\n");
     if (const UniqueRegKey deviceKey = OpenMachineKey(keyPath, KEY_ENUMERATE_SUB_KEYS)) {
         InstallInstances(deviceKey.get(), keyPath, commandLine);
     }

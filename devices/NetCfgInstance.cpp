@@ -46,7 +46,7 @@ std::optional<std::string> DriverKeyOf(const std::string& deviceKeyName)
 int GetNetCfgInstanceId(const std::string& deviceKeyName, std::span<char> instanceId)
 {
     Trace("Enter -> GetNetCfgInstanceId()\n");
-    Trace(std::string(deviceKeyName));
+    Trace(deviceKeyName);
     if (!instanceId.empty()) {
         instanceId.front() = '\0';
     }

@@ -27,7 +27,7 @@ std::optional<std::vector<char>> ReadCompatibleIds(const std::string& devicePath
 bool FirstInstanceIsAccepted(const std::string& deviceKeyName)
 {
     const std::string path = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + deviceKeyName;
-    Trace(std::string(path));
+    Trace(path);
     const std::optional<std::vector<char>> ids = ReadCompatibleIds(path);
     if (!ids || FindAcceptedId({ids->data(), ids->size()}).empty()) {
         return false;

@@ -90,9 +90,9 @@ int PostInstallRegResultFor(OSCode system, std::span<char> infPath)
     const std::string_view pathText(path.data(), path.size());
     const std::string_view fileName = FileNameOf(pathText);
     Trace("inf file name and path is ->");
-    Trace(std::string(pathText));
+    Trace(pathText);
     Trace("inf file name is ->");
-    Trace(std::string(fileName));
+    Trace(fileName);
 
     // The caller keeps the path in upper case, by design; the family names are in upper case as they stand.
     MakePathUpperCase(path);

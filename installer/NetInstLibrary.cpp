@@ -19,7 +19,7 @@ DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
     if (entry == nullptr) {
         const DWORD error = GetLastError();
         status = static_cast<uint32_t>(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
-        Trace("unable to load: " + path + "\n");
+        Trace("unable to load: ", path, "\n");
         return nullptr;
     }
     // Stays loaded: the objects that it hands out live in it.

@@ -21,17 +21,17 @@ int SetLocationInfo(const std::string& programName)
     std::array<char, MAX_PATH> directory{};
     GetCurrentDirectoryA(MAX_PATH, directory.data());
     LocationInfo.invokedDir = directory.data();
-    Trace("invoked dir: " + LocationInfo.invokedDir + "\n");
+    Trace("invoked dir: ", LocationInfo.invokedDir, "\n");
     LocationInfo.programName = programName;
-    Trace("program name: " + LocationInfo.programName + "\n");
+    Trace("program name: ", LocationInfo.programName, "\n");
 
     const std::string fullPath = FullProgramPath(LocationInfo.programName, LocationInfo.invokedDir);
-    Trace("full path: " + fullPath + "\n");
+    Trace("full path: ", fullPath, "\n");
     LocationInfo.setupDir = DirectoryOf(fullPath);
-    Trace("Morvix dir: " + LocationInfo.setupDir + "\n");
+    Trace("Morvix dir: ", LocationInfo.setupDir, "\n");
 
     const std::string iniFile = LocationInfo.setupDir + R"(\Morvix.ini)";
     const bool found = IsFile(iniFile);
-    Trace("ini file: " + iniFile + (found ? "\n" : ", NOT FOUND\n"));
+    Trace("ini file: ", iniFile, (found ? "\n" : ", NOT FOUND\n"));
     return found ? 1 : 0;
 }

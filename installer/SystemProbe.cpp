@@ -27,7 +27,7 @@ void ReportProbeFailure(uint32_t status, const DriverInstallRecord& record, bool
 {
     const auto id = MessageForProberStatus(status, FamilyOf(record));
     const std::string message = id ? LangString(*id) : std::string();
-    Trace(std::string(message));
+    Trace(message);
     if (!silent) {
         MessageBoxA(nullptr, message.c_str(), LangString(kStringInstallFailed).c_str(), MB_ICONERROR);
     }

@@ -43,7 +43,7 @@ constexpr char kWindowClass[] = "Morvix";
     } catch (...) {
         what = "not a standard exception";
     }
-    Trace("unhandled fault: " + what + "\n");
+    Trace("unhandled fault: ", what, "\n");
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(kExitFailure));
     std::abort();
 }
@@ -53,7 +53,7 @@ bool LoadResourceLibrary()
     const std::string path = LocationInfo.setupDir + R"(\MorvixRes.dll)";
     resourceModule = LoadLibraryA(path.c_str());
     if (resourceModule == nullptr) {
-        Trace("unable to load: " + path + "\n");
+        Trace("unable to load: ", path, "\n");
         return false;
     }
     return true;

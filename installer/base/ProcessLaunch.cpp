@@ -48,10 +48,10 @@ int StartAndWait(std::string& commandLine, WaitTrace waitTrace)
 int LaunchAppandWait(std::string commandLine)
 {
     Trace("Entering - LaunchAppandWait");
-    Trace("LaunchAppandWait(),  " + commandLine + "\n");
+    Trace("LaunchAppandWait(),  ", commandLine, "\n");
     std::array<char, MAX_PATH> directory{};
     GetCurrentDirectoryA(MAX_PATH, directory.data());
-    Trace("current directory:  " + std::string(directory.data()) + "\n");
+    Trace("current directory:  ", directory.data(), "\n");
     return StartAndWait(commandLine, WaitTrace::AroundTheWait);
 }
 
@@ -70,7 +70,7 @@ int DoUninstall(const DriverInstallRecord& record)
     std::array<char, MAX_PATH> systemDirectory{};
     GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
     const std::string path = systemDirectory.data() + std::string(is9x ? R"(\Kelsdel.exe)" : R"(\Tavunstl.exe)");
-    Trace("uninstall app: " + path + "\n");
+    Trace("uninstall app: ", path, "\n");
 
     WIN32_FIND_DATAA found{};
     // The search stays open for the rest of the run: one handle per uninstall, by design.

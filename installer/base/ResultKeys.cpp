@@ -72,11 +72,11 @@ void PostResultToRegistry(const std::string& result, char* driverType, size_t dr
 {
     Trace("Enter -> PostResultToRegistry");
     Trace("Installation result is ->");
-    Trace(std::string(result));
+    Trace(result);
     Trace("The type of driver being installed is ->");
-    Trace(std::string(driverType));
+    Trace(driverType);
     Trace("The driver version being installed is ->");
-    Trace(std::string(version));
+    Trace(version);
 
     HKEY opened = nullptr;
     if (RegCreateKeyA(HKEY_LOCAL_MACHINE, R"(Software\Norda\Basedrivers)", &opened) == ERROR_SUCCESS) {

@@ -6,10 +6,21 @@
 
 void Trace(std::string&& message)
 {
-    HKEY key = nullptr;
-    if (RegOpenKeyA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Basedrivers\Debug)", &key) == ERROR_SUCCESS) {
-        const UniqueRegKey owner(key);
-        OutputDebugStringA(("Morvix: " + message).c_str());
-    }
+    const std::string_view whole = message;
+    TracePieces({&whole, 1});
     message.clear();
+}
+
+void TracePieces(std::span<const std::string_view> pieces)
+{
+    HKEY key = nullptr;
+    if (RegOpenKeyA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Basedrivers\Debug)", &key) != ERROR_SUCCESS) {
+        return;
+    }
+    const UniqueRegKey owner(key);
+    std::string line = "Morvix: ";
+    for (const std::string_view piece : pieces) {
+        line += piece;
+    }
+    OutputDebugStringA(line.c_str());
 }

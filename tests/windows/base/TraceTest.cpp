@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
+#include "CallCount.h"
 #include "DebugOutput.h"
 #include "RegistryKeys.h"
 
@@ -52,4 +55,25 @@ TEST(Trace, ConsumesItsMessageWhetherTheTraceIsOnOrOff)
     message = "again";
     Trace(std::move(message));
     EXPECT_TRUE(message.empty()); // NOLINT(bugprone-use-after-move)
+}
+
+TEST(Trace, JoinsItsPiecesAndLeavesThemAsTheyAre)
+{
+    TraceCapture trace;
+    const std::string device = "VEN_5D1A";
+    Trace("device: ", device, std::string_view(", found"), "\n");
+    Trace(device);
+    EXPECT_EQ(device, "VEN_5D1A");
+    const std::array<std::string_view, 3> pieces{"a", "", "b"};
+    TracePieces(pieces);
+    EXPECT_THAT(trace.Messages(), ElementsAre("device: VEN_5D1A, found\n", "VEN_5D1A", "ab"));
+}
+
+TEST(Trace, TriesTheKeyOnEveryCallAlsoWhileItIsOff)
+{
+    const ScratchRegistryKey debugKey(kDebugKey);
+    const CallCount opened("RegOpenKeyA");
+    Trace("one");
+    Trace("two ", "pieces");
+    EXPECT_EQ(opened.Calls(), 2U);
 }

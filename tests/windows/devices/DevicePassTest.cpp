@@ -7,6 +7,8 @@
 #include <array>
 #include <stdexcept>
 
+#include "AnswerReuse.h"
+#include "CallCount.h"
 #include "DeviceFixtures.h"
 #include "DevicePassState.h"
 #include "EnumerationEnd.h"
@@ -443,4 +445,71 @@ TEST_F(DevicePass, TheWalkTracesNothingWhileTheTraceIsOff)
     for (const std::string& line : output.OwnLines()) {
         EXPECT_FALSE(line.starts_with("Morvix: ")) << line;
     }
+}
+
+namespace {
+/// The private-profile functions are asked this often by `action`.
+uint64_t ProfileReads(const std::function<void()>& action)
+{
+    const CallCount texts("GetPrivateProfileStringA");
+    const CallCount sections("GetPrivateProfileSectionA");
+    action();
+    return texts.Calls() + sections.Calls();
+}
+} // namespace
+
+TEST_F(DevicePass, NumberOfProfileReadsDependsOnNeitherDevicesNorPasses)
+{
+    InfKit kit({"Drv", "Drv2"});
+    kit.Add("Drv", "tav1.inf", "VEN_5D1A&DEV_0001");
+    kit.Add("Drv", "tav2.inf", "VEN_5D1A&DEV_0002");
+    kit.Add("Drv2", "tav3.inf", "VEN_5D1A&DEV_0003");
+    const uint64_t onePassOfOneDevice = ProfileReads([&] {
+        const AnswerReuse reuse;
+        std::vector<std::string> directories;
+        std::vector<std::string> excludes;
+        GetInfDirs(directories, excludes);
+        for (const std::string& directory : directories) {
+            std::array<char, 260> infPath{};
+            EXPECT_FALSE(GetInfFile(kDevice, directory, m_record, infPath.data(), excludes));
+        }
+    });
+    EXPECT_GT(onePassOfOneDevice, 0U);
+    const SimulatedDevice first(kDevice);
+    EXPECT_EQ(ProfileReads([this] { Run(); }), onePassOfOneDevice) << "four passes";
+    const SimulatedDevice second(kOtherDevice);
+    const SimulatedDevice third("VEN_5D1A&DEV_1A2D&SUBSYS_00011A2D&REV_04");
+    EXPECT_EQ(ProfileReads([this] { Run(); }), onePassOfOneDevice) << "three devices, twelve passes";
+    EXPECT_TRUE(m_install.calls.empty());
+}
+
+TEST_F(DevicePass, InfThatChangesDuringAnInstallIsReadAgainForTheNextDevice)
+{
+    InfKit kit;
+    const std::string path = kit.Add("Drv", "tav1.inf", kDevice);
+    const SimulatedDevice first(kDevice);
+    const SimulatedDevice second(kOtherDevice);
+    m_install.duringCall = [&] { kit.Add("Drv", "tav1.inf", kOtherDevice, "the next device"); };
+    EXPECT_EQ(Run(), 0U);
+    ASSERT_EQ(m_install.calls.size(), 2U);
+    EXPECT_EQ(m_install.calls[1].hardwareId, std::string("PCI\\") + kOtherDevice);
+    EXPECT_EQ(m_install.calls[1].infPath, UpperCased(path));
+}
+
+TEST_F(DevicePass, NextPassOfARunAsksThePlatformAnew)
+{
+    InfKit kit;
+    kit.Add("Drv", "tav1.inf", "VEN_5D1A&DEV_0001");
+    const SimulatedDevice device(kDevice);
+    const uint64_t first = ProfileReads([this] { Run(); });
+    EXPECT_EQ(ProfileReads([this] { Run(); }), first);
+    EXPECT_EQ(answerReuse.answers, nullptr);
+}
+
+TEST_F(DevicePass, FaultThatEndsTheWalkEndsTheReuseOfAnswersToo)
+{
+    const InfKit kit;
+    const SimulatedDevice device("VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B");
+    EXPECT_THROW(Run(), std::out_of_range);
+    EXPECT_EQ(answerReuse.answers, nullptr);
 }
