@@ -1,14 +1,10 @@
 #include "ImportOverride.h"
 
-#include <windows.h>
-
 #include <stdexcept>
 
-namespace {
-// The place in this program's import table through which it calls `function`, or null.
-void** SlotOf(const std::string& function)
+void** ImportSlot(const std::string& function, HMODULE module)
 {
-    auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleA(nullptr));
+    auto* const base = reinterpret_cast<BYTE*>(module == nullptr ? GetModuleHandleA(nullptr) : module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const IMAGE_DATA_DIRECTORY& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -23,16 +19,12 @@ void** SlotOf(const std::string& function)
             }
         }
     }
-    return nullptr;
+    throw std::runtime_error("the module does not import " + function);
 }
-} // namespace
 
-ImportOverride::ImportOverride(const std::string& function, void* replacement) : m_slot(SlotOf(function))
+ImportOverride::ImportOverride(const std::string& function, void* replacement, HMODULE module)
+    : m_slot(ImportSlot(function, module)), m_before(*m_slot)
 {
-    if (m_slot == nullptr) {
-        throw std::runtime_error("this program does not import " + function);
-    }
-    m_before = *m_slot;
     Write(replacement);
 }
 
