@@ -13,7 +13,7 @@ packages=(
     # the characters of the East Asian languages in pictures of the dialog
     fonts-wqy-microhei
     # checks of the sources
-    clang-format clang-tidy shellcheck
+    clang-format clang-tidy cppcheck shellcheck gcovr python3
 )
 
 # Fills `missing` with the packages that are not installed.

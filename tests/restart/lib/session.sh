@@ -13,7 +13,7 @@ source "$lib/display.sh"
 # shellcheck source=../../../scripts/lib/adapters.sh
 source "$lib/adapters.sh"
 
-morvix=$build_dir/dist/Morvix.exe
+morvix=$dist/Morvix.exe
 broken=0
 
 # promise TEXT COMMAND...: the promise is kept when the command succeeds.
