@@ -1,7 +1,7 @@
 #pragma once
 
-// Put in front of every source that mutate.py has put faults into: one build holds them all, and the environment variable
-// MORVIX_MUTANT chooses the one that is alive.
+// Put in front of every source that mutate.py has put faults into: one build holds them all, and the environment
+// variable MORVIX_MUTANT chooses the one that is alive.
 #include <cstdlib>
 #include <type_traits>
 
