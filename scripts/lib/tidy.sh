@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# clang-tidy over the product, as the windows preset compiles it. Sourced after common.sh and
+# clang-tidy over the product and the stand-ins of its tests, as the windows preset compiles them. Sourced after common.sh and
 # results.sh.
 # shellcheck disable=SC2154
 
@@ -41,7 +41,7 @@ list_tidy_arguments() {
 
 # The compile commands of these sources, the first of each; their names go into the file `sources`.
 list_tidy_commands() {
-    awk -v skip="^($build_dir|/usr|$repo/tests)/" -v list="$tidy_dir/sources" '
+    awk -v skip="^($build_dir|/usr|$repo/tests/(windows|e2e|pure))/" -v list="$tidy_dir/sources" '
         /^{/ { entry = "" }
         { entry = entry $0 "\n" }
         match($0, /"file": ".*"/) { file = substr($0, RSTART + 9, RLENGTH - 10) }
