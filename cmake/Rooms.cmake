@@ -39,8 +39,9 @@ add_library(morvix_assertions INTERFACE)
 target_compile_definitions(morvix_assertions INTERFACE _GLIBCXX_ASSERTIONS)
 add_library(morvix_traps INTERFACE)
 target_link_libraries(morvix_traps INTERFACE morvix_assertions)
+# Without optimisation and debug information the copies are compiled in half the time.
 target_compile_options(morvix_traps INTERFACE
-  "$<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=undefined;-fsanitize-undefined-trap-on-error>")
+  "$<$<COMPILE_LANGUAGE:C,CXX>:-O0;-g0;-fsanitize=undefined;-fsanitize-undefined-trap-on-error>")
 
 function(morvix_room name)
   morvix_room_libraries("" ${name} ${ARGN})
