@@ -24,8 +24,9 @@ else()
   target_link_options(morvix_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
-# What the product's own files are compiled and linked with beside that; nothing in what is shipped.
-set(MORVIX_PRODUCT_OPTIONS "" CACHE STRING "Further compiler options for the product's own files, for scripts that look into it")
+# What the product's own files are compiled and linked with beside that, and the suites, because a program keeps one copy of
+# an inline function; nothing in what is shipped.
+set(MORVIX_PRODUCT_OPTIONS "" CACHE STRING "Further compiler options for the product's files, for scripts that look into it")
 add_library(morvix_product INTERFACE)
 target_link_libraries(morvix_product INTERFACE morvix_flags)
 target_compile_options(morvix_product INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${MORVIX_PRODUCT_OPTIONS}>")
