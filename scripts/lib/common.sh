@@ -4,6 +4,11 @@
 repo=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 script_name=$(realpath --relative-base="$repo" -- "$0")
 build_dir=$repo/build
+# What was built, and how the tests of it went. A script that builds with options of its own has folders of its own.
+flavour=${MORVIX_FLAVOUR:-}
+host_build=$build_dir/${flavour}host
+windows_build=$build_dir/${flavour}windows
+dist=$build_dir/${flavour}dist
 
 # The caller's compiler settings belong to other projects; the presets say all that this one needs.
 unset CC CXX CFLAGS CXXFLAGS CPPFLAGS LDFLAGS CPATH C_INCLUDE_PATH CPLUS_INCLUDE_PATH LIBRARY_PATH CMAKE_GENERATOR

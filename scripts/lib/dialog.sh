@@ -45,8 +45,8 @@ press_return() {
 # photograph_dialog FOLDER: runs Morvix.exe interactively and leaves 1-welcome.png and 2-done.png in FOLDER.
 photograph_dialog() {
     local folder=$1 trace=$1/dialog-trace.txt run
-    { release_lock; exec timeout 120 wine "$build_dir/windows/tools/debugview.exe" "$(windows_path "$trace")" \
-        "$(windows_path "$build_dir/dist/Morvix.exe")"; } >"$folder/dialog.log" 2>&1 &
+    { release_lock; exec timeout 120 wine "$windows_build/tools/debugview.exe" "$(windows_path "$trace")" \
+        "$(windows_path "$dist/Morvix.exe")"; } >"$folder/dialog.log" 2>&1 &
     run=$!
     at_exit end_quietly "$run"
     wait_until 30 find_dialog || fail "the dialog does not appear (see $trace)"

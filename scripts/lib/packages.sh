@@ -15,7 +15,7 @@ packages=(
     # the Windows Installer package, its tables, and what a release is made with
     wixl msitools xxd zip unzip osslsigncode openssl
     # checks of the sources
-    clang-format clang-tidy shellcheck
+    clang-format clang-tidy cppcheck shellcheck gcovr python3
     # the role for many machines, with the collection of Windows modules, and what reads its reports; the diagrams
     ansible ansible-lint jq libxml2-utils
 )

@@ -3,7 +3,7 @@
 # passed|failed <tab> unit <tab> name. Sourced after common.sh.
 # shellcheck disable=SC2154
 
-results_dir=$build_dir/test
+results_dir=$build_dir/${flavour}test
 results=$results_dir/results.tsv
 
 start_results() {

@@ -6,7 +6,7 @@
 wanted() { [[ $1 =~ $only ]]; }
 
 # The names of the tests that a build folder knows; a program without registration is a leftover.
-registered_tests() { ctest --test-dir "$build_dir/$1" --show-only | sed -n 's/^ *Test *#[0-9]*: //p'; }
+registered_tests() { ctest --test-dir "$build_dir/$flavour$1" --show-only | sed -n 's/^ *Test *#[0-9]*: //p'; }
 
 # run_program UNIT SECONDS REPORT COMMAND...: runs a GoogleTest program that writes REPORT. Answers 124 when it was
 # stopped for taking too long.
@@ -42,12 +42,12 @@ run_pure_suites() {
     for test in $(registered_tests host); do
         if [[ $test == pure_* ]] && wanted "$test"; then
             report=$results_dir/$test.xml
-            run_program "$test" 300 "$report" "$build_dir/host/tests/$test" "--gtest_output=xml:$report" || true
+            run_program "$test" 300 "$report" "$host_build/tests/$test" "--gtest_output=xml:$report" || true
         fi
     done
     # What is no GoogleTest program (fuzz runs) counts one test each.
     if registered_tests host | grep -qv '^pure_' && wanted host-other; then
-        run_program host-other 600 "$others" ctest --test-dir "$build_dir/host" --exclude-regex '^pure_' --no-tests=error \
+        run_program host-other 600 "$others" ctest --test-dir "$host_build" --exclude-regex '^pure_' --no-tests=error \
             --timeout 300 --output-on-failure --output-junit "$others" || true
     fi
 }
@@ -77,7 +77,7 @@ run_windows_suites() {
     new_prefix test-suites
     keep_server
     for test in "${tests[@]}"; do
-        run_windows_program "$test" 400 "$build_dir/windows/tests/$test.exe"
+        run_windows_program "$test" 400 "$windows_build/tests/$test.exe"
     done
 }
 
@@ -86,7 +86,7 @@ run_end_to_end() {
     local program unit limit=900
     local -a programs=()
     [[ -z ${MORVIX_FULL_MATRIX:-} ]] || limit=7200
-    for program in "$build_dir"/windows/tests/e2e/morvix_e2e*.exe; do
+    for program in "$windows_build"/tests/e2e/morvix_e2e*.exe; do
         unit=$(basename -- "$program" .exe)
         if wanted "$unit"; then
             programs+=("$program")
@@ -96,8 +96,8 @@ run_end_to_end() {
     start_display
     new_prefix test-e2e
     keep_server
-    MORVIX_DIST=$(windows_path "$build_dir/dist")
-    MORVIX_DOUBLES=$(windows_path "$build_dir/windows/tests/doubles")
+    MORVIX_DIST=$(windows_path "$dist")
+    MORVIX_DOUBLES=$(windows_path "$windows_build/tests/doubles")
     export MORVIX_DIST MORVIX_DOUBLES
     for program in "${programs[@]}"; do
         unit=$(basename -- "$program" .exe)

@@ -363,6 +363,23 @@ TEST_F(InteractiveFcoeBoot, WithANewExtensionInstallsAndOffersTheRestart)
     ExpectNoRestart(finished);
 }
 
+TEST_F(InteractiveFcoeBoot, WhileTheQuestionIsOpenTheCountdownStandsStill)
+{
+    constexpr DWORD kMoreThanTwoTicks = 2500;
+    SetExtensionVersion("16.2");
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    RunUntilRestartIsOffered(window);
+    window.Press(ProgressWindow::kRestartLater);
+    const MessageBoxSeen question = WaitForMessageBox(*run);
+    const std::string before = window.TextOf(ProgressWindow::kStatus);
+    Sleep(kMoreThanTwoTicks);
+    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), before);
+    PressInBox(question, IDNO);
+
+    ExpectNoRestart(run->Finish());
+}
+
 TEST_F(InteractiveFcoeBoot, RestartNowRestartsWithoutAQuestion)
 {
     SetExtensionVersion("17.0");

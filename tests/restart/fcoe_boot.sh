@@ -24,9 +24,9 @@ write_installed_adapter() {
 
 # A shippable folder with the FCoE library beside the program; its ports say that the machine was booted through them.
 use_fcoe_library() {
-    local kit=$WINEPREFIX/drive_c/kit library=$build_dir/windows/tests/doubles/nordhapi.dll
+    local kit=$WINEPREFIX/drive_c/kit library=$windows_build/tests/doubles/nordhapi.dll
     [[ -f $library ]] || fail "there is no $library: run scripts/build windows first"
-    cp -a -- "$build_dir/dist" "$kit"
+    cp -a -- "$dist" "$kit"
     cp -- "$library" "$kit/"
     printf '[Answers]\r\nFlags=1\r\n' >"$kit/nordhapi.answers.ini"
     morvix=$kit/Morvix.exe

@@ -112,7 +112,7 @@ std::vector<std::string> RegistrySubKeys(const std::string& key)
 void DeleteRegistryTree(const std::string& key)
 {
     for (const std::string& name : RegistrySubKeys(key)) {
-        DeleteRegistryTree(key + "\\" + name);
+        DeleteRegistryTree(std::string(key).append("\\").append(name));
     }
     RegDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
 }

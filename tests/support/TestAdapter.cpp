@@ -92,6 +92,8 @@ TestAdapterDriver::TestAdapterDriver(const std::string& driverFile, const std::v
     Start(driverFile);
 }
 
+// A driver that cannot be removed may end the test program.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 TestAdapterDriver::~TestAdapterDriver()
 {
     RemoveDriver();

@@ -36,7 +36,7 @@ public:
     TestAdapterDriver(const std::string& driverFile, const std::vector<Adapter>& adapters,
                       std::optional<uint32_t> ndisVersion = std::nullopt);
     /// Stops the driver and removes it.
-    ~TestAdapterDriver();
+    ~TestAdapterDriver(); // NOLINT(bugprone-exception-escape)
     TestAdapterDriver(const TestAdapterDriver&) = delete;
     TestAdapterDriver& operator=(const TestAdapterDriver&) = delete;
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 
 TEST(DriverInstallRecord, FieldsLieWhereTheInstallerLibraryReadsThem)
 {
@@ -38,4 +39,15 @@ TEST(DriverInstallRecord, FamiliesAreComparedWholeAndLetterCaseAside)
     EXPECT_FALSE(EqualsIgnoringCase("Windows Vista ", kFamilyWindowsVista));
     EXPECT_FALSE(EqualsIgnoringCase("Windows", kFamilyWindowsVista));
     EXPECT_FALSE(EqualsIgnoringCase("", kFamilyWindowsVista));
+}
+
+TEST(DriverInstallRecord, EveryLetterHasItsOtherCaseAndNoOtherByteHasOne)
+{
+    for (int value = 0; value < 256; ++value) {
+        const char byte = static_cast<char>(value);
+        const bool upper = byte >= 'A' && byte <= 'Z';
+        const bool lower = byte >= 'a' && byte <= 'z';
+        const char other = static_cast<char>(value ^ 0x20);
+        EXPECT_EQ(upper || lower, EqualsIgnoringCase(std::string(1, byte), std::string(1, other))) << value;
+    }
 }

@@ -41,6 +41,14 @@ TEST(LanguageTable, UnsupportedLanguagesFallBackToUsEnglish)
     EXPECT_EQ("ENU", LanguageForSystem(kFallbackLanguage).code3);
 }
 
+TEST(LanguageTable, PrimaryLanguageHasTenBits)
+{
+    // The low eight bits of these are those of Chinese and German.
+    EXPECT_EQ("", LanguageForSystem(0x0504).code3);
+    EXPECT_EQ("", LanguageForSystem(0x0107).code3);
+    EXPECT_EQ(0, LanguageForSystem(0x0107).id);
+}
+
 TEST(LanguageAnswer, GivesCodeAndIdentifierOfEachLanguage)
 {
     for (const Row& row : kRows) {

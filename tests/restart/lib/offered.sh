@@ -18,7 +18,7 @@ start_offer() {
     } >"$registry"
     import_registry "$registry"
     rm -f -- "$registry"
-    { release_lock; exec timeout 120 wine "$build_dir/windows/tools/debugview.exe" "$(windows_path "$trace")" \
+    { release_lock; exec timeout 120 wine "$windows_build/tools/debugview.exe" "$(windows_path "$trace")" \
         "$(windows_path "$morvix")"; } >/dev/null 2>&1 &
     at_exit end_quietly "$!"
     wait_until 60 find_dialog || fail "the dialog does not appear (see $trace)"

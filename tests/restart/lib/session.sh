@@ -14,7 +14,7 @@ source "$lib/adapters.sh"
 # shellcheck source=../../../scripts/lib/promises.sh
 source "$lib/promises.sh"
 
-morvix=$build_dir/dist/Morvix.exe
+morvix=$dist/Morvix.exe
 # start_session NAME [ADAPTER...]: a fresh Windows with these adapters. Whenever a session of it begins, it writes the
 # marker file, once. A bystander, a program with a window, runs for as long as the present session lasts.
 start_session() {

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "DebugOutput.h"
+#include "HandleCount.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
@@ -64,4 +65,15 @@ TEST(FileVersion, BufferThatCannotHoldEveryVersionIsNotWritten)
     std::array<char, 8> version{};
     EXPECT_FALSE(GetModuleVersion(TestFile("versioned_file.dll"), version));
     EXPECT_EQ((std::array<char, 8>{}), version);
+}
+
+TEST(FileVersion, ThousandCallsLeaveNoHandleOpen)
+{
+    std::array<char, 32> version = Marked();
+    EXPECT_TRUE(GetModuleVersion(TestFile("versioned_file.dll"), version));
+    const unsigned before = CountOwnHandles();
+    for (int call = 0; call < 1000; ++call) {
+        static_cast<void>(GetModuleVersion(TestFile("versioned_file.dll"), version));
+    }
+    EXPECT_EQ(CountOwnHandles(), before);
 }

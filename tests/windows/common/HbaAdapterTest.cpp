@@ -291,6 +291,17 @@ TEST_F(HbaCloseHandle, TellsTheLibraryAndSetsTheHandleToZeroWithoutTheMutex)
                                                "Exiting CHBAAPIInt::CloseAdapHandle"));
 }
 
+TEST_F(HbaCloseHandle, AfterDeInitTheUnloadedLibraryIsNotCalled)
+{
+    Load();
+    ASSERT_TRUE(hba->DeInitHBAAPIMod());
+    library->TakeJournal();
+    handle = 7;
+    EXPECT_TRUE(hba->CloseAdapHandle(handle));
+    EXPECT_EQ(handle, 0u);
+    EXPECT_THAT(library->TakeJournal(), testing::IsEmpty());
+}
+
 TEST_F(HbaCloseHandle, AnEmptySlotIsNoFailureAndNoCrash)
 {
     Load("HBA_RegisterLibrary");

@@ -159,6 +159,14 @@ TEST_F(RegLists, AFileNameInLowerCaseFindsTheFullPathAsStored)
     EXPECT_STREQ(match, R"(\??\C:\Windows\System32\TavUnstl.EXE)");
 }
 
+TEST_F(RegLists, TheSubstringItselfMayBeInAnyLetterCase)
+{
+    SetRegistryList(scratch.Path(), "list", {R"(\??\C:\Windows\system32\tavunstl.exe)"});
+    COrvString match;
+    EXPECT_TRUE(key.IsSubStringValueInMultiString("list", R"(SYSTEM32\TavUnstl.exe)", match));
+    EXPECT_STREQ(match, R"(\??\C:\Windows\system32\tavunstl.exe)");
+}
+
 TEST_F(RegLists, AnEmptySubstringFindsTheFirstText)
 {
     SetRegistryList(scratch.Path(), "list", {"One", "Two"});

@@ -234,6 +234,15 @@ TEST_P(COSVersionOnGivenSystem, AnswersForThatSystem)
 INSTANTIATE_TEST_SUITE_P(Systems, COSVersionOnGivenSystem, testing::ValuesIn(kGivenSystems),
                          [](const testing::TestParamInfo<GivenSystem>& given) { return given.param.version; });
 
+TEST(COSVersion, SystemsBehind62AreRecognisedBySixTwoOrLater)
+{
+    for (const std::string version : {"win81", "win10"}) {
+        const ChildReport report = RunChild("system", {.windowsVersion = version});
+        EXPECT_EQ(report.At("IsSixTwoOrLater"), "1") << version;
+        EXPECT_EQ(report.At("IsSixOne"), "0") << version;
+    }
+}
+
 TEST(COSVersion, KnowsServersAndDomainControllersOfTheMachine)
 {
     for (const MachineSystem& system : std::vector<MachineSystem>{

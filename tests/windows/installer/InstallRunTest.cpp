@@ -65,6 +65,7 @@ TEST(InstallRun, FailedDevicePassReturnsMinusOneAndLeavesTheRestorePointOpen)
     DriverInstallRecord record;
     std::ranges::copy(std::string_view("Windows Millenium"), record.osFamily.begin());
     RunOptions.silent = 1;
+    ASSERT_EQ(nullptr, GetModuleHandleA("srclient.dll"));
     TraceCapture trace;
     EXPECT_EQ(-1, InstallDrivers(record, nullptr));
     RunOptions = {};
@@ -72,6 +73,10 @@ TEST(InstallRun, FailedDevicePassReturnsMinusOneAndLeavesTheRestorePointOpen)
     const std::vector<std::string> messages = trace.Messages();
     EXPECT_EQ("Exit -> EnumerateRegistryForPCIDevices()\n", messages.back());
     EXPECT_THAT(messages, Not(Contains("Entering EndRestorePoint")));
+    // Its library stays loaded.
+    ASSERT_NE(nullptr, GetModuleHandleA("srclient.dll"));
+    FreeLibrary(GetModuleHandleA("srclient.dll"));
+    EXPECT_EQ(nullptr, GetModuleHandleA("srclient.dll"));
     // COM stays initialised too.
     EXPECT_EQ(S_FALSE, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     CoUninitialize();

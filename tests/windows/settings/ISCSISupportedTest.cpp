@@ -53,6 +53,7 @@ TEST(ISCSISupported, EachAnswerIsHandedOutInItsPlace)
 TEST(ISCSISupported, TheFirstThreeMakeTheResultAndTheFourthDoesNot)
 {
     const InitiatorLibrary library("6", "1", "6000");
+    EXPECT_EQ(Ask(kServer2008R2, false), (Answers{true, true, false, false, false}));
     const Controller initiator("9002", R"(root\iscsiprt)");
     CreateRegistryKey(initiator.Parameters());
     EXPECT_EQ(Ask(kServer2008R2, false), (Answers{true, true, true, false, true}));
