@@ -4,15 +4,19 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "DriverInstallRecord.h"
+#include "FileAnswers.h"
 #include "InfModelLine.h"
 #include "InfQualification.h"
 #include "IniLines.h"
+#include "ModelSection.h"
 #include "Promise.h"
 
 namespace {
@@ -63,6 +67,93 @@ ModelLine CheckModelLine(std::string_view line)
                 "an ID comes without bus prefix, quote and class code");
     }
     return parts;
+}
+
+/// The section that is read once against a walk over its lines.
+void CheckModelSection(const ExactBuffer& buffer, const std::vector<std::string_view>& lines)
+{
+    const ModelSection section(static_cast<uint32_t>(buffer.Size()), buffer.All());
+    Promise(section.WasRead() == (buffer.Size() != 0), "read unless the platform has nothing");
+    Promise(section.LineCount() == lines.size(), "every line");
+    std::vector<PlainModelLine> parts;
+    for (std::size_t line = 0; line < lines.size(); ++line) {
+        parts.push_back(ReadModelLine(std::string(lines[line])));
+        Promise(section.DescriptionKey(line) == parts.back().descriptionKey.value_or(""), "a line's description key");
+        Promise(section.HardwareId(line) == parts.back().hardwareId.value_or(""), "a line's hardware ID");
+    }
+    std::vector<std::string> keys{"", "VEN_5D1A&DEV_1A2B", std::string(lines.empty() ? "" : lines.front())};
+    for (std::size_t line = 0; line < parts.size() && line < 16; ++line) {
+        std::string key = parts[line].hardwareId.value_or("none");
+        keys.push_back(key);
+        std::ranges::transform(key, key.begin(), Upper);
+        keys.push_back(key);
+        keys.push_back(key + "x");
+    }
+    for (const std::string& key : keys) {
+        std::optional<std::size_t> expected;
+        for (std::size_t line = 0; line < parts.size() && !expected; ++line) {
+            if (parts[line].hardwareId && SameLetters(*parts[line].hardwareId, key)) {
+                expected = line;
+            }
+        }
+        Promise(section.LineOf(key) == expected, "the first line with the key, letter case aside");
+    }
+}
+
+/// An answer comes back as it was given, in a buffer of its size.
+void CheckAnswer(const ExactBuffer& given)
+{
+    const ProfileAnswer answer(static_cast<uint32_t>(given.Size() * 3), given.All());
+    const ExactBuffer same(given.Size());
+    Promise(answer.CopyTo(same.All()) == given.Size() * 3, "the number that the platform returned");
+    Promise(same.Text() == given.Text(), "what the platform left in the buffer");
+    const ExactBuffer smaller(given.Size() / 2);
+    answer.CopyTo(smaller.All());
+    Promise(smaller.Text() == given.Text().substr(0, smaller.Size()), "no more than there is room for");
+    const ExactBuffer larger(given.Size() + 9);
+    answer.CopyTo(larger.All());
+    Promise(larger.Text() == std::string(given.Text()) + std::string(9, '\0'), "zeros behind it");
+}
+
+/// Keeps answers about the lines' files and asks again only when a file has changed.
+void CheckKeeping(const std::vector<std::string_view>& lines)
+{
+    FileAnswers answers;
+    std::map<std::string, FileStamp> known;
+    int opened = 0;
+    int expectedOpened = 0;
+    for (const std::string_view line : lines) {
+        // The first letter is the file; the others say how it stands now.
+        const std::string path(line.substr(0, 1));
+        const FileStamp stamp{line.size() % 3, line.size() > 1 ? static_cast<uint64_t>(line[1] & 1) : 0};
+        const bool readable = line.size() < 3 || line[2] != '!';
+        const bool isKept = known.contains(path) && known[path] == stamp;
+        expectedOpened += isKept ? 0 : 1;
+        AnswersAboutFile* const about = answers.About(path, stamp, [&]() -> std::optional<bool> {
+            ++opened;
+            return readable ? std::optional(line.size() % 2 == 0) : std::nullopt;
+        });
+        Promise((about != nullptr) == (isKept || readable), "a file that cannot be read is not kept");
+        if (about == nullptr) {
+            known.erase(path);
+            continue;
+        }
+        known[path] = stamp;
+        Promise(about->Stamp() == stamp, "the answers belong to the file as it stands");
+        for (const bool again : {false, true}) {
+            bool asked = false;
+            const std::string section = std::to_string(line.size() % 4);
+            const ProfileAnswer& answer = about->AnswerTo({.section = section, .bufferBytes = 8}, [&] {
+                asked = true;
+                const std::string text = section + path;
+                return ProfileAnswer(7, std::span<const char>(text));
+            });
+            const ExactBuffer buffer(8);
+            Promise(answer.CopyTo(buffer.All()) == 7 && UpToNul(buffer.Text()) == section + path, "its own answer");
+            Promise(!(again && asked), "no question is asked twice");
+        }
+    }
+    Promise(opened == expectedOpened, "a file is opened again when it has changed");
 }
 
 void CheckDescription(const std::string& key)
@@ -137,6 +228,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CheckSignature(line);
     }
     CheckNames(lines);
+    CheckModelSection(buffer, lines);
+    CheckAnswer(buffer);
+    CheckKeeping(lines);
     for (const char* family :
          {"Windows Millenium", "Windows 98", "Windows Whistler", "Windows 2000", "Windows Vista"}) {
         CheckSignature(family);

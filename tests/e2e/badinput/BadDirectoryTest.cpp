@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "Adapter.h"
+#include "BadFiles.h"
 #include "EmulatedSystem.h"
 #include "EntryPoints.h"
 #include "Environment.h"
@@ -243,7 +244,7 @@ TEST_F(ChangingMachine, ASetupIniThatVanishesLeavesTheDevicesThatFollowWithoutDi
     EXPECT_TRUE(run.Traced(kEndOfWalk));
 }
 
-TEST_F(ChangingMachine, ASetupIniThatIsDeniedReadsAsNothing)
+TEST_F(ChangingMachine, ASetupIniThatIsDeniedStandsAsItWasReadInThisPass)
 {
     StartAndHold();
     const UniqueFile locked(CreateFileA(Folder().At("Morvix.ini").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
@@ -251,9 +252,31 @@ TEST_F(ChangingMachine, ASetupIniThatIsDeniedReadsAsNothing)
     ASSERT_TRUE(locked.IsOpen());
     const FinishedRun run = ReleaseAndFinish();
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.Count("infdirs: \n"), 2u);
-    EXPECT_EQ(run.Count("Pass 4"), 2u);
-    EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kFirst)));
+    EXPECT_EQ(run.Count("infdirs: [" + Folder().At("Inf\\") + "] \n"), 3u);
+    EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kFirst), InstallLine("Inf\\two.inf", kSecond),
+                                        InstallLine("Inf\\three.inf", kThird)));
+}
+
+TEST_F(ChangingMachine, ASetupIniThatIsReplacedCountsFromTheNextDevice)
+{
+    StartAndHold();
+    Folder().Write("Other\\other.inf", InfFor(kSecond));
+    Folder().WriteSetupIni({std::string("InfSectionName=") + kModelSection, "InfDir=Other", "InfDir=Inf"});
+    const FinishedRun run = ReleaseAndFinish();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kFirst), InstallLine("Other\\other.inf", kSecond),
+                                        InstallLine("Inf\\three.inf", kThird)));
+}
+
+TEST_F(ChangingMachine, AnInfThatIsReplacedByNoiseIsRefusedFromTheNextDevice)
+{
+    StartAndHold();
+    WriteInf("one.inf", BinaryNoise(5000));
+    const FinishedRun run = ReleaseAndFinish();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.Traced("signature section match for this OS not found\n"));
+    EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kFirst), InstallLine("Inf\\two.inf", kSecond),
+                                        InstallLine("Inf\\three.inf", kThird)));
 }
 
 TEST_F(ChangingMachine, AnInfThatIsDeniedIsSaidAndCostsItsDeviceAndNoOther)
