@@ -22,6 +22,10 @@ else()
     -fno-omit-frame-pointer)
   target_compile_definitions(morvix_flags INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(morvix_flags INTERFACE -fsanitize=address,undefined)
+  if(MORVIX_FUZZ)
+    # The fuzzer sees which branches an input has reached; its own main program comes with the targets.
+    target_compile_options(morvix_flags INTERFACE -fsanitize=fuzzer-no-link)
+  endif()
 endif()
 
 # What the product's own files are compiled and linked with beside that, and the suites, because a program keeps one copy of

@@ -95,10 +95,28 @@ private:
     {
         return {question.section, question.key, question.defaultText, question.bufferBytes, question.wholeSection};
     }
+    static const QuestionView& ViewOf(const QuestionView& question) { return question; }
+    static QuestionView ViewOf(const KeptQuestion& question)
+    {
+        const auto& [section, key, defaultText, bufferBytes, wholeSection] = question;
+        return {section, key ? std::optional<std::string_view>(*key) : std::nullopt, defaultText, bufferBytes,
+                wholeSection};
+    }
+
+    /// Kept questions and views of questions in one order.
+    struct QuestionOrder
+    {
+        using is_transparent = void;
+        template <class Left, class Right>
+        bool operator()(const Left& left, const Right& right) const
+        {
+            return ViewOf(left) < ViewOf(right);
+        }
+    };
 
     FileStamp m_stamp;
     bool m_isUtf16;
-    std::map<KeptQuestion, ProfileAnswer, std::less<>> m_answers;
+    std::map<KeptQuestion, ProfileAnswer, QuestionOrder> m_answers;
     std::map<std::string, std::shared_ptr<const ModelSection>, std::less<>> m_modelSections;
 };
 

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 // The line feed's last place; the terminator follows it.
 constexpr size_t kLastLineFeed = kTraceLineBytes - 2;
+
+// What may stand between the percent sign and the conversion letter.
+constexpr std::string_view kModifiers = "-+ #0123456789.*hlLwI";
 
 struct Conversion
 {
@@ -20,7 +22,7 @@ Conversion ReadConversion(std::string_view text)
 {
     Conversion conversion;
     size_t at = 1;
-    for (; at < text.size() && std::strchr("-+ #0123456789.*hlLwI", text[at]) != nullptr; ++at) {
+    for (; at < text.size() && kModifiers.find(text[at]) != std::string_view::npos; ++at) {
         conversion.arguments += text[at] == '*' ? 1 : 0;
     }
     if (at < text.size()) {

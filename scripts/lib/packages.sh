@@ -8,6 +8,8 @@ packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
     # the build, and the pure suites with their sanitizers
     cmake ninja-build g++ googletest
+    # the fuzz targets: compiler, sanitizers and fuzzer
+    clang libclang-rt-14-dev
     # the Windows that the suites and the demonstration run in, its display and its fonts
     wine wine64 xvfb xauth xdotool imagemagick fonts-liberation fonts-wine
     # the characters of the East Asian languages in pictures of the dialog

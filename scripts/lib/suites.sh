@@ -45,11 +45,19 @@ run_pure_suites() {
             run_program "$test" 300 "$report" "$host_build/tests/$test" "--gtest_output=xml:$report" || true
         fi
     done
-    # What is no GoogleTest program (fuzz runs) counts one test each.
+    # What is no GoogleTest program counts one test each.
     if registered_tests host | grep -qv '^pure_' && wanted host-other; then
         run_program host-other 600 "$others" ctest --test-dir "$host_build" --exclude-regex '^pure_' --no-tests=error \
             --timeout 300 --output-on-failure --output-junit "$others" || true
     fi
+}
+
+# Each fuzz target with a fixed number of runs from a fixed start; scripts/fuzz lets them search for longer.
+run_fuzz_targets() {
+    local report=$results_dir/fuzz.xml
+    wanted fuzz || return 0
+    run_program fuzz 300 "$report" ctest --test-dir "$build_dir/fuzz" --no-tests=error --timeout 120 --output-on-failure \
+        --output-junit "$report" || true
 }
 
 # run_windows_program UNIT SECONDS PROGRAM: a GoogleTest program in the prefix in use.

@@ -60,7 +60,7 @@ std::string Adapter::DriverKey() const
 void RemoveSimulatedAdapters()
 {
     for (const std::string& device : RegistrySubKeys(kPciKey)) {
-        if (!device.starts_with("VEN_5D1A") && !device.starts_with("VEN_1E2B")) {
+        if (device.find("5D1A") == std::string::npos && !device.starts_with("VEN_1E2B") && !device.starts_with("&")) {
             continue;
         }
         const std::string deviceKey = std::string(kPciKey) + "\\" + device;

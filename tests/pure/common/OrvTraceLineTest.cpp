@@ -128,6 +128,13 @@ TEST(MessageAsFormat, AConversionThatStoresIsTakenOut)
     EXPECT_EQ(OrvMessageAsFormat("%n%lnx", 4), "x");
 }
 
+TEST(MessageAsFormat, ANulIsNoPartOfAConversion)
+{
+    const std::string nulBehindASign("a%\0d", 4);
+    EXPECT_EQ(OrvMessageAsFormat(nulBehindASign, 0), std::string("a%%\0d", 5));
+    EXPECT_EQ(OrvMessageAsFormat(nulBehindASign, 4), nulBehindASign);
+}
+
 TEST(MessageAsFormat, APercentSignAtTheEndStays)
 {
     EXPECT_EQ(OrvMessageAsFormat("100%", 4), "100%");
