@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <memory>
 
-/// Trace writer of the library: a log file with one time-stamped line for each message, on wish mirrored to the
-/// debugger output. OrvTraceRules.h has the table of levels. A line is
+/// Trace writer of the library: a log file with one time-stamped line for each message, mirrored to the
+/// debugger output on request. OrvTraceRules.h has the table of levels. A line is
 ///   module \t PID:x \t TID:x \t hh:mm:ss.mmm \t (counter) \t message \n
 /// Nothing is written before Configure succeeds. Lines of different threads never interleave.
 class COrvDebug
@@ -23,7 +23,8 @@ public:
     /// Opens the log file. The file lies in the directory that "InstalledDir" of the product's registry key names, or
     /// in "Temp" when there is no such key or the module is "Orv2Setp"; for the module "Kwelpad" the file name is used
     /// as given. A file that cannot be opened there is tried in "Temp". "TRACE" (REG_DWORD) of the same key replaces
-    /// level 1 or 2. A second call that succeeds closes the file opened before.
+    /// level 1 or 2. A second call that succeeds closes the file opened before; one that
+    /// fails at the opening leaves that file open and has replaced its module name and size limit.
     /// @param moduleName   Printed at the start of every line; copied.
     /// @param fileName     1 to 245 characters.
     /// @param level        0 switches the trace off.

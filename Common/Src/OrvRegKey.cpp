@@ -1,6 +1,7 @@
 #include "OrvRegKey.h"
 
 #include <array>
+#include <utility>
 
 namespace {
 constexpr REGSAM kReadAccess = KEY_READ;
@@ -72,7 +73,8 @@ void COrvRegKey::Init()
 
 void COrvRegKey::Store(HKEY key)
 {
-    m_owner = std::make_shared<UniqueRegKey>(key);
+    UniqueRegKey owner(key);
+    m_owner = std::make_shared<UniqueRegKey>(std::move(owner));
     m_hKey = key;
     m_bOpen = true;
 }

@@ -73,7 +73,8 @@ public:
     /// @return true when the text holds a separator; otherwise `parts` is empty.
     bool Split(char separator, std::vector<COrvString>& parts) const;
 
-    /// Replaces the text by formatted text, cut after 1023 characters. A text that cannot be formatted changes nothing.
+    /// Replaces the text by formatted text, cut after 1023 characters. A null format and a lack
+    /// of memory change nothing; a conversion that fails leaves what was written before it.
     /// @return the number of characters, -1 when the text was cut, 0 when it cannot be formatted.
     int FormatString(const char* format, ...) __attribute__((format(ms_printf, 2, 3)));
 

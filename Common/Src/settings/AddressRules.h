@@ -26,7 +26,7 @@ enum class MaskVerdict
 {
     Valid,
     FirstOctetTooSmall, ///< below 128: the mask does not begin with a one
-    OneAfterZero,       ///< the ones are not all in front; so is a mask of all ones counted
+    OneAfterZero,       ///< the ones are not all in front; a mask of all ones counts as such
 };
 
 [[nodiscard]] MaskVerdict JudgeSubnetMask(uint32_t mask);

@@ -336,6 +336,14 @@ TEST_F(TraceConfiguration, AFailedCallKeepsTheFileThatIsOpen)
     EXPECT_EQ(ReadLibraryTrace(InTemp("a.log")).at(0).message, "still traced");
 }
 
+TEST_F(TraceConfiguration, ACallThatCannotOpenItsFileHasReplacedTheModuleName)
+{
+    ASSERT_EQ(Configure("Kwelpad", InTemp("a.log")), 0);
+    EXPECT_EQ(Configure("Module", "no?file"), -1);
+    object.Print("still traced");
+    EXPECT_EQ(ReadLibraryTrace(InTemp("a.log")).at(0).prefix[0], "Module");
+}
+
 TEST_F(TraceConfiguration, ANullModuleNameIsEmpty)
 {
     ASSERT_EQ(object.Configure(nullptr, "a.log", 3, 0, 0, nullptr), 0);

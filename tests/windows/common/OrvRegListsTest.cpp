@@ -47,6 +47,14 @@ TEST_F(RegLists, APlainTextReadsAsAListOfOne)
     EXPECT_THAT(List("text"), ElementsAre("one"));
 }
 
+TEST_F(RegLists, TheNameMayStandInTheListThatReceivesTheValues)
+{
+    SetRegistryList(scratch.Path(), "a name too long to be kept inside its object", {"one", "two"});
+    std::vector<COrvString> list{"a name too long to be kept inside its object"};
+    EXPECT_TRUE(key.GetValue(list.front(), list));
+    EXPECT_THAT(list, ElementsAre("one", "two"));
+}
+
 TEST_F(RegLists, UnterminatedAndEmptyListsAreReadSafely)
 {
     SetRegistryBytes(scratch.Path(), "binary", "one\0two"s, REG_BINARY);
