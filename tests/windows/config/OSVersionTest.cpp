@@ -237,7 +237,7 @@ INSTANTIATE_TEST_SUITE_P(Systems, COSVersionOnGivenSystem, testing::ValuesIn(kGi
 TEST(COSVersion, SystemsBehind62AreRecognisedBySixTwoOrLater)
 {
     for (const std::string version : {"win81", "win10"}) {
-        const ChildReport report = RunChild("system", {.windowsVersion = version});
+        const ChildReport report = RunChild("system", {.windowsVersion = version, .libraries = {}});
         EXPECT_EQ(report.At("IsSixTwoOrLater"), "1") << version;
         EXPECT_EQ(report.At("IsSixOne"), "0") << version;
     }
