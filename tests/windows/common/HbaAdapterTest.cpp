@@ -295,7 +295,7 @@ TEST_F(HbaCloseHandle, AfterDeInitTheUnloadedLibraryIsNotCalled)
 {
     Load();
     ASSERT_TRUE(hba->DeInitHBAAPIMod());
-    library->TakeJournal();
+    static_cast<void>(library->TakeJournal());
     handle = 7;
     EXPECT_TRUE(hba->CloseAdapHandle(handle));
     EXPECT_EQ(handle, 0u);
