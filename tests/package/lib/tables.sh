@@ -29,7 +29,8 @@ read_tables() {
     tables=$work/tables
     rm -rf -- "$tables"
     mkdir -- "$tables"
-    run_limited 60 msidump -t -s -d "$tables" "$1" >"$work/msidump.log" 2>&1
+    # It writes libraries into the folder that it is started in as well.
+    run_limited 60 env -C "$tables" msidump -t -s -d "$tables" "$1" >"$work/msidump.log" 2>&1
 }
 
 # rows TABLE COLUMN...: these columns of each row, separated by tabs.
