@@ -62,6 +62,7 @@ scripts_are_run() {
             scripts/setup | scripts/build | scripts/test) ;; # this run began with them
             scripts/demo) [[ -x $repo/tests/demo/shown.sh ]] ;;
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
+            scripts/fuzz) run_limited 120 "$repo/scripts/fuzz" 1 || return 1 ;;
             scripts/pictures | scripts/package) ;;
             *) printf '%s is run by nothing\n' "$command"; return 1 ;;
         esac
