@@ -6,11 +6,11 @@
 
 ReuseSwitchRecord reuseSwitch;
 
-AnswerReuse::AnswerReuse() : m_before(std::exchange(answerReuse.answers, reuseSwitch.plainWay ? nullptr : &m_answers))
+AnswerReuse::AnswerReuse() : m_before(std::exchange(answersInUse.answers, reuseSwitch.plainWay ? nullptr : &m_answers))
 {
 }
 
 AnswerReuse::~AnswerReuse()
 {
-    answerReuse.answers = m_before;
+    answersInUse.answers = m_before;
 }

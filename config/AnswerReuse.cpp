@@ -5,7 +5,7 @@
 
 #include "Handles.h"
 
-AnswerReuseRecord answerReuse;
+AnswersInUseRecord answersInUse;
 
 namespace {
 uint64_t Joined(DWORD high, DWORD low)
@@ -31,30 +31,30 @@ AnswersAboutFile* AnswersFor(const std::string& path, const std::optional<FileSt
         const FileMark mark = ReadFileMark(path);
         return mark.read ? std::optional(mark.utf16) : std::nullopt;
     };
-    return stamp ? answerReuse.answers->About(path, *stamp, isUtf16) : nullptr;
+    return stamp ? answersInUse.answers->About(path, *stamp, isUtf16) : nullptr;
 }
 } // namespace
 
 FileVisit::FileVisit(std::string path, const WIN32_FIND_DATAA& entry)
-    : m_path(std::move(path)), m_before(std::exchange(answerReuse.visit, this))
+    : m_path(std::move(path)), m_before(std::exchange(answersInUse.visit, this))
 {
-    if (answerReuse.answers != nullptr) {
+    if (answersInUse.answers != nullptr) {
         m_answers = AnswersFor(m_path, StampOf(entry));
     }
 }
 
 FileVisit::~FileVisit()
 {
-    answerReuse.visit = m_before;
+    answersInUse.visit = m_before;
 }
 
 AnswersAboutFile* AnswersAbout(const std::string& path)
 {
-    if (answerReuse.answers == nullptr) {
+    if (answersInUse.answers == nullptr) {
         return nullptr;
     }
-    if (answerReuse.visit != nullptr && answerReuse.visit->m_path == path) {
-        return answerReuse.visit->m_answers;
+    if (answersInUse.visit != nullptr && answersInUse.visit->m_path == path) {
+        return answersInUse.visit->m_answers;
     }
     WIN32_FILE_ATTRIBUTE_DATA file{};
     if (GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &file) == FALSE) {

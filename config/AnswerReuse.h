@@ -25,7 +25,7 @@ private:
 };
 
 /// While an object of this type lives, one file counts as unchanged: whoever reads a directory has its size and write
-/// time already, and need not look for them with every question.
+/// time already, and need not look for them with every question. Visits of one file are not nested.
 class FileVisit
 {
 public:
@@ -57,11 +57,11 @@ struct FileMark
 };
 [[nodiscard]] FileMark ReadFileMark(const std::string& path);
 
-struct AnswerReuseRecord
+struct AnswersInUseRecord
 {
     FileAnswers* answers = nullptr;   ///< those of the living AnswerReuse; null when there is none
     const FileVisit* visit = nullptr; ///< the living FileVisit
 };
 
 /// Written by the objects above.
-extern AnswerReuseRecord answerReuse;
+extern AnswersInUseRecord answersInUse;

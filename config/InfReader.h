@@ -20,6 +20,5 @@ extern std::array<char, 260> deviceDescription;
 int ParseINFile(const char* key, const char* sectionName, const char* infPath);
 
 /// @return 1 when the file starts with the little-endian UTF-16 byte-order mark (FF FE), 0 otherwise and on every
-/// error.
-///         Other marks are not looked for, on purpose.
+///         error. Other marks are not looked for, on purpose.
 int IsFileUnicode(const std::string& path);

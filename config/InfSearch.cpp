@@ -96,7 +96,7 @@ bool GetInfFile(const char* key, const std::string& directory, const DriverInsta
     Trace("GetInfFile(), key:[[", key == nullptr ? "" : key, "]], dir:", directory, "\n");
     const InfSearchRules rules =
         InfSearchRulesFor(COSVersion().GetOSCode(), FamilyOf(record), RunOptions.forceInfScan != 0, excludes);
-    const std::string found = FindInfInDirectory(key, WithTrailingBackslash(directory), rules);
+    const std::string found = FindInfInDirectory(key, WithTrailingBackslash(directory, IsSystemLeadByte), rules);
     if (!found.empty()) {
         OrvSafeCopy("InfSearch", __LINE__, infPath, kInfPathBytes, found.c_str());
     }

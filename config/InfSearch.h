@@ -43,7 +43,8 @@ bool GetInfFile(const char* key, const std::string& directory, const DriverInsta
 [[nodiscard]] InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
                                                const std::vector<std::string>& excludes);
 
-/// Searches one directory by the given rules.
+/// Searches one directory by the given rules. Each INF that qualifies on the way is handed to the platform's INF store,
+/// as with GetInfFile. The search's handle stays open for the rest of the run.
 /// @param directoryPath  Directory with a backslash at its end.
 /// @return full path of the first INF that lists the device `key`; empty when there is none.
 [[nodiscard]] std::string FindInfInDirectory(const char* key, const std::string& directoryPath,

@@ -1,9 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
-/// Where the directories named in the setup INI lie.
+#include "LeadByte.h"
+
+/// Where the directories named in the setup INI lie. A second byte of a two-byte character is no backslash.
+
+/// @return position of the last backslash; std::string_view::npos when there is none.
+[[nodiscard]] std::size_t LastBackslash(std::string_view path, LeadByteTest isLeadByte);
 
 /// @return true when `path` counts as absolute: it holds a colon anywhere.
 [[nodiscard]] bool IsAbsolutePath(std::string_view path);
@@ -14,10 +20,11 @@
 /// @param setupDir      The program's directory, without a trailing backslash.
 /// @param levelsToRoot  How many levels the base lies above `setupDir`; 0 for a number outside 1 to 260. Levels that
 ///                      `setupDir` does not have are ignored.
-[[nodiscard]] std::string ResolveRelativePath(const std::string& path, const std::string& setupDir, int levelsToRoot);
+[[nodiscard]] std::string ResolveRelativePath(const std::string& path, const std::string& setupDir, int levelsToRoot,
+                                              LeadByteTest isLeadByte);
 
 /// @return `directory` with a backslash at its end: one is added when it has none, an empty text included.
-[[nodiscard]] std::string WithTrailingBackslash(std::string directory);
+[[nodiscard]] std::string WithTrailingBackslash(std::string directory, LeadByteTest isLeadByte);
 
 /// @return the file name's part before its last full stop; the whole name when it has none.
 [[nodiscard]] std::string BaseNameOf(std::string_view fileName);

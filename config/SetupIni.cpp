@@ -129,7 +129,8 @@ std::string ResolvePah(const std::string& path, bool trailingSlash)
     // Paths are resolved against the program's directory; the current directory is read and has no part in it.
     std::array<char, MAX_PATH> currentDirectory{};
     GetCurrentDirectoryA(MAX_PATH, currentDirectory.data());
-    const std::string resolved =
-        IsAbsolutePath(path) ? path : ResolveRelativePath(path, LocationInfo.setupDir, GetLevelsToRootFromINI());
-    return trailingSlash ? WithTrailingBackslash(resolved) : resolved;
+    const std::string resolved = IsAbsolutePath(path) ? path
+                                                      : ResolveRelativePath(path, LocationInfo.setupDir,
+                                                                            GetLevelsToRootFromINI(), IsSystemLeadByte);
+    return trailingSlash ? WithTrailingBackslash(resolved, IsSystemLeadByte) : resolved;
 }

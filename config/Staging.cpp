@@ -90,7 +90,7 @@ void CopyFilesToCabDirFor(OSCode system)
     const std::string sourcePath = ReadSourcePath();
     // A directory that the registry does not name stays without a name: a lone backslash would mean the root of
     // whatever drive is the current one.
-    std::string cabDirectory = sourcePath.empty() ? std::string() : WithTrailingBackslash(sourcePath);
+    std::string cabDirectory = sourcePath.empty() ? std::string() : WithTrailingBackslash(sourcePath, IsSystemLeadByte);
     Trace("cab dir: ", cabDirectory, "\n");
     if (!CopyInfDirectories(system, cabDirectory)) {
         cabDirectory = FallbackDirectory();

@@ -3,6 +3,10 @@
 #include <array>
 #include <cstddef>
 
+namespace {
+constexpr std::size_t kSpareBytes = 5;
+}
+
 UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access)
 {
     HKEY key = nullptr;
@@ -24,7 +28,6 @@ std::optional<std::string> FirstSubKey(HKEY key)
 
 std::optional<std::vector<char>> ReadValueBytes(HKEY key, const char* name)
 {
-    constexpr std::size_t kSpareBytes = 5;
     DWORD bytes = 0;
     if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &bytes) != ERROR_SUCCESS) {
         return std::nullopt;
@@ -42,8 +45,13 @@ std::optional<std::string> ReadTextValue(HKEY key, const char* name)
     return value ? std::optional<std::string>(value->data()) : std::nullopt;
 }
 
-std::optional<std::string> ReadNetCfgInstanceId(const std::string& driverKey)
+std::optional<std::string> ReadTextValue(HKEY key, const char* name, std::size_t maxBytes)
 {
-    const UniqueRegKey key = OpenMachineKey(R"(SYSTEM\CurrentControlSet\Control\Class\)" + driverKey, KEY_READ);
-    return key ? ReadTextValue(key.get(), "NetCfgInstanceId") : std::nullopt;
+    const std::optional<std::vector<char>> value = ReadValueBytes(key, name);
+    return value && value->size() - kSpareBytes <= maxBytes ? std::optional<std::string>(value->data()) : std::nullopt;
+}
+
+UniqueRegKey OpenDriverKey(const std::string& driverKey)
+{
+    return OpenMachineKey(R"(SYSTEM\CurrentControlSet\Control\Class\)" + driverKey, KEY_READ);
 }

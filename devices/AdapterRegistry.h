@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,7 +28,15 @@
 /// @return the text up to its first NUL; no value when there is none.
 [[nodiscard]] std::optional<std::string> ReadTextValue(HKEY key, const char* name);
 
-/// Reads under which network-configuration instance ID the network stack knows an adapter.
-/// @param driverKey  The adapter's driver key below the system's class key: class GUID, backslash, number.
-/// @return no value when the key or its "NetCfgInstanceId" cannot be read.
-[[nodiscard]] std::optional<std::string> ReadNetCfgInstanceId(const std::string& driverKey);
+/// The same for a text that is only looked for in so many bytes.
+/// @return no value when there is none, or one that takes more than `maxBytes` in the registry with its terminator.
+[[nodiscard]] std::optional<std::string> ReadTextValue(HKEY key, const char* name, std::size_t maxBytes);
+
+/// Opens the key that holds what the system knows about an adapter's driver.
+/// @param driverKey  Its name below the system's class key: class GUID, backslash, number.
+/// @return the key, open for reading; null when it cannot be had.
+[[nodiscard]] UniqueRegKey OpenDriverKey(const std::string& driverKey);
+
+/// Name of the value of a driver key that says under which network-configuration instance ID the network stack knows
+/// the adapter.
+inline constexpr char kNetCfgInstanceIdValue[] = "NetCfgInstanceId";

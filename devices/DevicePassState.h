@@ -6,7 +6,8 @@
 inline constexpr uint32_t kRememberedInstallError = 0xE0000207;
 
 /// What the device passes of a run have found out. All fields belong to the install thread; the dialog reads them on
-/// the main thread after that thread has reported back. The device pass only ever sets fields.
+/// the main thread after that thread has reported back. A field that is set stays set for the rest of the run, except
+/// installErrorCode.
 struct DevicePassStateRecord
 {
     /// 1 once any device has matched an INF. Written by the device pass; read by the installation run for its outcome.

@@ -7,6 +7,7 @@
 
 #include "AdapterRegistry.h"
 #include "FcoeAdapter.h"
+#include "Handles.h"
 #include "HbaApiInt.h"
 #include "OrvString.h"
 #include "Trace.h"
@@ -58,7 +59,8 @@ private:
 /// @return the name under which the FCoE library knows the adapter.
 std::optional<std::wstring> AdapterNameOf(const std::string& driverKey)
 {
-    const std::optional<std::string> instanceId = ReadNetCfgInstanceId(driverKey);
+    const UniqueRegKey key = OpenDriverKey(driverKey);
+    const std::optional<std::string> instanceId = key ? ReadTextValue(key.get(), kNetCfgInstanceIdValue) : std::nullopt;
     if (!instanceId) {
         return std::nullopt;
     }

@@ -36,7 +36,8 @@ int IsIScsiAdapter(const std::string& instanceId)
     if (adapter.Get() == nullptr) {
         return 0;
     }
-    const UniqueFile privateDevice(OpenPrivateDevice(adapter.Get()));
+    const HANDLE opened = OpenPrivateDevice(adapter.Get());
+    const UniqueFile privateDevice(opened == nullptr ? INVALID_HANDLE_VALUE : opened);
     if (privateDevice.IsOpen() && BootsOverIScsi(privateDevice.Get())) {
         DevicePassState.storageAdapterFound = 1;
         Trace("Found iSCSI adapter");

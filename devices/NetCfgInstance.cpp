@@ -14,7 +14,7 @@
 namespace {
 constexpr char kThisFile[] = "NetCfgInstance";
 constexpr std::size_t kPathChars = 260;
-constexpr std::size_t kInstanceIdChars = 260;
+constexpr std::size_t kInstanceIdChars = 260; // with the terminator
 
 /// A registry path of at most 259 characters.
 using KeyPath = std::array<char, kPathChars>;
@@ -41,6 +41,14 @@ std::optional<std::string> DriverKeyOf(const std::string& deviceKeyName)
     const UniqueRegKey instanceKey = OpenMachineKey(path.data(), KEY_READ);
     return instanceKey ? ReadTextValue(instanceKey.get(), "Driver") : std::nullopt;
 }
+
+/// @return the ID that the device's driver key holds.
+std::optional<std::string> InstanceIdOf(const std::string& deviceKeyName)
+{
+    const std::optional<std::string> driverKey = DriverKeyOf(deviceKeyName);
+    const UniqueRegKey key = driverKey ? OpenDriverKey(*driverKey) : nullptr;
+    return key ? ReadTextValue(key.get(), kNetCfgInstanceIdValue, kInstanceIdChars) : std::nullopt;
+}
 } // namespace
 
 int GetNetCfgInstanceId(const std::string& deviceKeyName, std::span<char> instanceId)
@@ -50,11 +58,10 @@ int GetNetCfgInstanceId(const std::string& deviceKeyName, std::span<char> instan
     if (!instanceId.empty()) {
         instanceId.front() = '\0';
     }
-    if (const std::optional<std::string> driverKey = DriverKeyOf(deviceKeyName)) {
-        const std::optional<std::string> found = ReadNetCfgInstanceId(*driverKey);
-        if (found && found->size() < kInstanceIdChars) {
-            OrvSafeCopy(kThisFile, __LINE__, instanceId.data(), instanceId.size(), found->c_str());
-        }
+    const std::optional<std::string> found = InstanceIdOf(deviceKeyName);
+    // A text that fills all its bytes has no terminator among them.
+    if (found && found->size() < kInstanceIdChars) {
+        OrvSafeCopy(kThisFile, __LINE__, instanceId.data(), instanceId.size(), found->c_str());
     }
     Trace("Exit -> GetNetCfgInstanceId()\n");
     return 0;

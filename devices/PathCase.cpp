@@ -1,10 +1,9 @@
 #include "PathCase.h"
 
-#include <windows.h>
-
+#include "LeadByte.h"
 #include "UpperCase.h"
 
 void MakePathUpperCase(std::span<char> path)
 {
-    MakeUpperCase(path, [](unsigned char byte) { return IsDBCSLeadByte(byte) != FALSE; });
+    MakeUpperCase(path, IsSystemLeadByte);
 }

@@ -24,6 +24,8 @@ int isRegEntryTAVUnstl()
         Trace("TAVUnstl value was not in the substring");
         return 0;
     }
+    // A list holds no empty texts: the empty halves by which other programs' entries delete a file are lost here, by
+    // design.
     if (!key.RemoveValueFromMultiString(kPendingValue, entry)) {
         Trace("Not able to remove TAVUnstl from MultiString");
         return 0;

@@ -19,6 +19,7 @@
 #include "OSVersion.h"
 #include "OrvSecure.h"
 #include "PathCase.h"
+#include "PathResolution.h"
 #include "ResultKeys.h"
 #include "Trace.h"
 
@@ -71,7 +72,7 @@ std::span<char> TextOf(std::span<char> buffer)
 /// @return the text from its last backslash on; the whole text, which no family's prefix fits, when it has none.
 std::string_view FileNameOf(std::string_view path)
 {
-    const std::size_t backslash = path.rfind('\\');
+    const std::size_t backslash = LastBackslash(path, IsSystemLeadByte);
     return backslash == std::string_view::npos ? path : path.substr(backslash);
 }
 } // namespace

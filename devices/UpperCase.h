@@ -2,8 +2,7 @@
 
 #include <span>
 
-/// @return true when `byte` starts a character of two bytes in the code page of the text.
-using LeadByteTest = bool (*)(unsigned char byte);
+#include "LeadByte.h"
 
 /// Turns a to z into upper case, in place, up to the first NUL or the buffer's end. All other characters stay as they
 /// are, and so does the second byte of a two-byte character, which may look like a letter.

@@ -110,6 +110,11 @@ void CheckTokens(const std::string& text, const std::vector<std::string>& delimi
     Promise(!cursor.Next(delimiterSets.front()), "nothing follows the last token");
 }
 
+bool NoLeadByte(unsigned char)
+{
+    return false;
+}
+
 std::string ResolvedPlainly(const std::string& path, std::string base, int levels)
 {
     for (int level = 0; levels >= 1 && levels <= 260 && level < levels; ++level) {
@@ -129,7 +134,7 @@ std::string ResolvedPlainly(const std::string& path, std::string base, int level
 
 void CheckResolved(const std::string& path, const std::string& base, int levels)
 {
-    Promise(ResolveRelativePath(path, base, levels) == ResolvedPlainly(path, base, levels),
+    Promise(ResolveRelativePath(path, base, levels, NoLeadByte) == ResolvedPlainly(path, base, levels),
             "a relative path lies below its base");
 }
 
@@ -138,10 +143,10 @@ void CheckPath(const std::string& path, const std::string& base)
     CheckResolved(path, base, 0);
     CheckResolved(path, base, 1);
     CheckResolved(path, base, 2);
-    const std::string directory = WithTrailingBackslash(path);
+    const std::string directory = WithTrailingBackslash(path, NoLeadByte);
     Promise(directory.ends_with('\\') && directory.starts_with(path), "a directory ends with a backslash");
     Promise(directory.size() <= path.size() + 1, "one backslash is added at most");
-    Promise(WithTrailingBackslash(directory) == directory, "no second backslash is added");
+    Promise(WithTrailingBackslash(directory, NoLeadByte) == directory, "no second backslash is added");
     Promise(IsAbsolutePath(path) == (std::ranges::count(path, ':') > 0), "a colon makes a path absolute");
     const std::string name = BaseNameOf(path);
     Promise(path.starts_with(name) &&

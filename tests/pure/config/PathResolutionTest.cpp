@@ -3,9 +3,19 @@
 #include <gtest/gtest.h>
 
 namespace {
-std::string Resolve(const std::string& path, const std::string& setupDir, int levels)
+bool NoLeadBytes(unsigned char)
 {
-    return WithTrailingBackslash(ResolveRelativePath(path, setupDir, levels));
+    return false;
+}
+bool ShiftJisLeadByte(unsigned char byte)
+{
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
+
+std::string Resolve(const std::string& path, const std::string& setupDir, int levels,
+                    LeadByteTest isLeadByte = NoLeadBytes)
+{
+    return WithTrailingBackslash(ResolveRelativePath(path, setupDir, levels, isLeadByte), isLeadByte);
 }
 } // namespace
 
@@ -49,14 +59,14 @@ TEST(PathResolution, LevelsTheBaseDoesNotHaveAreIgnored)
 
 TEST(PathResolution, ShortBasesAndPathsHaveDefinedResults)
 {
-    EXPECT_EQ(ResolveRelativePath("", R"(E:\Kit)", 0), R"(E:\Kit\)");
-    EXPECT_EQ(ResolveRelativePath("", "", 0), R"(\)");
-    EXPECT_EQ(ResolveRelativePath("Drv", "", 1), R"(\Drv)");
-    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", "", 0), R"(\Drv)");
-    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", "E", 0), R"(E\Drv)");
-    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", R"(\\server\share)", 0), R"(\\\Drv)");
-    EXPECT_EQ(ResolveRelativePath(".", "", 0), "");
-    EXPECT_EQ(ResolveRelativePath("x", R"(\)", 1), R"(\x)");
+    EXPECT_EQ(ResolveRelativePath("", R"(E:\Kit)", 0, NoLeadBytes), R"(E:\Kit\)");
+    EXPECT_EQ(ResolveRelativePath("", "", 0, NoLeadBytes), R"(\)");
+    EXPECT_EQ(ResolveRelativePath("Drv", "", 1, NoLeadBytes), R"(\Drv)");
+    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", "", 0, NoLeadBytes), R"(\Drv)");
+    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", "E", 0, NoLeadBytes), R"(E\Drv)");
+    EXPECT_EQ(ResolveRelativePath(R"(\Drv)", R"(\\server\share)", 0, NoLeadBytes), R"(\\\Drv)");
+    EXPECT_EQ(ResolveRelativePath(".", "", 0, NoLeadBytes), "");
+    EXPECT_EQ(ResolveRelativePath("x", R"(\)", 1, NoLeadBytes), R"(\x)");
 }
 
 TEST(PathResolution, AColonAnywhereMakesAPathAbsolute)
@@ -70,10 +80,10 @@ TEST(PathResolution, AColonAnywhereMakesAPathAbsolute)
 
 TEST(PathResolution, ATrailingBackslashIsAddedOnce)
 {
-    EXPECT_EQ(WithTrailingBackslash(R"(E:\Kit)"), R"(E:\Kit\)");
-    EXPECT_EQ(WithTrailingBackslash(R"(E:\Kit\)"), R"(E:\Kit\)");
-    EXPECT_EQ(WithTrailingBackslash(""), R"(\)");
-    EXPECT_EQ(WithTrailingBackslash("E:/Kit/"), R"(E:/Kit/\)");
+    EXPECT_EQ(WithTrailingBackslash(R"(E:\Kit)", NoLeadBytes), R"(E:\Kit\)");
+    EXPECT_EQ(WithTrailingBackslash(R"(E:\Kit\)", NoLeadBytes), R"(E:\Kit\)");
+    EXPECT_EQ(WithTrailingBackslash("", NoLeadBytes), R"(\)");
+    EXPECT_EQ(WithTrailingBackslash("E:/Kit/", NoLeadBytes), R"(E:/Kit/\)");
 }
 
 TEST(PathResolution, ABaseNameEndsAtTheLastFullStop)
@@ -83,4 +93,17 @@ TEST(PathResolution, ABaseNameEndsAtTheLastFullStop)
     EXPECT_EQ(BaseNameOf("tav1"), "tav1");
     EXPECT_EQ(BaseNameOf(".inf"), "");
     EXPECT_EQ(BaseNameOf(""), "");
+}
+
+TEST(PathResolution, ASecondByteThatLooksLikeABackslashIsNone)
+{
+    // 0x83 0x5C is one character; 0x5C alone is a backslash.
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\", ShiftJisLeadByte), "E:\\Kit\x83\\\\");
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\\\", ShiftJisLeadByte), "E:\\Kit\x83\\\\");
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83", ShiftJisLeadByte), "E:\\Kit\x83\\") << "a torn character";
+    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 1, ShiftJisLeadByte), "E:\\Kit\\Drv\\");
+    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 0, ShiftJisLeadByte), "E:\\Kit\\\x83\\Setup\\Drv\\");
+    EXPECT_EQ(LastBackslash("\\\x83\\x", ShiftJisLeadByte), 0U);
+    EXPECT_EQ(LastBackslash("\\\x83\\x", NoLeadBytes), 2U) << "in a code page without such characters";
+    EXPECT_EQ(LastBackslash("\x83\\", ShiftJisLeadByte), std::string_view::npos);
 }

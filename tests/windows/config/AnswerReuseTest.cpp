@@ -315,8 +315,8 @@ TEST_F(Reuse, NothingOutlivesTheObject)
         const AnswerReuse reuse;
         EXPECT_EQ(Find(), "");
     }
-    EXPECT_EQ(answerReuse.answers, nullptr);
-    EXPECT_EQ(answerReuse.visit, nullptr);
+    EXPECT_EQ(answersInUse.answers, nullptr);
+    EXPECT_EQ(answersInUse.visit, nullptr);
     const uint64_t asked = questions.Profile();
     {
         const AnswerReuse reuse;
@@ -333,7 +333,7 @@ TEST_F(Reuse, EndsWithAFaultToo)
         const AnswerReuse reuse;
         throw std::out_of_range("a device without a revision");
     } catch (const std::out_of_range&) {
-        EXPECT_EQ(answerReuse.answers, nullptr);
+        EXPECT_EQ(answersInUse.answers, nullptr);
     }
 }
 

@@ -3,15 +3,21 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <bit>
+#include <cstring>
+#include <string_view>
+
 #include "ChildProcess.h"
 #include "DebugOutput.h"
 #include "EntryPoints.h"
 #include "Handles.h"
+#include "ImportOverride.h"
 #include "InfFiles.h"
 #include "ScratchDirectory.h"
 #include "StoredInfs.h"
 #include "SystemText.h"
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -133,4 +139,55 @@ TEST_F(InfStore, ALibraryWithoutTheFunctionIsTraced)
     EXPECT_EQ(report.At("result"), "0");
     EXPECT_THAT(report.trace,
                 ElementsAre("Entering - SetupCopyInf", "SetupCopyInf - NULL Return Value, function call failed"));
+}
+
+namespace {
+/// What the platform's function was handed last.
+struct CopyRequest
+{
+    std::string inf;
+    std::string source;
+    DWORD sourceType = 0;
+    DWORD style = 0;
+    DWORD roomForTheName = 0;
+    bool asksForTheNeededRoom = true;
+    bool asksForTheFileName = true;
+};
+CopyRequest lastCopy;
+
+BOOL WINAPI NoteCopy(PCSTR inf, PCSTR source, DWORD sourceType, DWORD style, PSTR storedAs, DWORD room, PDWORD needed,
+                     PSTR* fileName)
+{
+    lastCopy = {inf, source, sourceType, style, room, needed != nullptr, fileName != nullptr};
+    std::strcpy(storedAs, R"(C:\oem7.inf)");
+    return TRUE;
+}
+
+decltype(&GetProcAddress) platformFind = nullptr;
+
+FARPROC WINAPI FindNoteCopy(HMODULE library, LPCSTR name)
+{
+    return name == std::string_view("SetupCopyOEMInfA") ? std::bit_cast<FARPROC>(&NoteCopy)
+                                                        : platformFind(library, name);
+}
+} // namespace
+
+TEST_F(InfStore, HandsOverThePathTypeTheStyleAndABufferOf260)
+{
+    platformFind = &GetProcAddress;
+    lastCopy = {};
+    TraceCapture trace;
+    {
+        const ImportOverride find("GetProcAddress", reinterpret_cast<void*>(FindNoteCopy));
+        EXPECT_EQ(SetupCopyInf(R"(C:\Drv\tav1.inf)", "C:\\Drv\\"), 1);
+    }
+    EXPECT_EQ(lastCopy.inf, R"(C:\Drv\tav1.inf)");
+    EXPECT_EQ(lastCopy.source, "C:\\Drv\\");
+    EXPECT_EQ(lastCopy.sourceType, DWORD{SPOST_PATH});
+    EXPECT_EQ(lastCopy.style, DWORD{SP_COPY_NOOVERWRITE});
+    EXPECT_EQ(lastCopy.roomForTheName, 260U);
+    EXPECT_FALSE(lastCopy.asksForTheNeededRoom);
+    EXPECT_FALSE(lastCopy.asksForTheFileName);
+    EXPECT_THAT(trace.Messages(),
+                Contains(R"(SetupCopyOEMInfA completed successfully - inf=C:\Drv\tav1.inf, oem INF= C:\oem7.inf)"));
 }

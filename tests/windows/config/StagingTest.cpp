@@ -11,6 +11,7 @@
 #include "Handles.h"
 #include "ImportOverride.h"
 #include "LocationInfo.h"
+#include "RegistryAccess.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
 #include "SystemText.h"
@@ -427,4 +428,21 @@ TEST_F(Staging, ASearchThatCannotBeClosedIsTracedLastAndChangesNoResult)
     ASSERT_GE(messages.size(), 2U);
     EXPECT_EQ("Found all of the files\n", messages[messages.size() - 2]);
     EXPECT_EQ("Unable to close search handle\n", messages.back());
+}
+
+TEST_F(Staging, SourcePathThatEndsWithABackslashGetsNoSecond)
+{
+    SetRegistryText(kSetupKey, "SourcePath", Cab(""));
+    WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
+    TraceCapture trace;
+    CopyFilesToCabDirFor(osWINXP32);
+    EXPECT_EQ("cab dir: " + m_target.At("cab") + "\\\n", trace.Messages().at(1));
+    EXPECT_EQ("driver", ReadFileBytes(Cab("driver.sys")));
+}
+
+TEST_F(Staging, SetupKeyIsOpenedForReadingAndWriting)
+{
+    const RegistryAccess access;
+    CopyFilesToCabDirFor(osWINXP32);
+    EXPECT_THAT(access.AskedFor(kSetupKey), ElementsAre(0x2001F)) << "KEY_READ and KEY_WRITE, not KEY_ALL_ACCESS";
 }

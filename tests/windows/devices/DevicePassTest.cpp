@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 #include "AnswerReuse.h"
 #include "CallCount.h"
@@ -13,6 +14,7 @@
 #include "DevicePassState.h"
 #include "EnumerationEnd.h"
 #include "InfSearch.h"
+#include "RegistryAccess.h"
 #include "ResultKeys.h"
 
 using testing::Contains;
@@ -503,7 +505,7 @@ TEST_F(DevicePass, NextPassOfARunAsksThePlatformAnew)
     const SimulatedDevice device(kDevice);
     const uint64_t first = ProfileReads([this] { Run(); });
     EXPECT_EQ(ProfileReads([this] { Run(); }), first);
-    EXPECT_EQ(answerReuse.answers, nullptr);
+    EXPECT_EQ(answersInUse.answers, nullptr);
 }
 
 TEST_F(DevicePass, FaultThatEndsTheWalkEndsTheReuseOfAnswersToo)
@@ -511,5 +513,80 @@ TEST_F(DevicePass, FaultThatEndsTheWalkEndsTheReuseOfAnswersToo)
     const InfKit kit;
     const SimulatedDevice device("VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B");
     EXPECT_THROW(Run(), std::out_of_range);
-    EXPECT_EQ(answerReuse.answers, nullptr);
+    EXPECT_EQ(answersInUse.answers, nullptr);
+}
+
+namespace {
+/// @return the key names of both devices, in the registry's own order.
+std::vector<std::string> BothInOrder()
+{
+    std::vector<std::string> names;
+    for (const std::string& name : RegistrySubKeys(kPciKey)) {
+        if (name == kDevice || name == kOtherDevice) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+} // namespace
+
+TEST_F(DevicePass, SetupIniThatChangesDuringAnInstallCountsForTheNextDevice)
+{
+    InfKit kit;
+    const SimulatedDevice device(kDevice);
+    const SimulatedDevice other(kOtherDevice);
+    const std::vector<std::string> order = BothInOrder();
+    ASSERT_EQ(order.size(), 2U);
+    kit.Add("Drv", "tav1.inf", order[0]);
+    const std::string inf = kit.Add("More", "tav2.inf", order[1]);
+    m_install.duringCall = [&kit] {
+        const std::string ini = kit.Directory().At("Morvix.ini");
+        WriteFileBytes(ini, ReadFileBytes(ini) + "InfDir=More\r\n");
+    };
+    EXPECT_EQ(Run(), 0U);
+    ASSERT_EQ(m_install.calls.size(), 2U);
+    EXPECT_EQ(m_install.calls[1].hardwareId, "PCI\\" + order[1]);
+    EXPECT_EQ(m_install.calls[1].infPath, UpperCased(inf));
+}
+
+TEST_F(DevicePass, ADeviceBehindAMatchThatNoInfListsIsNotInstalledAndTheRecordStays)
+{
+    InfKit kit;
+    const SimulatedDevice device(kDevice);
+    const SimulatedDevice other(kOtherDevice);
+    const std::vector<std::string> order = BothInOrder();
+    ASSERT_EQ(order.size(), 2U);
+    const std::string inf = kit.Add("Drv", "tav1.inf", order[0]);
+    TraceCapture trace;
+    EXPECT_EQ(Run(), 0U);
+    EXPECT_THAT(trace.Messages(), Contains("device: " + order[1] + "\n")) << "the other device was searched for";
+    ASSERT_EQ(m_install.calls.size(), 1U);
+    EXPECT_EQ(m_install.calls[0].hardwareId, "PCI\\" + order[0]);
+    EXPECT_EQ(TextIn(m_record.hardwareId), "PCI\\" + order[0]);
+    EXPECT_EQ(TextIn(m_record.infPath), UpperCased(inf));
+}
+
+TEST_F(DevicePass, TheDmaEngineMarkCountsAnywhereInThePath)
+{
+    const SimulatedDevice device(kDevice);
+    for (const auto& [directory, file] : {std::pair("qdatdma.info", "other.inf"), std::pair("Drv", "my qdatdma.inf"),
+                                          std::pair("Drv", "qdatdma.inf.inf")}) {
+        InfKit kit({directory});
+        const std::string inf = kit.Add(directory, file, kDevice);
+        EXPECT_EQ(Run(), 0U) << inf;
+        EXPECT_EQ(TextIn(m_record.infPath), UpperCased(inf));
+        EXPECT_EQ(DevicePassState.qdatInstalled, 1U) << inf;
+    }
+    InfKit kit;
+    kit.Add("Drv", "qdatdma2.inf", kDevice);
+    EXPECT_EQ(Run(), 0U);
+    EXPECT_EQ(DevicePassState.qdatInstalled, 0U);
+}
+
+TEST_F(DevicePass, ThePciKeyIsOpenedForItsSubKeysOnly)
+{
+    const InfKit kit;
+    const RegistryAccess access;
+    EXPECT_EQ(Run(), 0U);
+    EXPECT_THAT(access.AskedFor(kPciKey), ElementsAre(KEY_ENUMERATE_SUB_KEYS));
 }

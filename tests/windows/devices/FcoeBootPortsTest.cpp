@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <vector>
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "LibraryDouble.h"
 
 using testing::Contains;
@@ -239,4 +241,58 @@ TEST_F(FcoeBootPorts, ThousandCallsLeaveNoHandleOpen)
     }
     EXPECT_EQ(HandlesLeftBy(1000, [] { static_cast<void>(AreFCoEBootEnabledPortsPresent()); }), 0)
         << "without the library";
+}
+
+namespace {
+/// What the platform was asked for last.
+struct ListRequest
+{
+    GUID deviceClass{};
+    bool namesABus = true;
+    DWORD flags = 0;
+};
+ListRequest lastList;
+
+HDEVINFO WINAPI NoteList(const GUID* deviceClass, PCSTR enumerator, HWND window, DWORD flags)
+{
+    static const auto list = std::bit_cast<decltype(&SetupDiGetClassDevsA)>(
+        GetProcAddress(GetModuleHandleA("setupapi.dll"), "SetupDiGetClassDevsA"));
+    lastList = {.deviceClass = deviceClass == nullptr ? GUID{} : *deviceClass,
+                .namesABus = enumerator != nullptr,
+                .flags = flags};
+    return list(deviceClass, enumerator, window, flags);
+}
+} // namespace
+
+TEST_F(FcoeBootPorts, OnlyPresentDevicesOfTheNetworkClassAreAsked)
+{
+    constexpr GUID kNetworkGuid = {0x4D36E972, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    const RegistryAdapter ofAnotherClass(kSecond, "9002", "{B}");
+    SetRegistryText(ofAnotherClass.Instance(), "ClassGUID", "{4D36E97D-E325-11CE-BFC1-08002BE10318}");
+    const LibraryDouble library = HbaLibrary();
+    lastList = {};
+    {
+        const ImportOverride note("SetupDiGetClassDevsA", reinterpret_cast<void*>(NoteList));
+        EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    }
+    EXPECT_NE(IsEqualGUID(lastList.deviceClass, kNetworkGuid), FALSE);
+    EXPECT_FALSE(lastList.namesABus);
+    EXPECT_EQ(lastList.flags, DWORD{DIGCF_PRESENT});
+    EXPECT_EQ(library.TakeJournal(), Questions("{A}", "7"));
+}
+
+TEST_F(FcoeBootPorts, AdapterWhosePropertiesFailIsClosedAndTheNextAsked)
+{
+    const RegistryAdapter first(kFirst, "9001", "{A}");
+    const RegistryAdapter second(kSecond, "9002", "{B}");
+    const LibraryDouble library = HbaLibrary();
+    library.Answer("Handle.\\DEVICE\\{A}", "11");
+    library.Answer("Handle.\\DEVICE\\{B}", "12");
+    library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    std::vector<std::string> expected = Questions("{A}", "11");
+    Append(expected, Questions("{B}", "12"));
+    EXPECT_EQ(library.TakeJournal(), expected);
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
 }

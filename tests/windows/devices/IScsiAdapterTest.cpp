@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "AdapterDevices.h"
+#include "CallCount.h"
 #include "DebugOutput.h"
 #include "DevicePassState.h"
+#include "FileOpens.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -88,6 +90,16 @@ TEST_F(IScsiAdapter, OtherStatusAndFailedRequestAreNoIScsiAdapter)
     EXPECT_EQ(FoundAfterAsking(), 0U);
     driver.FailDeviceName(kTestInstance, 0);
     EXPECT_EQ(FoundAfterAsking(), 1U) << "the failures above were the reason";
+}
+
+TEST_F(IScsiAdapter, PrivateDeviceOfANullHandleIsNotAsked)
+{
+    driver.AnswerBootMode(kTestInstance, 2);
+    const FileOpens opens(std::string(R"(\\.\)") + kTestPrivateName);
+    const CallCount requests("DeviceIoControl");
+    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_EQ(opens.Calls().size(), 2U) << "the private device's name was asked for and tried";
+    EXPECT_EQ(requests.Calls(), 1U) << "the name was the only question";
 }
 
 TEST_F(IScsiAdapter, LengthBeyondTheBufferStillGivesTheBootMode)

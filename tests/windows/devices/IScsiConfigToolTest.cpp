@@ -10,6 +10,7 @@
 #include "DebugOutput.h"
 #include "Handles.h"
 #include "HelperPrograms.h"
+#include "ImportOverride.h"
 #include "ScratchDirectory.h"
 
 using testing::ElementsAre;
@@ -97,4 +98,40 @@ TEST(IScsiConfigTool, RunsLeaveNoHandleOpen)
 TEST(IScsiConfigTool, ThousandFailedCallsLeaveNoHandleOpen)
 {
     EXPECT_EQ(HandlesLeftBy(1000, CalliSCSIConfigExe), 0);
+}
+
+namespace {
+/// How the tool was asked to be started last.
+struct Start
+{
+    bool namesTheProgram = true;
+    bool inherits = true;
+    DWORD flags = 0;
+    bool hasEnvironment = true;
+    bool hasDirectory = true;
+};
+Start lastStart;
+
+BOOL WINAPI NoteStart(LPCSTR program, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL inherit, DWORD flags,
+                      LPVOID environment, LPCSTR directory, LPSTARTUPINFOA, LPPROCESS_INFORMATION)
+{
+    lastStart = {.namesTheProgram = program != nullptr,
+                 .inherits = inherit != FALSE,
+                 .flags = flags,
+                 .hasEnvironment = environment != nullptr,
+                 .hasDirectory = directory != nullptr};
+    return FALSE;
+}
+} // namespace
+
+TEST(IScsiConfigTool, IsStartedWithoutAWindowAndInheritsNothing)
+{
+    lastStart = {};
+    const ImportOverride note("CreateProcessA", reinterpret_cast<void*>(NoteStart));
+    CalliSCSIConfigExe();
+    EXPECT_FALSE(lastStart.namesTheProgram) << "the command line alone names it";
+    EXPECT_FALSE(lastStart.inherits);
+    EXPECT_EQ(lastStart.flags, DWORD{CREATE_NO_WINDOW});
+    EXPECT_FALSE(lastStart.hasEnvironment) << "it runs in the program's own environment";
+    EXPECT_FALSE(lastStart.hasDirectory) << "and in its current directory";
 }

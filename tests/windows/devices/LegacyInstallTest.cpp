@@ -8,7 +8,9 @@
 
 #include "DeviceFixtures.h"
 #include "HelperPrograms.h"
+#include "ImportOverride.h"
 #include "InfReader.h"
+#include "RegistryAccess.h"
 
 using testing::ElementsAre;
 
@@ -151,4 +153,42 @@ TEST_F(LegacyInstall, AHardwareIdBeyondThePathLimitFindsNothing)
                 ElementsAre("Enter -> Win98Install", "g_98key: VEN_5D1A&DEV_1A2B\n",
                             "opening registry key to enumerate: " + ("Enum\\" + longId).substr(0, 259) + "\n",
                             "Exit -> Win98Install"));
+}
+
+TEST_F(LegacyInstall, TheDeviceKeyIsOpenedForItsSubKeysOnlyAndTheResultKeyForEverything)
+{
+    CreateRegistryKey(std::string(kDeviceKey) + "\\BUS_00");
+    const RegistryAccess access;
+    EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    EXPECT_THAT(access.AskedFor(kDeviceKey), ElementsAre(KEY_ENUMERATE_SUB_KEYS));
+    EXPECT_THAT(access.AskedFor(R"(Software\Norda\MSI)"), ElementsAre(KEY_ALL_ACCESS));
+}
+
+namespace {
+int startsWithDeletion = 0;
+
+BOOL WINAPI DeleteTheDeviceKey(LPCSTR, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD, LPVOID, LPCSTR,
+                               LPSTARTUPINFOA, LPPROCESS_INFORMATION)
+{
+    ++startsWithDeletion;
+    DeleteRegistryTree(kDeviceKey);
+    return FALSE;
+}
+} // namespace
+
+TEST_F(LegacyInstall, AKeyDeletedDuringTheWalkEndsItWithoutFurtherRuns)
+{
+    for (const char* instance : {"BUS_00", "BUS_01", "BUS_02"}) {
+        CreateRegistryKey(std::string(kDeviceKey) + "\\" + instance);
+    }
+    startsWithDeletion = 0;
+    TraceCapture trace;
+    {
+        const ImportOverride deletion("CreateProcessA", reinterpret_cast<void*>(DeleteTheDeviceKey));
+        EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    }
+    EXPECT_EQ(startsWithDeletion, 1);
+    const std::vector<std::string> messages = trace.Messages();
+    EXPECT_EQ(std::ranges::count(messages, "Entering - LaunchAppandWait"), 1);
+    EXPECT_EQ(messages.back(), "Exit -> Win98Install");
 }

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "AdapterDevices.h"
+#include "FileOpens.h"
 #include "Handles.h"
+#include "PrivateRequest.h"
 
 TEST(NdisVersion, AbsentInterfaceIsNotFiveTwo)
 {
@@ -57,4 +59,16 @@ TEST(NdisVersion, ThousandCallsLeaveNoHandleOpen)
     TestAdapterDriver driver(TestDriverFile(), {}, 0x00060000);
     EXPECT_EQ(HandlesLeftBy(1000, [] { static_cast<void>(IsNdis52OrLater()); }), 0);
     EXPECT_TRUE(driver.WaitUntilAllIsClosed());
+}
+
+TEST(NdisVersion, DeviceIsOpenedLikeAnAdapters)
+{
+    const FileOpens opens;
+    HANDLE opened = INVALID_HANDLE_VALUE;
+    OpenNdisDevice(opened);
+    const UniqueFile device(opened);
+    const UniqueFile adapter(OpenAdapterDevice("NDIS"));
+    ASSERT_EQ(opens.Calls().size(), 2U);
+    EXPECT_EQ(opens.Calls()[0].name, R"(\\.\NDIS)");
+    EXPECT_EQ(opens.Calls()[0], opens.Calls()[1]);
 }

@@ -8,6 +8,7 @@
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "RegistryAccess.h"
 
 using testing::ElementsAre;
 
@@ -139,4 +140,26 @@ TEST(NetCfgInstance, ThousandCallsLeaveNoHandleOpen)
                                 GetNetCfgInstanceId("VEN_0000", id);
                             }),
               0);
+}
+
+TEST(NetCfgInstance, ValueOfMoreThan260StoredBytesIsNotRead)
+{
+    const RegistryAdapter adapter(kDevice, "9001", std::nullopt);
+    std::string stored = kTestInstance;
+    stored.resize(260, '\0');
+    SetRegistryBytes(adapter.DriverKey(), "NetCfgInstanceId", stored, REG_SZ);
+    EXPECT_EQ(InstanceIdOf(), kTestInstance);
+    stored.resize(261, '\0');
+    SetRegistryBytes(adapter.DriverKey(), "NetCfgInstanceId", stored, REG_SZ);
+    EXPECT_EQ(InstanceIdOf(), "");
+}
+
+TEST(NetCfgInstance, KeysAreOpenedForNoMoreThanIsReadFromThem)
+{
+    const RegistryAdapter adapter(kDevice, "9001", kTestInstance);
+    const RegistryAccess access;
+    EXPECT_EQ(InstanceIdOf(), kTestInstance);
+    EXPECT_THAT(access.AskedFor(std::string(kPciKey) + "\\" + kDevice), ElementsAre(KEY_ENUMERATE_SUB_KEYS));
+    EXPECT_THAT(access.AskedFor(adapter.Instance()), ElementsAre(KEY_READ));
+    EXPECT_THAT(access.AskedFor(adapter.DriverKey()), ElementsAre(KEY_READ));
 }

@@ -5,6 +5,7 @@
 
 #include "DeviceFixtures.h"
 #include "NetworkDevices.h"
+#include "RegistryAccess.h"
 
 using testing::ElementsAre;
 
@@ -139,4 +140,13 @@ TEST(NordaNetworkDevice, OnlyTheFirstInstanceIsRead)
     SetRegistryList(device.Instance(), "CompatibleIDs", {kEthernetId});
     SetRegistryList(device.Path() + "\\another instance", "CompatibleIDs", {R"(PCI\CC_0200)"});
     EXPECT_EQ(Accepted(), !firstIsAccepted);
+}
+
+TEST(NordaNetworkDevice, KeysAreOpenedForNoMoreThanIsReadFromThem)
+{
+    const SimulatedDevice device(kDevice);
+    const RegistryAccess access;
+    EXPECT_TRUE(Accepted());
+    EXPECT_THAT(access.AskedFor(device.Path()), ElementsAre(KEY_ENUMERATE_SUB_KEYS));
+    EXPECT_THAT(access.AskedFor(device.Instance()), ElementsAre(KEY_READ));
 }

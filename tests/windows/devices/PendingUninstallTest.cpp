@@ -124,3 +124,11 @@ TEST_F(PendingUninstall, AListThatCannotBeWrittenIsSaidAndStaysAsItIs)
                 ElementsAre("Entering isRegEntryTAVUnstl", "Not able to remove TAVUnstl from MultiString"));
     EXPECT_EQ(Stored(), List({kOther, kUninstaller}));
 }
+
+TEST_F(PendingUninstall, EmptyHalvesOfOtherEntriesAreLost)
+{
+    // Each deletion is a file and an empty text.
+    SetRegistryBytes(kKey, kValue, List({kOther, "", kUninstaller, "", R"(\??\C:\last.tmp)", ""}), REG_MULTI_SZ);
+    EXPECT_EQ(isRegEntryTAVUnstl(), 1);
+    EXPECT_EQ(Stored(), List({kOther, R"(\??\C:\last.tmp)"}));
+}

@@ -11,6 +11,7 @@
 #include "DeviceFixtures.h"
 #include "DevicePassState.h"
 #include "DriverFamilies.h"
+#include "Handles.h"
 #include "ResultKeys.h"
 #include "RunState.h"
 #include "TestFiles.h"
@@ -327,4 +328,19 @@ TEST_F(PostInstall, WithoutAnUninstallDataFileNothingIsRegistered)
     EXPECT_FALSE(RegistryKeyExists(kDinsKey));
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()"));
+}
+
+TEST_F(PostInstall, ATargetThatRefusesTheCopyIsLeftAndNotRegistered)
+{
+    WriteFileBytes(m_kit.Directory().At("Morvix.din"), "new");
+    WriteFileBytes(SystemPath("Morvix.din"), "old");
+    {
+        // Somebody else has it open and shares it with nobody.
+        const UniqueFile holder(
+            CreateFileA(SystemPath("Morvix.din").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(holder.IsOpen());
+        UpdateTavunstRegistry();
+    }
+    EXPECT_EQ(ReadFileBytes(SystemPath("Morvix.din")), "old");
+    EXPECT_FALSE(RegistryKeyExists(kDinsKey));
 }

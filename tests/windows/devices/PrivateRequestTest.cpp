@@ -1,11 +1,13 @@
 #include "PrivateRequest.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstring>
 
 #include "AdapterDevices.h"
+#include "FileOpens.h"
 #include "Handles.h"
 
 namespace {
@@ -230,4 +232,21 @@ TEST(PrivateQuery, DataWithoutA32BitLengthInTheRequestIsOutOfMemory)
     EXPECT_EQ(query.error, 8U);
     EXPECT_EQ(query.lastError, 8U);
     EXPECT_EQ(driver.WhatWasAsked(kTestInstance).privateRequests, 0U);
+}
+
+TEST_F(PrivateRequests, DevicesAreOpenedWithTheirAccessSharingAndFlags)
+{
+    const FileOpens opens;
+    const UniqueFile again(OpenAdapterDevice(kTestInstance));
+    const UniqueFile device(OpenPrivateDevice(adapter.Get()));
+    EXPECT_THAT(opens.Calls(), testing::ElementsAre(FileOpens::Call{.name = std::string(R"(\\.\)") + kTestInstance,
+                                                                    .access = GENERIC_READ | GENERIC_WRITE,
+                                                                    .sharing = 0,
+                                                                    .disposition = OPEN_EXISTING,
+                                                                    .flags = FILE_FLAG_OVERLAPPED},
+                                                    FileOpens::Call{.name = std::string(R"(\\.\)") + kTestPrivateName,
+                                                                    .access = 0,
+                                                                    .sharing = FILE_SHARE_READ,
+                                                                    .disposition = OPEN_EXISTING,
+                                                                    .flags = FILE_ATTRIBUTE_READONLY}));
 }
