@@ -198,9 +198,10 @@ bool InstallThreadRuns()
 
 INT_PTR OnClose(HWND dialog)
 {
-    // While the restart question is open the dialog can still be told to close: one end is enough.
+    // While the restart question is open the dialog can still be told to close: one end is enough. Told that this was
+    // not handled, the system would press Cancel, which asks to close again, without an end.
     if (std::exchange(closing, true)) {
-        return 0;
+        return 1;
     }
     KillTimer(dialog, kCloseTimer);
     // Whoever chose to restart later is not restarted by a countdown while the question waits for its answer.
@@ -216,7 +217,7 @@ INT_PTR OnClose(HWND dialog)
     }
     if (DestroyWindow(dialog) == FALSE) {
         // A dialog that stays must not keep the program.
-        EndMessageLoop();
+        return EndMessageLoop();
     }
     return 0;
 }

@@ -2,9 +2,12 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "Trace.h"
@@ -31,6 +34,22 @@ std::string NameOfFault()
     return "unknown";
 }
 
+// Given back when memory runs out, so that there is enough for undoing what was begun and for the trace.
+constexpr std::size_t kReserveBytes = 65536;
+std::atomic<void*> reserve = nullptr;
+
+// Called for each request that finds no memory.
+void OnMemoryOut()
+{
+    void* const held = reserve.exchange(nullptr);
+    if (held == nullptr) {
+        // The reserve is used up as well: not even an exception could be made.
+        EndAsFailed();
+    }
+    std::free(held);
+    throw std::bad_alloc();
+}
+
 extern "C" void EndOnAbort(int /*signal*/)
 {
     EndAsFailed();
@@ -42,6 +61,8 @@ void EndOnEveryFault()
     // A damaged library is answered with a trace, not with a system box.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     std::set_terminate(EndOnUnhandledFault);
+    reserve = std::malloc(kReserveBytes);
+    std::set_new_handler(OnMemoryOut);
     // The language runtime gives up when it lacks memory for its own needs, and would say so in a box.
     _set_error_mode(_OUT_TO_STDERR);
     static_cast<void>(std::signal(SIGABRT, EndOnAbort));

@@ -62,6 +62,7 @@ int RunDialog(DriverInstallRecord& record)
 {
     if (!RegisterDialogClass()) {
         MessageBoxA(nullptr, "This program requires Windows NT.", "Morvix", MB_ICONERROR);
+        FreeResourceLibrary();
         return 0;
     }
     RegisterActivityBar();

@@ -108,6 +108,20 @@ run_end_to_end() {
     done
 }
 
+# Runs with failing platform calls. Nobody looks at their windows, and without a display driver each costs a third.
+run_faults() {
+    wanted morvix_faults || return 0
+    new_prefix test-faults
+    unset DISPLAY
+    run_limited 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /t REG_SZ /d null /f >/dev/null 2>&1 ||
+        fail "the Windows for failing calls cannot be set up"
+    keep_server
+    MORVIX_DIST=$(windows_path "$build_dir/dist")
+    MORVIX_DOUBLES=$(windows_path "$build_dir/windows/tests/doubles")
+    export MORVIX_DIST MORVIX_DOUBLES
+    run_windows_program morvix_faults 900 "$build_dir/windows/tests/faults/morvix_faults.exe"
+}
+
 # The runs that restart Windows: scripts that print "ok - promise" or "not ok - promise" and bring their own Windows.
 run_restarts() {
     local script unit log status started

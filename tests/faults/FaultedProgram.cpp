@@ -93,6 +93,7 @@ void FaultedProgram::LayDown(const Start& start, const Fault& fault)
     std::memset(static_cast<void*>(m_channel), 0, offsetof(FaultChannel, text));
     std::memset(static_cast<void*>(m_channel->owned.data()), 0, sizeof(m_channel->owned));
     m_channel->memoryRequests = 0;
+    m_channel->memoryRequestsOfStart = 0;
     m_channel->importCalled.fill(0);
     FaultPlan& plan = m_channel->plan;
     Put(plan.function, fault.call.function);
@@ -100,6 +101,7 @@ void FaultedProgram::LayDown(const Start& start, const Fault& fault)
     plan.thread = fault.call.thread;
     plan.ordinal = fault.ordinal;
     plan.memoryRequest = fault.memoryRequest;
+    plan.memoryIsOut = fault.memoryIsOut ? 1 : 0;
     plan.interactive = start.interactive ? 1 : 0;
     plan.noteMemory = start.noteMemory ? 1 : 0;
 }
@@ -165,6 +167,7 @@ void FaultedProgram::Read(const std::string& folder, Outcome& outcome) const
     outcome.lines.push_back(outcome.ended ? "exit code " + std::to_string(static_cast<int>(outcome.exitCode))
                                           : "does not end");
     outcome.memoryRequests = static_cast<unsigned>(m_channel->memoryRequests);
+    outcome.memoryRequestsOfStart = static_cast<unsigned>(m_channel->memoryRequestsOfStart);
     const std::size_t noted = std::min<std::size_t>(outcome.memoryRequests, m_channel->memoryStacks.size());
     outcome.memoryStacks.assign(m_channel->memoryStacks.begin(),
                                 m_channel->memoryStacks.begin() + static_cast<std::ptrdiff_t>(noted));

@@ -11,6 +11,7 @@ struct Fault
     CallName call;
     unsigned ordinal = 0;       ///< which of the calls of that name, from 1; 0 for none
     unsigned memoryRequest = 0; ///< which request for memory, from 1; 0 for none
+    bool memoryIsOut = false;   ///< from then on there is only what is given back
 };
 
 /// How the program is started.

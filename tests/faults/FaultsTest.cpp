@@ -11,7 +11,7 @@
 
 #include "Environment.h"
 #include "ImportTable.h"
-#include "Modes.h"
+#include "Memory.h"
 #include "PlatformCalls.h"
 #include "Scenario.h"
 #include "Verdicts.h"
@@ -20,7 +20,8 @@ namespace {
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr std::size_t kMemorySamples = 12;
+constexpr std::size_t kOneRequestSamples = 12;
+constexpr std::size_t kLastingSamples = 4;
 
 /// The scenario in use and what a run of each does without a fault. Laying a machine down takes longer than a run.
 class Stage
@@ -101,15 +102,10 @@ TEST_P(FailingCall, EndsAsItsVerdictSays)
 {
     const auto& [row, verdict] = GetParam();
     const Outcome clean = Stage::WithoutFault(*row);
-    for (const unsigned ordinal : verdict.ordinals) {
-        const Outcome faulted = Stage::Use(*row).Run({.call = verdict.call, .ordinal = ordinal});
-        EXPECT_TRUE(faulted.reached || ComesByChance(verdict.call)) << "call " << ordinal << " is not made";
-        EXPECT_THAT(WordsFor(Difference(clean.lines, faulted.lines)), ElementsAreArray(verdict.expected))
-            << "call " << ordinal;
-        if (!everyCall) {
-            break;
-        }
-    }
+    const unsigned ordinal = verdict.ordinals.front();
+    const Outcome faulted = Stage::Use(*row).Run({.call = verdict.call, .ordinal = ordinal});
+    EXPECT_TRUE(faulted.reached) << "call " << ordinal << " is not made";
+    EXPECT_THAT(WordsFor(Difference(clean.lines, faulted.lines)), ElementsAreArray(verdict.expected));
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCall, testing::ValuesIn(AllCases()), NameOf);
@@ -120,68 +116,34 @@ class MemoryShortage : public testing::TestWithParam<const ScenarioRow*>
 {
 };
 
-/// Requests from different places in the program first, then all.
-std::vector<unsigned> RequestsToFail(const Outcome& clean)
+/// Requests from places spread over the whole run.
+std::vector<unsigned> Samples(const Outcome& clean, std::size_t count)
 {
-    std::vector<unsigned> all;
-    std::vector<unsigned> firstOfEachPlace;
-    std::set<std::uint32_t> places;
-    for (unsigned i = 0; i < clean.memoryStacks.size(); ++i) {
-        all.push_back(i + 1);
-        if (places.insert(clean.memoryStacks[i]).second) {
-            firstOfEachPlace.push_back(i + 1);
-        }
+    const std::vector<unsigned> requests = FirstRequests(clean);
+    std::vector<unsigned> samples;
+    for (std::size_t i = 0; i < count; ++i) {
+        samples.push_back(requests.at((2 * i + 1) * requests.size() / (2 * count)));
     }
-    if (everyCall) {
-        return all;
-    }
-    std::vector<unsigned> some;
-    for (std::size_t i = 0; i < kMemorySamples; ++i) {
-        some.push_back(firstOfEachPlace.at((2 * i + 1) * firstOfEachPlace.size() / (2 * kMemorySamples)));
-    }
-    return some;
+    return samples;
 }
 
-/// Values are whole or not there at all, "Install" comes last, and what exists during an install only is gone.
-void ExpectNothingHalfWritten(const Outcome& clean, const Outcome& faulted)
+TEST_P(MemoryShortage, OfOneRequestEndsTheRunWithItsTraceOrIsDoneWithoutAndLeavesNothingHalfWritten)
 {
-    const auto leftBy = [](const Outcome& outcome) {
-        std::set<std::string> left;
-        for (const std::string& line : outcome.lines) {
-            if (line.starts_with("left: ")) {
-                left.insert(line);
-            }
-        }
-        return left;
-    };
-    const std::set<std::string> whole = leftBy(clean);
-    const std::set<std::string> left = leftBy(faulted);
-    bool installed = false;
-    for (const std::string& line : left) {
-        EXPECT_TRUE(whole.contains(line)) << line;
-        installed = installed || line.find(R"(Basedrivers\\Install type)") != std::string::npos;
-    }
-    for (const std::string& line : whole) {
-        const bool isVersion = line.find(R"(Version type)") != std::string::npos;
-        EXPECT_TRUE(!installed || !isVersion || left.contains(line)) << line;
+    const Outcome clean = Stage::WithoutFault(*GetParam());
+    for (const unsigned request : Samples(clean, kOneRequestSamples)) {
+        const Fault fault{.call = {}, .memoryRequest = request};
+        const Outcome faulted = Stage::Use(*GetParam()).Run(fault);
+        EXPECT_THAT(Complaints(clean, faulted, fault), IsEmpty()) << "request " << request;
     }
 }
 
-TEST_P(MemoryShortage, EndsTheRunWithItsTraceOrIsDoneWithoutAndLeavesNothingHalfWritten)
+TEST_P(MemoryShortage, ThatLastsEndsTheRunAndLeavesNothingHalfWritten)
 {
-    const ScenarioRow& row = *GetParam();
-    const Outcome clean = Stage::WithoutFault(row);
-    for (const unsigned request : RequestsToFail(clean)) {
-        SCOPED_TRACE("request " + std::to_string(request) + " of " + std::to_string(clean.memoryRequests));
-        const Outcome faulted = Stage::Use(row).Run({.call = {}, .memoryRequest = request});
-        EXPECT_TRUE(faulted.reached);
-        EXPECT_TRUE(faulted.ended);
-        ExpectNothingHalfWritten(clean, faulted);
-        if (faulted.exitCode == clean.exitCode && Difference(clean.lines, faulted.lines).empty()) {
-            continue;
-        }
-        EXPECT_EQ(static_cast<int>(faulted.exitCode), -1);
-        EXPECT_EQ(std::ranges::count(faulted.lines, "trace: unhandled fault: std::bad_alloc<LF>"), 1);
+    const Outcome clean = Stage::WithoutFault(*GetParam());
+    for (const unsigned request : Samples(clean, kLastingSamples)) {
+        const Fault fault{.call = {}, .memoryRequest = request, .memoryIsOut = true};
+        const Outcome faulted = Stage::Use(*GetParam()).Run(fault);
+        EXPECT_THAT(Complaints(clean, faulted, fault), IsEmpty()) << "from request " << request;
     }
 }
 

@@ -1,27 +1,29 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <iostream>
+#include <string>
 
 #include "Modes.h"
 
-bool everyCall = false;
-
-/// With --every-call each single call is made to fail, not only the first and the last of those that are alike.
-/// With --write SCENARIO the verdicts are written down as they are.
+/// Without arguments: the tests, which make one call fail for each verdict. With --every-call each single call fails in
+/// turn, of all scenarios or of one, which takes long. With --write SCENARIO its verdicts are written down beside the
+/// kept ones, with --show SCENARIO what its run does.
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
-    if (argc == 3 && std::strcmp(argv[1], "--write") == 0) {
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (argc == 1) {
+        return RUN_ALL_TESTS();
+    }
+    if (argc <= 3 && mode == "--every-call") {
+        return EveryCall(argc == 3 ? argv[2] : "");
+    }
+    if (argc == 3 && mode == "--write") {
         return WriteDown(argv[2]);
     }
-    if (argc == 3 && std::strcmp(argv[1], "--show") == 0) {
+    if (argc == 3 && mode == "--show") {
         return Show(argv[2]);
     }
-    everyCall = argc == 2 && std::strcmp(argv[1], "--every-call") == 0;
-    if (argc != (everyCall ? 2 : 1)) {
-        std::cerr << "usage: morvix_faults [--every-call | --write SCENARIO | --show SCENARIO]\n";
-        return 2;
-    }
-    return RUN_ALL_TESTS();
+    std::cerr << "usage: morvix_faults [--every-call [SCENARIO] | --write SCENARIO | --show SCENARIO]\n";
+    return 2;
 }

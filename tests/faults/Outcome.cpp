@@ -1,23 +1,41 @@
 #include "Outcome.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace {
 using Lines = std::vector<std::string>;
 
-/// Lines that are missing in a row.
-void AppendMissing(const Lines& missing, Lines& difference)
+/// A number that stands for the content of lines that are not shown.
+std::string Fingerprint(Lines::const_iterator begin, Lines::const_iterator end)
 {
-    constexpr std::size_t kMostShown = 3;
-    if (missing.size() <= kMostShown) {
-        for (const std::string& line : missing) {
-            difference.push_back("- " + line);
+    std::uint32_t number = 2166136261U;
+    for (auto line = begin; line != end; ++line) {
+        for (const char c : *line + "\n") {
+            number = (number ^ static_cast<unsigned char>(c)) * 16777619U;
         }
-        return;
     }
-    difference.push_back("- " + missing.front());
-    difference.push_back("- (" + std::to_string(missing.size() - 2) + " lines)");
-    difference.push_back("- " + missing.back());
+    std::array<char, 9> text{};
+    std::snprintf(text.data(), text.size(), "%08lx", static_cast<unsigned long>(number));
+    return text.data();
+}
+
+/// Lines that are missing, or are there in addition, one behind the other. Moves them from `lines` to `difference`.
+void AppendRow(const std::string& sign, Lines& lines, Lines& difference)
+{
+    constexpr std::size_t kMostShown = 6;
+    if (lines.size() <= kMostShown) {
+        for (const std::string& line : lines) {
+            difference.push_back(sign + line);
+        }
+    } else {
+        difference.push_back(sign + lines.front());
+        difference.push_back(sign + "(" + std::to_string(lines.size() - 2) + " lines, " +
+                             Fingerprint(lines.begin() + 1, lines.end() - 1) + ")");
+        difference.push_back(sign + lines.back());
+    }
+    lines.clear();
 }
 } // namespace
 
@@ -45,22 +63,24 @@ std::vector<std::string> Difference(const Lines& without, const Lines& with)
     }
     Lines difference;
     Lines missing;
+    Lines added;
     std::size_t row = 0;
     std::size_t column = 0;
     while (row < rows || column < columns) {
         if (row < rows && column < columns && without[begin + row] == with[begin + column]) {
-            AppendMissing(missing, difference);
-            missing.clear();
+            AppendRow("- ", missing, difference);
+            AppendRow("+ ", added, difference);
             ++row;
             ++column;
         } else if (column == columns || (row < rows && common[row + 1][column] >= common[row][column + 1])) {
+            AppendRow("+ ", added, difference);
             missing.push_back(without[begin + row++]);
         } else {
-            AppendMissing(missing, difference);
-            missing.clear();
-            difference.push_back("+ " + with[begin + column++]);
+            AppendRow("- ", missing, difference);
+            added.push_back(with[begin + column++]);
         }
     }
-    AppendMissing(missing, difference);
+    AppendRow("- ", missing, difference);
+    AppendRow("+ ", added, difference);
     return difference;
 }

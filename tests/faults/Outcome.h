@@ -33,6 +33,7 @@ struct Outcome
     /// For each memory request, in order, what stands for its call stack.
     std::vector<std::uint32_t> memoryStacks;
     unsigned memoryRequests = 0;
+    unsigned memoryRequestsOfStart = 0; ///< those made before the program's own code
     /// Which functions of the import table were called, in its order.
     std::vector<bool> importCalled;
 };

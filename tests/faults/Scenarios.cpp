@@ -104,7 +104,6 @@ private:
                                 {kSecondInstance, std::string(kSecondInstance) + "_Private"}},
                                kNdis52};
     const IScsiInitiator m_initiator{"iSCSDump.sys"};
-    const IScsiTool m_tool;
     const PendingOperations m_pending{{}};
 };
 
@@ -134,7 +133,6 @@ protected:
     LegacyMachine(const std::string& family, const SystemVersion& system) : Scenario("/s"), m_system(system)
     {
         WriteInf("ngeatest.inf", InfText({.ids = {kFirstDevice}, .signature = "$Chicago$"}));
-        Folder().UseDouble("Rundll.exe");
         Folder().UseDouble("newdev.dll");
         Folder().Answer("NetInst", "Family", family);
         CreateDirectoryA(CabDirectory().c_str(), nullptr);
@@ -222,25 +220,41 @@ private:
     const EmulatedSystem m_system{{nullptr, "6.1", "7601", "WinNT"}};
 };
 
+/// Somebody installs on a machine without an adapter.
+class Interactive : public Scenario
+{
+public:
+    Interactive() : Scenario("", true) {}
+
+private:
+    const EmulatedSystem m_system{{nullptr, "6.1", "7601", "WinNT"}};
+};
+
 template <class Made>
 std::unique_ptr<Scenario> Make()
 {
     return std::make_unique<Made>();
 }
 
-constexpr std::array kScenarios = std::to_array<ScenarioRow>({
-    {"silent-network-boot", Make<SilentNetworkBoot>},
-    {"interactive-network-boot", Make<InteractiveNetworkBoot>},
-    {"installer-package", Make<InstallerPackage>},
-    {"windows-98", Make<Windows98>},
-    {"windows-98-unserved", Make<UnservedWindows98>},
-    {"windows-me", Make<WindowsMe>},
-    {"management-software", Make<ManagementSoftware>},
-    {"turned-down", Make<TurnedDown>},
-});
 } // namespace
 
 std::span<const ScenarioRow> AllScenarios()
 {
+    static const std::array kScenarios = std::to_array<ScenarioRow>({
+        {"silent-network-boot", Make<SilentNetworkBoot>, {}},
+        {"interactive-network-boot",
+         Make<InteractiveNetworkBoot>,
+         {"main CreateThread()", "main DestroyWindow()", "main GetMessageA()", "main RegisterWindowMessageA()",
+          R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI))"}},
+        {"interactive",
+         Make<Interactive>,
+         {"install GetDlgItem(1002)", R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI))"}},
+        {"installer-package", Make<InstallerPackage>, {}},
+        {"windows-98", Make<Windows98>, {}},
+        {"windows-98-unserved", Make<UnservedWindows98>, {}},
+        {"windows-me", Make<WindowsMe>, {}},
+        {"management-software", Make<ManagementSoftware>, {}},
+        {"turned-down", Make<TurnedDown>, {}},
+    });
     return kScenarios;
 }

@@ -38,6 +38,8 @@ struct FaultPlan
     std::uint32_t ordinal;
     /// Which request for memory fails, from 1, whichever thread makes it and by whichever function; 0 for none.
     std::uint32_t memoryRequest;
+    /// From then on there is no more memory than what is given back.
+    std::uint32_t memoryIsOut;
     /// A hidden user presses OK and, at the end, the finish button.
     std::uint32_t interactive;
     /// Note the call stacks of memory requests.
@@ -60,6 +62,8 @@ struct FaultChannel
 
     /// One entry for each memory request: a number that stands for its call stack and thread.
     volatile LONG memoryRequests;
+    /// How many of them the language runtime made before it came to the program's own code.
+    LONG memoryRequestsOfStart;
     std::array<std::uint32_t, 1 << 16> memoryStacks;
 
     /// For each import in the order of the import table: whether it was called.

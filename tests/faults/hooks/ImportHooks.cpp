@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <malloc.h>
+
+#include <atomic>
 #include <bit>
 #include <cstring>
 #include <deque>
@@ -107,18 +110,45 @@ std::uint32_t StackNumber()
     return number * 2 + (CurrentCallThread() == CallThread::Main ? 0 : 1);
 }
 
-/// @return true when this is the request that is to fail.
-bool IsPlannedMemoryRequest()
+/// What has been given back since memory ran out.
+std::atomic<LONG64> bytesGivenBack = 0;
+
+bool MemoryIsOut()
+{
+    const FaultPlan& plan = Channel()->plan;
+    return plan.memoryIsOut != 0 && Channel()->memoryRequests >= static_cast<LONG>(plan.memoryRequest);
+}
+
+void NoteMemoryGivenBack(void* memory)
+{
+    if (memory != nullptr && MemoryIsOut()) {
+        bytesGivenBack += static_cast<LONG64>(_msize(memory));
+    }
+}
+
+/// @return true when this is a request that is to fail.
+bool IsPlannedMemoryRequest(std::uint64_t bytes)
 {
     FaultChannel& channel = *Channel();
     const auto at = static_cast<std::size_t>(InterlockedIncrement(&channel.memoryRequests) - 1);
     if (channel.plan.noteMemory != 0 && at < channel.memoryStacks.size()) {
         channel.memoryStacks[at] = StackNumber();
     }
-    if (at + 1 != channel.plan.memoryRequest) {
+    if (channel.plan.memoryRequest == 0 || at + 1 < channel.plan.memoryRequest) {
         return false;
     }
     channel.reached = 1;
+    if (at + 1 == channel.plan.memoryRequest) {
+        return true;
+    }
+    if (channel.plan.memoryIsOut == 0) {
+        return false;
+    }
+    const auto wanted = static_cast<LONG64>(bytes);
+    if (bytesGivenBack.fetch_sub(wanted) >= wanted) {
+        return false;
+    }
+    bytesGivenBack += wanted;
     return true;
 }
 
@@ -144,11 +174,19 @@ bool Fails(const Hook& hook, const Arguments& arguments)
         WriteLine('U', hook.name);
         return false;
     }
+    if (hook.name == "free") {
+        NoteMemoryGivenBack(std::bit_cast<void*>(ArgumentOf(arguments, 0)));
+    }
     if (hook.facts->kind != CallKind::Fails) {
         return false;
     }
     if (IsMemory(hook.name)) {
-        return IsPlannedMemoryRequest();
+        const std::uint64_t first = ArgumentOf(arguments, 0);
+        const std::uint64_t second = ArgumentOf(arguments, 1);
+        return IsPlannedMemoryRequest(hook.name == "malloc" ? first : hook.name == "calloc" ? first * second : second);
+    }
+    if (Channel()->memoryRequestsOfStart == 0) {
+        Channel()->memoryRequestsOfStart = Channel()->memoryRequests;
     }
     const std::string label = LabelOf(*hook.facts, arguments);
     if (IsPlanned(hook, label)) {

@@ -170,6 +170,8 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Sure, "PeekMessageA"),
     Of(Sure, "PostQuitMessage"),
     Of(Unused, "LoadStringA"),
+    // Made only when the message queue takes no more.
+    Of(Unused, "SendNotifyMessageA"),
 
     // Devices
     Answer("SetupDiGetClassDevsA", kInvalidHandleValue, kGeneralFailure),
@@ -261,6 +263,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Runtime, "VirtualQuery"),
     Of(Runtime, "WaitForMultipleObjects"),
     Of(Runtime, "__C_specific_handler"),
+    Of(Runtime, "_set_error_mode"),
     Of(Runtime, "___lc_codepage_func"),
     Of(Runtime, "___mb_cur_max_func"),
     Of(Runtime, "__getmainargs"),

@@ -9,6 +9,8 @@ constexpr UINT kInstallOver = WM_APP + 0x77;
 constexpr DWORD kLimit = 30000;
 
 HWND dialogWindow = nullptr;
+HANDLE installEnded = nullptr;
+bool countdownRuns = false;
 
 bool IsOffered(int control)
 {
@@ -16,10 +18,9 @@ bool IsOffered(int control)
     return window != nullptr && (GetWindowLongA(window, GWL_STYLE) & (WS_VISIBLE | WS_DISABLED)) == WS_VISIBLE;
 }
 
-DWORD WINAPI WaitForInstall(void* thread)
+DWORD WINAPI WaitForInstall(void* /*unused*/)
 {
-    WaitForSingleObject(thread, kLimit);
-    CloseHandle(thread);
+    WaitForSingleObject(installEnded, kLimit);
     // The thread may have ended before the dialog was handed out.
     for (DWORD waited = 0; dialogWindow == nullptr && waited < kLimit; ++waited) {
         Sleep(1);
@@ -47,13 +48,17 @@ void TellDialog(HWND dialog)
 
 void TellInstallThread(HANDLE thread)
 {
-    HANDLE own = nullptr;
     if (thread != nullptr) {
-        DuplicateHandle(GetCurrentProcess(), thread, GetCurrentProcess(), &own, SYNCHRONIZE, FALSE, 0);
+        DuplicateHandle(GetCurrentProcess(), thread, GetCurrentProcess(), &installEnded, SYNCHRONIZE, FALSE, 0);
     } else {
-        own = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+        installEnded = CreateEventA(nullptr, TRUE, TRUE, nullptr);
     }
-    CloseHandle(CreateThread(nullptr, 0, WaitForInstall, own, 0, nullptr));
+    CloseHandle(CreateThread(nullptr, 0, WaitForInstall, nullptr, 0, nullptr));
+}
+
+void TellTimer(UINT_PTR timer)
+{
+    countdownRuns = countdownRuns || timer == 0;
 }
 
 void CloseDialog()
@@ -63,14 +68,19 @@ void CloseDialog()
 
 void ActForUser(MSG& message)
 {
+    if (message.message == WM_CLOSE && installEnded != nullptr) {
+        // Which of the two threads then does its last things first would be chance.
+        WaitForSingleObject(installEnded, kLimit);
+    }
     if (message.message != kInstallOver) {
         return;
     }
     if (IsOffered(kFinishButton)) {
         Press(message, kFinishButton);
-    } else if (IsOffered(kRestartLaterButton)) {
-        // The countdown goes on.
+    } else if (IsOffered(kRestartLaterButton) && countdownRuns) {
         message.message = WM_NULL;
+    } else if (IsOffered(kRestartLaterButton)) {
+        Press(message, kRestartLaterButton);
     } else {
         WriteLine('E', "the dialog stays until something closes it");
         message.hwnd = dialogWindow;

@@ -9,6 +9,8 @@
 void TellDialog(HWND dialog);
 /// @param thread  The install thread, or null when none was made.
 void TellInstallThread(HANDLE thread);
+/// The dialog has a timer of that number.
+void TellTimer(UINT_PTR timer);
 void CloseDialog();
 /// Called for each message that the program takes from its queue; may change it.
 void ActForUser(MSG& message);
