@@ -38,10 +38,15 @@ std::string ReadSourcePath()
     return text.data();
 }
 
+/// @return the fallback directory with a trailing backslash, made when it is missing; empty when the platform does not
+///         tell where Windows lies.
 std::string FallbackDirectory()
 {
     std::array<char, MAX_PATH> windows{};
-    GetWindowsDirectoryA(windows.data(), MAX_PATH);
+    const UINT length = GetWindowsDirectoryA(windows.data(), MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) {
+        return {};
+    }
     const std::string directory = windows.data() + std::string(R"(\INSTALL)");
     CreateDirectoryA(directory.c_str(), nullptr);
     // The fallback is not written to "SourcePath": that would go through the key of ReadSourcePath, which is closed by

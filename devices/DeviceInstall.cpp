@@ -61,13 +61,15 @@ public:
         if (!m_key.Open(HKEY_LOCAL_MACHINE, kKey, kForWriting)) {
             m_key.Create(HKEY_LOCAL_MACHINE, kKey, kForWriting, kPermanent);
         }
-        m_key.SetValue(kSourcePathValue, COrvString(infPath), kPlainText);
+        m_key.SetValue(m_name, COrvString(infPath), kPlainText);
     }
-    ~SourcePathValue() { m_key.DeleteValue(kSourcePathValue); }
+    ~SourcePathValue() { m_key.DeleteValue(m_name); }
     SourcePathValue(const SourcePathValue&) = delete;
     SourcePathValue& operator=(const SourcePathValue&) = delete;
 
 private:
+    // Made before the value is, so that deleting the value needs no memory.
+    const COrvString m_name{kSourcePathValue};
     COrvRegKey m_key;
 };
 

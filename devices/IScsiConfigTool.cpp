@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include <array>
 #include <string>
 
 #include "Handles.h"
+#include "SystemDirectory.h"
 #include "Trace.h"
 
 namespace {
@@ -28,9 +28,8 @@ bool RunAndWait(std::string commandLine)
 void CalliSCSIConfigExe()
 {
     Trace("Entering CalliSCSIConfigExe");
-    std::array<char, MAX_PATH> systemDirectory{};
-    GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
-    if (!RunAndWait(systemDirectory.data() + std::string(R"(\iscsivrf.exe /verify /fix)"))) {
+    const std::string directory = SystemDirectory();
+    if (directory.empty() || !RunAndWait(directory + R"(\iscsivrf.exe /verify /fix)")) {
         Trace("Failed to call iSCSI command line utility.");
     }
     Trace("Leaving CalliSCSIConfigExe");

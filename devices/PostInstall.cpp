@@ -21,21 +21,19 @@
 #include "PathCase.h"
 #include "PathResolution.h"
 #include "ResultKeys.h"
+#include "SystemDirectory.h"
 #include "Trace.h"
 
 namespace {
-std::string SystemDirectory()
+/// @return the name of the first file that the directory search returns, or no value when nothing matches or the
+///         directory is not known.
+std::optional<std::string> FindFirstFileName(const std::string& directory, const std::string& pattern)
 {
-    std::array<char, MAX_PATH> directory{};
-    GetSystemDirectoryA(directory.data(), MAX_PATH);
-    return directory.data();
-}
-
-/// @return the name of the first file that the directory search returns, or no value when nothing matches.
-std::optional<std::string> FindFirstFileName(const std::string& pattern)
-{
+    if (directory.empty()) {
+        return std::nullopt;
+    }
     WIN32_FIND_DATAA found{};
-    const UniqueSearch search(FindFirstFileA(pattern.c_str(), &found));
+    const UniqueSearch search(FindFirstFileA((directory + pattern).c_str(), &found));
     return search.IsOpen() ? std::optional<std::string>(found.cFileName) : std::nullopt;
 }
 
@@ -45,8 +43,8 @@ void PostFamilyResult(OSCode system, const DriverFamily& family, const std::stri
     OrvSafeCopy("PostInstall", __LINE__, valueName.data(), valueName.size(), std::string(family.resultPrefix).c_str());
     OrvSafeCat("PostInstall", __LINE__, valueName.data(), valueName.size(), "Install");
 
-    const std::optional<std::string> driverFile = FindFirstFileName(
-        driverDirectory + DriverFilePattern(family, IsWin7Family(system) || IsWin2K8R2Family(system)));
+    const std::optional<std::string> driverFile =
+        FindFirstFileName(driverDirectory, DriverFilePattern(family, IsWin7Family(system) || IsWin2K8R2Family(system)));
     const bool failedBefore = DevicePassState.installErrorCode == kRememberedInstallError;
     std::array<char, MAX_PATH> version{};
     const bool succeeded = driverFile && !failedBefore;
@@ -85,7 +83,8 @@ int PostInstallRegResult(std::span<char> infPath)
 int PostInstallRegResultFor(OSCode system, std::span<char> infPath)
 {
     Trace("Enter -> PostInstallRegResult\n");
-    const std::string driverDirectory = SystemDirectory() + R"(\drivers)";
+    const std::string systemDirectory = SystemDirectory();
+    const std::string driverDirectory = systemDirectory.empty() ? std::string() : systemDirectory + R"(\drivers)";
 
     const std::span<char> path = TextOf(infPath);
     const std::string_view pathText(path.data(), path.size());
@@ -111,8 +110,10 @@ int PostInstallRegResultFor(OSCode system, std::span<char> infPath)
 void UpdateTavunstRegistry()
 {
     Trace("Entering -> UpdateTavunstRegistry()");
-    const std::string target = SystemDirectory() + R"(\Morvix.din)";
-    if (CopyFileA((LocationInfo.setupDir + R"(\Morvix.din)").c_str(), target.c_str(), FALSE) != FALSE) {
+    const std::string directory = SystemDirectory();
+    const std::string target = directory + R"(\Morvix.din)";
+    if (!directory.empty() &&
+        CopyFileA((LocationInfo.setupDir + R"(\Morvix.din)").c_str(), target.c_str(), FALSE) != FALSE) {
         // The kit may lie on a read-only medium; the copy must stay replaceable.
         SetFileAttributesA(target.c_str(), FILE_ATTRIBUTE_NORMAL);
         HKEY opened = nullptr;

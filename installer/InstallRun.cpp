@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "CloseRequest.h"
 #include "DevicePass.h"
 #include "DevicePassState.h"
 #include "DialogControls.h"
@@ -52,13 +53,6 @@ UniqueLibrary LoadRestorePointLibrary()
     return library;
 }
 
-void PostToDialog(HWND dialog, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
-{
-    if (dialog != nullptr) {
-        PostMessageA(dialog, message, wParam, lParam);
-    }
-}
-
 bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface* driverInstall, HWND dialog)
 {
     ScanForHardwareChanges();
@@ -71,17 +65,34 @@ bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface
 
 void OfferFinish(HWND dialog, int show)
 {
+    if (dialog == nullptr) {
+        return;
+    }
     const HWND finish = GetDlgItem(dialog, kFinishButton);
+    if (finish == nullptr) {
+        // Without the button nobody could ever end the run.
+        AskToClose(dialog);
+        return;
+    }
     EnableWindow(finish, TRUE);
     ShowWindow(finish, show);
-    PostToDialog(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(finish), 1);
+    PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(finish), 1);
+}
+
+/// The restart buttons come with a message; where it cannot be had or sent, the finish button leads to the same
+/// question.
+void OfferRestart(HWND dialog)
+{
+    if (dialog != nullptr && (restartMessage == 0 || PostMessageA(dialog, restartMessage, 0, 0) == FALSE)) {
+        OfferFinish(dialog, SW_SHOWNORMAL);
+    }
 }
 
 /// @return false when the device pass could not run.
 bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
 {
     if (!FcoeBootAllowsRun()) {
-        PostToDialog(dialog, WM_CLOSE);
+        AskToClose(dialog);
         return true;
     }
     // Without an interface the walk still runs: every install then fails, and the results tell what is on the machine.
@@ -92,7 +103,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         if (!DevicePassBetweenScans(record, driverInstall.get(), dialog)) {
             return false;
         }
-        PostToDialog(dialog, WM_CLOSE);
+        AskToClose(dialog);
         return true;
     }
     if (dialog != nullptr) {
@@ -103,7 +114,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         SetDlgItemTextA(dialog, kStatusText, LangString(outcome).c_str());
     }
     if (RunState.fcoeRestart == 1) {
-        PostToDialog(dialog, restartMessage);
+        OfferRestart(dialog);
         return true;
     }
     if (RunOptions.oemGui != 0) {
@@ -128,12 +139,12 @@ bool RunWindows9x(RunFlow flow, DriverInstallRecord& record, HWND dialog)
     CopyFilesToCabDir();
     PostInstallRegResult(record.infPath);
     if (silent) {
-        PostToDialog(dialog, WM_CLOSE);
+        AskToClose(dialog);
     } else if (flow == RunFlow::WindowsMe && DevicePassState.deviceMatched == 0) {
         SetDlgItemTextA(dialog, kStatusText, LangString(kStringNoAdapter).c_str());
         OfferFinish(dialog, SW_SHOW);
     } else {
-        PostToDialog(dialog, restartMessage);
+        OfferRestart(dialog);
     }
     return true;
 }

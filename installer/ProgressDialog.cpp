@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ActivityBar.h"
+#include "CloseRequest.h"
 #include "DialogControls.h"
 #include "EndOfRun.h"
 #include "Handles.h"
@@ -18,6 +19,7 @@
 #include "RunOptions.h"
 #include "RunState.h"
 #include "Trace.h"
+#include "UnhandledFault.h"
 
 InstallThreadParameters installThreadParameters;
 
@@ -105,7 +107,7 @@ INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPAR
         return 1;
     }
     if (control == buttons.finish || control == buttons.restartLater || control == buttons.cancel) {
-        PostMessageA(dialog, WM_CLOSE, 0, 0);
+        AskToClose(dialog);
         return 1;
     }
     if (control == buttons.restartNow) {
@@ -163,7 +165,7 @@ INT_PTR OnTimer(HWND dialog, WPARAM timer)
         return OnCountdownTick(dialog);
     }
     if (timer == kCloseTimer) {
-        PostMessageA(dialog, WM_CLOSE, 0, 0);
+        AskToClose(dialog);
     }
     return EndMessageLoop();
 }
@@ -196,9 +198,10 @@ bool InstallThreadRuns()
 
 INT_PTR OnClose(HWND dialog)
 {
-    // While the restart question is open the dialog can still be told to close: one end is enough.
+    // While the restart question is open the dialog can still be told to close: one end is enough. Told that this was
+    // not handled, the system would press Cancel, which asks to close again, without an end.
     if (std::exchange(closing, true)) {
-        return 0;
+        return 1;
     }
     KillTimer(dialog, kCloseTimer);
     // Whoever chose to restart later is not restarted by a countdown while the question waits for its answer.
@@ -212,7 +215,10 @@ INT_PTR OnClose(HWND dialog)
     if (restart) {
         RestartMachine();
     }
-    DestroyWindow(dialog);
+    if (DestroyWindow(dialog) == FALSE) {
+        // A dialog that stays must not keep the program.
+        return EndMessageLoop();
+    }
     return 0;
 }
 } // namespace
@@ -228,7 +234,8 @@ void WaitForInstallThread()
     }
 }
 
-INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+namespace {
+INT_PTR HandleMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const DialogButtons buttons = FindButtons(dialog);
     if (RunOptions.msiMode != 0) {
@@ -256,10 +263,9 @@ INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LP
     }
 }
 
-DWORD WINAPI InstallThread(void* parameters)
+void RunInstallThread(InstallThreadParameters& thread)
 {
     Trace("Entering - InstallThread");
-    auto& thread = *static_cast<InstallThreadParameters*>(parameters);
     thread.result = InstallDrivers(*thread.record, thread.dialog);
     const bool failedInteractively =
         thread.result == -1 && RunState.fcoeRestart == 0 && RunOptions.silent == 0 && RunOptions.msiMode == 0;
@@ -270,5 +276,27 @@ DWORD WINAPI InstallThread(void* parameters)
         Focus(thread.dialog, finish);
     }
     HideActivity(thread.dialog);
+}
+} // namespace
+
+// No exception leaves the two functions that the platform calls: what it would make of one differs from system to
+// system, and here everything on the way is given back.
+
+INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    try {
+        return HandleMessage(dialog, message, wParam, lParam);
+    } catch (...) {
+        EndOnUnhandledFault();
+    }
+}
+
+DWORD WINAPI InstallThread(void* parameters)
+{
+    try {
+        RunInstallThread(*static_cast<InstallThreadParameters*>(parameters));
+    } catch (...) {
+        EndOnUnhandledFault();
+    }
     return 0;
 }

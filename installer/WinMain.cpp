@@ -1,8 +1,6 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <cstdlib>
-#include <exception>
 #include <memory>
 #include <string>
 #include <utility>
@@ -24,29 +22,11 @@
 #include "SingleInstance.h"
 #include "SystemProbe.h"
 #include "Trace.h"
+#include "UnhandledFault.h"
 
 namespace {
 constexpr int kExitFailure = -1;
 constexpr char kWindowClass[] = "Morvix";
-
-// A fault that nothing handles, such as a device name that no search rule fits, ends the process at once with a trace
-// and the exit code of a failed run.
-[[noreturn]] void EndOnUnhandledFault()
-{
-    std::string what = "unknown";
-    try {
-        if (const std::exception_ptr fault = std::current_exception()) {
-            std::rethrow_exception(fault);
-        }
-    } catch (const std::exception& fault) {
-        what = fault.what();
-    } catch (...) {
-        what = "not a standard exception";
-    }
-    Trace("unhandled fault: ", what, "\n");
-    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(kExitFailure));
-    std::abort();
-}
 
 bool LoadResourceLibrary()
 {
@@ -82,6 +62,7 @@ int RunDialog(DriverInstallRecord& record)
 {
     if (!RegisterDialogClass()) {
         MessageBoxA(nullptr, "This program requires Windows NT.", "Morvix", MB_ICONERROR);
+        FreeResourceLibrary();
         return 0;
     }
     RegisterActivityBar();
@@ -99,8 +80,10 @@ int RunDialog(DriverInstallRecord& record)
     ShowWindow(dialog, RunOptions.silent != 0 ? SW_HIDE : SW_SHOWNORMAL);
 
     MSG message{};
-    while (GetMessageA(&message, nullptr, 0, 0) != 0) {
-        if (IsDialogMessageA(dialog, &message) == FALSE) {
+    for (BOOL taken = TRUE; taken != 0;) {
+        taken = GetMessageA(&message, nullptr, 0, 0);
+        // -1 is a failure: no message was taken, and the next one may come.
+        if (taken > 0 && IsDialogMessageA(dialog, &message) == FALSE) {
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
@@ -153,9 +136,11 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
-    // A damaged library or a fault is answered with a trace and an exit code, not with a system box: nobody may be
-    // there to close it.
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    std::set_terminate(EndOnUnhandledFault);
-    return RunProgram(__argc, __argv);
+    EndOnEveryFault();
+    // Caught, and not left to the language runtime, so that everything on the way here is given back.
+    try {
+        return RunProgram(__argc, __argv);
+    } catch (...) {
+        EndOnUnhandledFault();
+    }
 }

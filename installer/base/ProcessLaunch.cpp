@@ -8,6 +8,7 @@
 
 #include "Handles.h"
 #include "LastError.h"
+#include "SystemDirectory.h"
 #include "Trace.h"
 
 namespace {
@@ -67,14 +68,13 @@ int DoUninstall(const DriverInstallRecord& record)
     const std::string family = FamilyOf(record);
     const bool is9x =
         EqualsIgnoringCase(family, kFamilyWindows98) || EqualsIgnoringCase(family, kFamilyWindowsMillenium);
-    std::array<char, MAX_PATH> systemDirectory{};
-    GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
-    const std::string path = systemDirectory.data() + std::string(is9x ? R"(\Kelsdel.exe)" : R"(\Tavunstl.exe)");
+    const std::string directory = SystemDirectory();
+    const std::string path = directory + (is9x ? R"(\Kelsdel.exe)" : R"(\Tavunstl.exe)");
     Trace("uninstall app: ", path, "\n");
 
     WIN32_FIND_DATAA found{};
     // The search stays open for the rest of the run: one handle per uninstall, by design.
-    const HANDLE search = FindFirstFileA(path.c_str(), &found);
+    const HANDLE search = directory.empty() ? INVALID_HANDLE_VALUE : FindFirstFileA(path.c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) {
         Trace("unable to find uninstall app\n");
         return 0;

@@ -1,0 +1,14 @@
+#include "SystemDirectory.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+
+TEST(SystemDirectory, IsWhatThePlatformNamesWithoutATrailingBackslash)
+{
+    std::array<char, MAX_PATH> platform{};
+    ASSERT_NE(GetSystemDirectoryA(platform.data(), MAX_PATH), 0u);
+    EXPECT_EQ(SystemDirectory(), platform.data());
+    EXPECT_FALSE(SystemDirectory().ends_with('\\'));
+}
