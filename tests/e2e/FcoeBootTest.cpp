@@ -258,9 +258,6 @@ TEST_F(FcoeBoot, BrokenExtensionVersionIsNotLookedAtInAnInstallerStep)
     ExpectInstalled(RunMorvix("/s /m"));
 }
 
-// --- What developers lay down to try a boot port on any machine
-// --------------------------------------------------------
-
 class FcoeDebugging : public FcoeBoot, public testing::WithParamInterface<const char*>
 {
 };
@@ -307,9 +304,6 @@ TEST_F(FcoeBoot, DebugValuesDoNothingWithoutTheLibrary)
 
     ExpectInstalled(RunMorvix("/s"));
 }
-
-// --- With a user at the dialog
-// ----------------------------------------------------------------------------------------
 
 class InteractiveFcoeBoot : public FcoeBoot
 {
