@@ -106,7 +106,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         PostToDialog(dialog, restartMessage);
         return true;
     }
-    if (RunOptions.oemGui != 0) {
+    if (RunOptions.oemGui != 0 && dialog != nullptr) {
         SetTimer(dialog, kCloseTimer, kClosePeriodMilliseconds, nullptr);
     }
     OfferFinish(dialog, SW_SHOWNORMAL);
