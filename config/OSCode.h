@@ -99,7 +99,7 @@ inline constexpr uint16_t kArchitectureX64 = 9;
 /// What the platform says about a system: all that a decision about it may depend on.
 struct SystemFacts
 {
-    bool valid = false; ///< false when the version could not be read; the other fields are zero then
+    bool valid = false; ///< false when the version could not be read; its fields are zero then, but not `architecture`
     uint32_t majorVersion = 0;
     uint32_t minorVersion = 0;
     uint32_t platform = 0;                ///< 1 the 9x family, 2 the NT family

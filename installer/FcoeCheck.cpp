@@ -11,6 +11,7 @@
 #include "RunState.h"
 
 namespace {
+constexpr bool kForReading = false;
 void CheckManagementExtension()
 {
     if (RunOptions.msiMode != 0) {
@@ -19,7 +20,7 @@ void CheckManagementExtension()
     }
     COrvRegKey key;
     COrvString version;
-    if (key.Open(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Network_Services\TERN)", false) &&
+    if (key.Open(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Network_Services\TERN)", kForReading) &&
         key.GetValue("OEMVersion", version) && ManagementExtensionAllowsUpdate(static_cast<const char*>(version))) {
         RunState.extensionUpdateAllowed = 1;
     }

@@ -117,7 +117,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         OfferRestart(dialog);
         return true;
     }
-    if (RunOptions.oemGui != 0) {
+    if (RunOptions.oemGui != 0 && dialog != nullptr) {
         SetTimer(dialog, kCloseTimer, kClosePeriodMilliseconds, nullptr);
     }
     OfferFinish(dialog, SW_SHOWNORMAL);

@@ -10,7 +10,7 @@
 #include "Trace.h"
 
 namespace {
-// By full path: an elevated program takes this library from its own directory and from nowhere else.
+// By full path, so that the system's search order has no part in it.
 DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
 {
     const std::string path = LocationInfo.setupDir + "\\" + kNetInstLibrary;
@@ -27,6 +27,21 @@ DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
     return entry;
 }
 
+// Only a status of 0 is a success, and then there must be an object. One that comes with another status is released.
+template <class Interface>
+UniqueNetInst<Interface> TakeObject(Interface* object, int32_t result, uint32_t& status)
+{
+    UniqueNetInst<Interface> owner(object);
+    status = static_cast<uint32_t>(result);
+    if (status != 0) {
+        return nullptr;
+    }
+    if (!owner) {
+        status = static_cast<uint32_t>(E_NOINTERFACE);
+    }
+    return owner;
+}
+
 template <class Factory>
 UniqueNetInst<Factory> GetFactory(const char* name, uint32_t& status)
 {
@@ -35,23 +50,8 @@ UniqueNetInst<Factory> GetFactory(const char* name, uint32_t& status)
         return nullptr;
     }
     void* factory = nullptr;
-    status = static_cast<uint32_t>(getFactory(name, &factory));
-    if (status != 0 || factory == nullptr) {
-        status = status == 0 ? static_cast<uint32_t>(E_NOINTERFACE) : status;
-        return nullptr;
-    }
-    return UniqueNetInst<Factory>(static_cast<Factory*>(factory));
-}
-
-// A library that reports success must have handed out an object, and the other way round.
-template <class Interface>
-UniqueNetInst<Interface> TakeObject(Interface* object, int32_t result, uint32_t& status)
-{
-    status = static_cast<uint32_t>(result);
-    if (status == 0 && object == nullptr) {
-        status = static_cast<uint32_t>(E_NOINTERFACE);
-    }
-    return UniqueNetInst<Interface>(status == 0 ? object : nullptr);
+    const int32_t result = getFactory(name, &factory);
+    return TakeObject(static_cast<Factory*>(factory), result, status);
 }
 } // namespace
 

@@ -9,6 +9,7 @@
 #include "DialogControls.h"
 #include "EndOfRun.h"
 #include "Handles.h"
+#include "InsertRules.h"
 #include "InstallRun.h"
 #include "LangString.h"
 #include "PendingUninstall.h"
@@ -119,6 +120,10 @@ INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPAR
 
 INT_PTR OnRestartOffered(HWND dialog, const DialogButtons& buttons)
 {
+    if (closing) {
+        // The end-of-run decision is being made: a countdown must not overtake the answer to its question.
+        return 1;
+    }
     EnableAndShow(buttons.restartNow);
     EnableAndShow(buttons.restartLater);
     Focus(dialog, buttons.restartNow);
@@ -130,12 +135,16 @@ INT_PTR OnRestartOffered(HWND dialog, const DialogButtons& buttons)
 std::string CountdownText()
 {
     const std::string format = LangString(kStringRestartCountdown);
+    DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY;
+    if (!InsertsAreNumbers(format)) {
+        // The seconds are not the address of a text. A countdown that asks for one is shown as it stands.
+        flags |= FORMAT_MESSAGE_IGNORE_INSERTS;
+    }
     // 99 is the highest insert that FormatMessage knows: a text that asks for more than the seconds reads zeros of
     // ours.
     std::array<DWORD_PTR, 99> arguments{static_cast<DWORD_PTR>(countdown)};
     char* text = nullptr;
-    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY,
-                   format.c_str(), 0, 0, reinterpret_cast<char*>(&text), kMessageBytes,
+    FormatMessageA(flags, format.c_str(), 0, 0, reinterpret_cast<char*>(&text), kMessageBytes,
                    reinterpret_cast<va_list*>(arguments.data()));
     const UniqueLocalText owner(text);
     return text == nullptr ? std::string() : std::string(text);
@@ -207,7 +216,8 @@ INT_PTR OnClose(HWND dialog)
     // Whoever chose to restart later is not restarted by a countdown while the question waits for its answer.
     KillTimer(dialog, kCountdownTimer);
     const bool restart = DecideAndRecordRestart();
-    // A run that is still under way, because something else closed the dialog, goes on reading texts.
+    // The install thread asks for the end before it has ended itself, and others can close the dialog under it: while
+    // it runs it may read texts.
     if (!InstallThreadRuns()) {
         FreeLibrary(resourceModule);
         resourceModule = nullptr;

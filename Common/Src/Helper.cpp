@@ -6,6 +6,7 @@
 #include "OrvRegKey.h"
 
 namespace {
+constexpr bool kForReading = false;
 // The trailing backslash is part of the name that is opened.
 constexpr char kTernKey[] = R"(SOFTWARE\NORDA\Network_Services\TERN\)";
 constexpr char kProductKey[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
@@ -30,7 +31,7 @@ bool IsComponentInstalled(const Component& component)
 {
     const HelperTrace trace(component.operation);
     COrvRegKey key;
-    if (!key.Open(HKEY_LOCAL_MACHINE, kTernKey, false)) {
+    if (!key.Open(HKEY_LOCAL_MACHINE, kTernKey, kForReading)) {
         OrvTrace().Print("%s() - Unable to open the TERN registry key - exiting", component.operation);
         return false;
     }
@@ -73,7 +74,7 @@ bool CHelper::IsDebugEnbled()
 {
     const HelperTrace trace("IsDebugEnbled");
     COrvRegKey key;
-    if (!key.Open(HKEY_LOCAL_MACHINE, kProductKey, false)) {
+    if (!key.Open(HKEY_LOCAL_MACHINE, kProductKey, kForReading)) {
         // The key is not the one that the text names.
         OrvTrace().Print("IsDebugEnbled() - Unable to open the TERN registry key - exiting");
         return false;
@@ -99,7 +100,7 @@ bool CHelper::IsSettingDebugable(const COrvString& name, DWORD& value)
         return false;
     }
     COrvRegKey key;
-    key.Open(HKEY_LOCAL_MACHINE, kDebugKey, false);
+    key.Open(HKEY_LOCAL_MACHINE, kDebugKey, kForReading);
     value = 0;
     return key.GetValue(name, value);
 }
@@ -112,14 +113,14 @@ bool CHelper::GetDebugString(const COrvString& name, COrvString& value)
         return false;
     }
     COrvRegKey key;
-    key.Open(HKEY_LOCAL_MACHINE, kDebugKey, false);
+    key.Open(HKEY_LOCAL_MACHINE, kDebugKey, kForReading);
     return key.GetValue(name, value);
 }
 
 bool CHelper::IsDebugFeatureOn()
 {
     COrvRegKey key;
-    key.Open(HKEY_LOCAL_MACHINE, kTernKey, false);
+    key.Open(HKEY_LOCAL_MACHINE, kTernKey, kForReading);
     DWORD feature = 0;
     DWORD bytes = sizeof(feature);
     // Read as bytes: reading a number would trace.
@@ -130,6 +131,6 @@ bool CHelper::IsDebugFeatureOn()
 int CHelper::GetInstalledLanguage(COrvString& language)
 {
     COrvRegKey key;
-    key.Open(HKEY_LOCAL_MACHINE, kProductKey, false);
+    key.Open(HKEY_LOCAL_MACHINE, kProductKey, kForReading);
     return key.GetValue("InstalledLangShortString", language) ? 0 : -1;
 }

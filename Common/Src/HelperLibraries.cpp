@@ -5,6 +5,7 @@
 #include "OrvRegKey.h"
 
 namespace {
+constexpr bool kForReading = false;
 constexpr char kStatusTextLibrary[] = "NetShell";
 
 DWORD LoadFlags(AgentLibraryUse use)
@@ -17,7 +18,7 @@ DWORD LoadFlags(AgentLibraryUse use)
 COrvString InstalledDirectory(const AgentLibrary& library)
 {
     COrvRegKey key;
-    key.Open(HKEY_LOCAL_MACHINE, std::string(library.key), false);
+    key.Open(HKEY_LOCAL_MACHINE, std::string(library.key), kForReading);
     COrvString directory;
     static_cast<void>(key.GetValue(std::string(library.value), directory));
     return directory;

@@ -4,6 +4,7 @@
 #include <utility>
 
 namespace {
+constexpr bool kForReading = false;
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kWriteAccess = KEY_READ | KEY_WRITE;
 constexpr DWORD kSubKeyNameBytes = 256;
@@ -130,7 +131,7 @@ bool COrvRegKey::Create(HKEY root, const COrvString& subKey, bool write, bool is
 bool COrvRegKey::SubKeyExists(const COrvString& name) const
 {
     COrvRegKey subKey;
-    return subKey.Open(m_hKey, name, false);
+    return subKey.Open(m_hKey, name, kForReading);
 }
 
 bool COrvRegKey::EnumSubKey(COrvString& name)
@@ -172,7 +173,7 @@ bool COrvRegKey::DeleteSubKey(const char* name)
         return false;
     }
     COrvRegKey child;
-    if (!child.Open(m_hKey, name, false)) {
+    if (!child.Open(m_hKey, name, kForReading)) {
         return false;
     }
     std::array<char, kSubKeyNameBytes> buffer{};

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-/// Words that the installation run sets and that other rooms read. All belong to the install thread, except that
-/// start-up clears them before that thread exists and the dialog reads them after the thread has told it how to finish.
+/// Words that the installation run sets and that other rooms read. Start-up clears them before the install thread
+/// exists, that thread sets them, and the dialog reads them when it is told to close. As a rule the thread has set them
+/// all by then; when something else closes the dialog under it, the dialog decides by what is there so far.
 struct RunStateRecord
 {
     uint32_t windows98Run = 0;           ///< the record's family is "Windows 98"

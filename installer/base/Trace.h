@@ -15,7 +15,7 @@ void Trace(std::string&& message);
 void TracePieces(std::span<const std::string_view> pieces);
 
 /// The same, given one by one. Nothing is consumed.
-/// @param pieces  Each a text that turns into a std::string_view.
+/// @param pieces  Each a text that turns into a std::string_view; a null pointer is not one.
 template <class... Pieces>
 void Trace(const Pieces&... pieces)
 {

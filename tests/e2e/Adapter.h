@@ -13,8 +13,7 @@ class Adapter
 {
 public:
     /// @param deviceId  The device's key name, VEN_vvvv&DEV_dddd&SUBSYS_ssssssss&REV_rr; the hardware IDs are those
-    /// that
-    ///                  the system derives from it.
+    ///                  that the system derives from it.
     explicit Adapter(std::string deviceId, const std::vector<std::string>& compatibleIds = kEthernetCompatibleIds);
     ~Adapter();
     Adapter(const Adapter&) = delete;

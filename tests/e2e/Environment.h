@@ -28,6 +28,5 @@
 [[nodiscard]] std::string FileVersionOf(const std::string& path);
 
 /// @return string `id` of the shippable folder's MorvixRes.dll in US English, or in the language given. Throws when it
-/// is
-///         missing or empty.
+///         is missing or empty.
 [[nodiscard]] std::string ResourceText(unsigned id, unsigned short language = 0x0409);

@@ -258,9 +258,6 @@ TEST_F(FcoeBoot, BrokenExtensionVersionIsNotLookedAtInAnInstallerStep)
     ExpectInstalled(RunMorvix("/s /m"));
 }
 
-// --- What developers lay down to try a boot port on any machine
-// --------------------------------------------------------
-
 class FcoeDebugging : public FcoeBoot, public testing::WithParamInterface<const char*>
 {
 };
@@ -308,9 +305,6 @@ TEST_F(FcoeBoot, DebugValuesDoNothingWithoutTheLibrary)
     ExpectInstalled(RunMorvix("/s"));
 }
 
-// --- With a user at the dialog
-// ----------------------------------------------------------------------------------------
-
 class InteractiveFcoeBoot : public FcoeBoot
 {
 protected:
@@ -335,6 +329,7 @@ TEST_F(InteractiveFcoeBoot, WithAnOldExtensionTellsTheUserAndEndsWithoutAnInstal
     const MessageBoxSeen box = WaitForMessageBox(*run);
     EXPECT_EQ(box.text, ResourceText(2));
     EXPECT_EQ(box.caption, ResourceText(3));
+    EXPECT_EQ(box.owner, nullptr);
     EXPECT_TRUE(run->StillRuns());
     PressInBox(box, IDOK);
 

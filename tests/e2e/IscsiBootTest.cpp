@@ -114,9 +114,6 @@ TEST_F(IScsiBoot, DeviceWhoseInstallLeftAnErrorIsNotAskedAndTheNextIs)
     ExpectAsked(kSecondInstance);
 }
 
-// --- The configuration tool
-// -------------------------------------------------------------------------------------------
-
 const SystemVersion kServer2003 = {nullptr, "5.2", "3790", "ServerNT"};
 
 /// The service pack that the system reports where the registry says which system it is, put back at the end of the

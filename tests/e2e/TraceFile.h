@@ -22,6 +22,5 @@ using StandIns = std::vector<std::pair<std::string, std::string>>;
                                                   const std::vector<std::string>& lines, const StandIns& more = {});
 
 /// @return `lines` without the three lines that turn down each PCI device of the machine's own: it has other ones on
-/// each
-///         machine.
+///         each machine.
 [[nodiscard]] std::vector<std::string> WithoutTheMachinesOwnDevices(const std::vector<std::string>& lines);

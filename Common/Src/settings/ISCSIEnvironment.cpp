@@ -12,6 +12,7 @@
 #include "WmiQuery.h"
 
 namespace {
+constexpr bool kForReading = false;
 // What the iSCSI library says of the initiator. Declared here because the compiler's header has it for 6.0 and later
 // only; the systems before have the library too, once an initiator is installed.
 struct IScsiVersionInfo
@@ -32,7 +33,7 @@ bool IsInitiator(const COrvRegKey& classKey, const COrvString& controller)
 {
     COrvRegKey key;
     COrvString deviceId;
-    return key.Open(classKey.GetHKey(), controller, false) && key.GetValue("MatchingDeviceId", deviceId) &&
+    return key.Open(classKey.GetHKey(), controller, kForReading) && key.GetValue("MatchingDeviceId", deviceId) &&
            deviceId.CompareI(kInitiatorDeviceId);
 }
 
@@ -105,7 +106,7 @@ bool CISCSISupport::GetIscsiInitiatorKey(COrvRegKey& key, InitiatorKeyAccess acc
     return TracedISCSICheck("GetIscsiInitiatorKey", [&key, access] {
         key.Close();
         COrvRegKey classKey;
-        if (!classKey.Open(HKEY_LOCAL_MACHINE, kScsiAdapterClass, false)) {
+        if (!classKey.Open(HKEY_LOCAL_MACHINE, kScsiAdapterClass, kForReading)) {
             return false;
         }
         COrvString controller;

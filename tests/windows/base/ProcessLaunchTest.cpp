@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "DebugOutput.h"
 #include "ImportOverride.h"
@@ -74,6 +75,15 @@ UINT WINAPI AnswerSystemDirectory(LPSTR buffer, UINT size)
 {
     lstrcpynA(buffer, systemDirectory.c_str(), static_cast<int>(size));
     return static_cast<UINT>(systemDirectory.size());
+}
+
+decltype(&FindFirstFileA) realFindFirstFile = nullptr;
+std::vector<HANDLE> searches; // what the function below has opened
+
+HANDLE WINAPI RecordSearch(LPCSTR path, LPWIN32_FIND_DATAA found)
+{
+    searches.push_back(realFindFirstFile(path, found));
+    return searches.back();
 }
 } // namespace
 
@@ -148,6 +158,22 @@ TEST(ProcessLaunch, UninstallerThatCannotBeStartedStillCountsAsFound)
     TraceCapture trace;
     EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
     EXPECT_THAT(trace.Messages(), testing::Contains("CreateProcess() error (path too long?)"));
+}
+
+TEST(ProcessLaunch, OneSearchHandleStaysOpenPerUninstall)
+{
+    const Uninstaller uninstaller("Tavunstl.exe");
+    realFindFirstFile = &FindFirstFileA;
+    searches.clear();
+    {
+        const ImportOverride recorded("FindFirstFileA", reinterpret_cast<void*>(RecordSearch));
+        EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
+        EXPECT_EQ(1, DoUninstall(RecordOf(kFamilyWindowsVista)));
+    }
+    ASSERT_EQ(2U, searches.size());
+    for (const HANDLE search : searches) {
+        EXPECT_TRUE(FindClose(search)) << "only an open one can be closed";
+    }
 }
 
 TEST(ProcessLaunch, LegacyFamiliesHaveAnUninstallerOfTheirOwn)

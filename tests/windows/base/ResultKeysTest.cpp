@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "RegistryKeys.h"
 #include "RunState.h"
 
@@ -37,6 +38,11 @@ protected:
 private:
     ScratchRegistryKey m_norda;
 };
+
+LONG WINAPI RefuseKey(HKEY, LPCSTR, PHKEY)
+{
+    return ERROR_ACCESS_DENIED;
+}
 } // namespace
 
 TEST_F(ResultKeys, SuccessWritesResultVersionsAndInstall)
@@ -144,6 +150,23 @@ TEST_F(ResultKeys, PostingIsTracedInOrder)
                 ElementsAre("Enter -> PostResultToRegistry", "Installation result is ->", "SUCCESS",
                             "The type of driver being installed is ->", "TAVX_Install",
                             "The driver version being installed is ->", "1.0.0.0", "Exit -> PostResultToRegistry"));
+}
+
+TEST_F(ResultKeys, AKeyThatCannotBeCreatedStillCountsAsPosted)
+{
+    TraceCapture trace;
+    {
+        const ImportOverride refused("RegCreateKeyA", reinterpret_cast<void*>(RefuseKey));
+        EXPECT_EQ("TAVX_Install", Post("SUCCESS", "TAVX_Install", "1.0.0.0"));
+    }
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("Enter -> PostResultToRegistry", "Installation result is ->", "SUCCESS",
+                            "The type of driver being installed is ->", "TAVX_Install",
+                            "The driver version being installed is ->", "1.0.0.0", "Exit -> PostResultToRegistry"));
+    EXPECT_EQ(1U, RunState.resultAlreadyPosted);
+    Post("SUCCESS", "TAVX_Install", "1.0.0.0");
+    EXPECT_EQ("SUCCESS", Text("TAVX_Install"));
+    EXPECT_EQ("<none>", Text("Install"));
 }
 
 TEST_F(ResultKeys, RebootNeededIsWrittenOnlyIntoAnExistingKey)

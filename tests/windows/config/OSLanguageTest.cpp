@@ -4,12 +4,23 @@
 #include <windows.h>
 
 #include <array>
+#include <cstring>
 
 #include "ChildProcess.h"
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "LanguageTable.h"
 
 using testing::ElementsAre;
+
+namespace {
+decltype(&GetProcAddress) realGetProcAddress = nullptr;
+
+FARPROC WINAPI WithoutTheLanguage(HMODULE module, LPCSTR name)
+{
+    return std::strcmp(name, "GetSystemDefaultLangID") == 0 ? nullptr : realGetProcAddress(module, name);
+}
+} // namespace
 
 TEST(GetOSLanguageID, AnswersForTheSystemsLanguageAndTracesItsEntry)
 {
@@ -61,4 +72,15 @@ TEST(GetOSLanguageID, AsksEveryGenerationOfSystemsForItsDefaultLanguage)
         EXPECT_EQ(report.At("code"), expected.code3) << version;
         EXPECT_THAT(report.trace, ElementsAre("Entering - GetOSLanguageID")) << version;
     }
+}
+
+TEST(GetOSLanguageID, WithoutTheEntryPointNoLanguageIsSupported)
+{
+    realGetProcAddress = &GetProcAddress;
+    const ImportOverride withoutIt("GetProcAddress", reinterpret_cast<void*>(WithoutTheLanguage));
+    std::array<char, 4> code{'x', 'x', 'x', 'x'};
+    EXPECT_EQ(GetOSLanguageID(code.data(), 4), 0);
+    EXPECT_EQ(std::string(code.data()), "");
+    EXPECT_EQ(GetOSLanguageID(nullptr, 0), 0);
+    EXPECT_EQ(GetOSLanguageID(code.data(), 3), 0xFFFF);
 }

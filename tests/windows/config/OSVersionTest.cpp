@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <vector>
 
 #include "ChildProcess.h"
 #include "DebugOutput.h"
+#include "ImportOverride.h"
 #include "MachineKeyOverride.h"
 #include "OSPredicates.h"
 #include "RegistryKeys.h"
@@ -175,6 +177,12 @@ BOOL WINAPI RefuseExtendedRecord(LPOSVERSIONINFOA record)
     return TRUE;
 }
 
+decltype(&GetProcAddress) realGetProcAddress = nullptr;
+FARPROC WINAPI WithoutNativeInformation(HMODULE module, LPCSTR name)
+{
+    return std::strcmp(name, "GetNativeSystemInfo") == 0 ? nullptr : realGetProcAddress(module, name);
+}
+
 int refusals = 0;
 BOOL WINAPI RefuseEveryRecord(LPOSVERSIONINFOA)
 {
@@ -199,6 +207,18 @@ TEST(COSVersion, CapturesWhatThePlatformReports)
     EXPECT_EQ(facts.productType, version.wProductType);
     EXPECT_EQ(facts.servicePackMajor, version.wServicePackMajor);
     EXPECT_EQ(facts.architecture, native.wProcessorArchitecture);
+}
+
+TEST(COSVersion, WithoutNativeInformationTheProcessorIsUnknown)
+{
+    ASSERT_TRUE(COSVersion().IsX64());
+    realGetProcAddress = &GetProcAddress;
+    const ImportOverride withoutIt("GetProcAddress", reinterpret_cast<void*>(WithoutNativeInformation));
+    const COSVersion version;
+    EXPECT_TRUE(version.Facts().valid);
+    EXPECT_EQ(version.Facts().architecture, std::nullopt);
+    EXPECT_FALSE(version.IsX64());
+    EXPECT_FALSE(version.IsIA64());
 }
 
 TEST(COSVersion, TracesNothing)

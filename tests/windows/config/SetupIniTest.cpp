@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include "CallCount.h"
 #include "DebugOutput.h"
 #include "LocationInfo.h"
 #include "OSVersion.h"
@@ -84,6 +85,23 @@ TEST_F(SetupIni, LevelsToRootIsReadInto260Characters)
     EXPECT_EQ(GetLevelsToRootFromINI(), 12) << "259 characters and their terminator";
     WriteIni("[Config]\r\nLevelsToRoot=" + std::string(258, '0') + "12\r\n");
     EXPECT_EQ(GetLevelsToRootFromINI(), 1) << "the last digit is cut";
+}
+
+TEST_F(SetupIni, TheSectionNamesAreReadBeforeEveryReadOfASection)
+{
+    // The second read of the first section is the one with the greater buffer.
+    WriteIni("[Dirs]\r\n" + DirectoryLines(20, 20) + "[Excludes]\r\nInfExclude=one.inf\r\n");
+    const CallCount names("GetPrivateProfileStringA");
+    const CallCount sections("GetPrivateProfileSectionA");
+    ExcludesOf("Excludes");
+    EXPECT_EQ(sections.Calls(), 1U);
+    EXPECT_EQ(names.Calls(), 1U);
+    EXPECT_GT(DirsOf("Dirs").size(), 10U);
+    EXPECT_EQ(sections.Calls(), 3U);
+    EXPECT_EQ(names.Calls(), 3U);
+    EXPECT_EQ(DirsOf("Missing"), std::vector<std::string>());
+    EXPECT_EQ(sections.Calls(), 4U);
+    EXPECT_EQ(names.Calls(), 4U);
 }
 
 TEST_F(SetupIni, SectionAndKeyNamesIgnoreLetterCase)

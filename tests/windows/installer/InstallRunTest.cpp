@@ -11,6 +11,7 @@
 #include "RegistryKeys.h"
 #include "RunOptions.h"
 #include "RunState.h"
+#include "TestFiles.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -22,6 +23,44 @@ HRESULT WINAPI RefuseSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SE
                               DWORD, void*)
 {
     return RPC_E_TOO_LATE;
+}
+
+struct SecurityAskedFor
+{
+    int calls;
+    PSECURITY_DESCRIPTOR descriptor;
+    LONG services;
+    SOLE_AUTHENTICATION_SERVICE* serviceList;
+    DWORD authentication;
+    DWORD impersonation;
+    void* authenticationList;
+    DWORD capabilities;
+};
+SecurityAskedFor security;
+
+HRESULT WINAPI RecordSecurity(PSECURITY_DESCRIPTOR descriptor, LONG services, SOLE_AUTHENTICATION_SERVICE* serviceList,
+                              void*, DWORD authentication, DWORD impersonation, void* authenticationList,
+                              DWORD capabilities, void*)
+{
+    security = {security.calls + 1, descriptor,    services,           serviceList,
+                authentication,     impersonation, authenticationList, capabilities};
+    return S_OK;
+}
+
+HMODULE loadedInstead = nullptr;
+
+// A library that nothing else in this program has loaded.
+HMODULE WINAPI LoadAnotherLibrary(LPCWSTR)
+{
+    loadedInstead = LoadLibraryA(TestFile("versioned_file.dll").c_str());
+    return loadedInstead;
+}
+
+DriverInstallRecord RecordWithoutAFlow()
+{
+    DriverInstallRecord record;
+    std::ranges::copy(std::string_view("Windows NT"), record.osFamily.begin());
+    return record;
 }
 } // namespace
 
@@ -99,4 +138,35 @@ TEST(InstallRun, WhereComSecurityCannotBeSetTheRunGoesOnWithItsRestorePoint)
     EXPECT_EQ("Entering BeginRestorePoint", messages[3]);
     EXPECT_THAT(messages, Contains("Entering - GetLanguageSpecificString")) << "the restore point was tried";
     EXPECT_EQ("Exit -> InstallDrivers()\n", messages.back());
+}
+
+TEST(InstallRun, ComSecurityIsSetForConnectionsWithImpersonationAndNothingElse)
+{
+    security = {};
+    DriverInstallRecord record = RecordWithoutAFlow();
+    const ImportOverride recorded("CoInitializeSecurity", reinterpret_cast<void*>(RecordSecurity));
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_EQ(1, security.calls);
+    EXPECT_EQ(nullptr, security.descriptor);
+    EXPECT_EQ(-1, security.services);
+    EXPECT_EQ(nullptr, security.serviceList);
+    EXPECT_EQ(2U, security.authentication);
+    EXPECT_EQ(3U, security.impersonation);
+    EXPECT_EQ(nullptr, security.authenticationList);
+    EXPECT_EQ(0U, security.capabilities);
+}
+
+TEST(InstallRun, AFinishedRunLeavesNeitherComNorTheRestorePointLibrary)
+{
+    DriverInstallRecord record = RecordWithoutAFlow();
+    loadedInstead = nullptr;
+    {
+        const ImportOverride instead("LoadLibraryW", reinterpret_cast<void*>(LoadAnotherLibrary));
+        EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    }
+    EXPECT_NE(nullptr, loadedInstead);
+    EXPECT_EQ(nullptr, GetModuleHandleA("versioned_file.dll"));
+    // S_FALSE would say that this thread still had COM.
+    EXPECT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+    CoUninitialize();
 }

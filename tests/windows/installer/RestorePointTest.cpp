@@ -127,3 +127,17 @@ TEST_F(RestorePoints, DescriptionIsTheEightBitTextByteForByte)
     std::strcpy(expected.data(), "restore point text");
     EXPECT_EQ(0, std::memcmp(expected.data(), m_record.szDescription, expected.size()));
 }
+
+TEST_F(RestorePoints, ALongDescriptionEndsAt255Bytes)
+{
+    runLanguageId = 1031; // its text has 300 characters
+    resourceModule = GetModuleHandleA(nullptr);
+    BeginRestorePoint(m_record, m_sequence);
+    resourceModule = nullptr;
+    runLanguageId = 1033;
+    std::vector<char> expected(512);
+    for (size_t index = 0; index < 255; ++index) {
+        expected[index] = static_cast<char>('0' + index % 10);
+    }
+    EXPECT_EQ(0, std::memcmp(expected.data(), m_record.szDescription, expected.size()));
+}
