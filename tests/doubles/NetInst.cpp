@@ -1,6 +1,12 @@
 // Stands for NetInst.dll. Answers (section Answers of NetInst.answers.ini, all optional):
 //   Family                     family name written into the record, "Windows Vista" when not given
 //   ProberStatus               status of the system prober
+//   ProberUpperHalf            upper half of the prober's 64-bit answer, which is no part of the status; 0x12345678
+//   when
+//                              not given
+//   CreateProberStatus, CreateDriverInstallStatus
+//                              nonzero: status that goes with the prober or the driver-install interface
+//   HandOutFailedFactories=1   a factory comes with its failure status too
 //   ProberFactoryStatus        nonzero: the prober's factory cannot be had, with this status
 //   DriverInstallFactoryStatus nonzero: the driver-install interface's factory cannot be had, with this status
 //   Impersonate=1              the calling thread gets a token that nobody may open, so that the test for administrator
@@ -97,8 +103,8 @@ public:
         std::memcpy(record, family.c_str(), family.size() + 1);
         const uint32_t status = AnswerNumber("ProberStatus");
         WriteJournal("IdentifySystem " + Hex(status));
-        // The upper half is not part of the status.
-        return static_cast<int64_t>(0x1234'5678'0000'0000LL | static_cast<int64_t>(status));
+        const uint64_t upperHalf = Answer("ProberUpperHalf").empty() ? 0x1234'5678 : AnswerNumber("ProberUpperHalf");
+        return static_cast<int64_t>(upperHalf << 32 | status);
     }
     int32_t __stdcall Release() override
     {
@@ -118,7 +124,7 @@ public:
             TakeAwayTheToken();
         }
         *out = &prober;
-        return 0;
+        return static_cast<int32_t>(AnswerNumber("CreateProberStatus"));
     }
     int32_t __stdcall Release() override
     {
@@ -166,7 +172,7 @@ public:
         static DriverInstall driverInstall;
         WriteJournal("CreateDriverInstall " + DescribeRecord(record));
         *out = &driverInstall;
-        return 0;
+        return static_cast<int32_t>(AnswerNumber("CreateDriverInstallStatus"));
     }
     int32_t __stdcall Release() override
     {
@@ -180,7 +186,7 @@ int32_t HandOut(const std::string& statusKey, void** factory)
 {
     static Factory instance;
     const uint32_t status = AnswerNumber(statusKey);
-    *factory = status == 0 ? &instance : nullptr;
+    *factory = status == 0 || AnswerNumber("HandOutFailedFactories") != 0 ? &instance : nullptr;
     return static_cast<int32_t>(status);
 }
 } // namespace

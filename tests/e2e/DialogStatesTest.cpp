@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 #include "Adapter.h"
 #include "EmulatedSystem.h"
 #include "Environment.h"
@@ -21,12 +23,21 @@ constexpr DWORD kMessageLimit = 10000;
 constexpr WPARAM kCountdownTimer = 0;
 constexpr WPARAM kCloseTimer = 1;
 constexpr WPARAM kNobodysTimer = 7;
+constexpr int kNoControl = 4711;
+
+std::string ClassOf(HWND window)
+{
+    std::array<char, 64> name{};
+    GetClassNameA(window, name.data(), static_cast<int>(name.size()));
+    return name.data();
+}
 
 // Sends a message and waits until the dialog has handled it and everything posted before.
-void Send(const ProgressWindow& window, UINT message, WPARAM wParam = 0)
+void Send(const ProgressWindow& window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
 {
     DWORD_PTR ignored = 0;
-    ASSERT_NE(SendMessageTimeoutA(window.Window(), message, wParam, 0, SMTO_ABORTIFHUNG, kMessageLimit, &ignored), 0);
+    ASSERT_NE(SendMessageTimeoutA(window.Window(), message, wParam, lParam, SMTO_ABORTIFHUNG, kMessageLimit, &ignored),
+              0);
 }
 
 void PressKey(const ProgressWindow& window, int key)
@@ -86,6 +97,41 @@ TEST_F(DialogStates, WhileItWorksTheDialogNamesTheDeviceMovesItsBarAndOffersNoBu
     EXPECT_EQ(run->Finish().exitCode, 0);
 }
 
+TEST_F(DialogStates, TheDialogsClassIsTheProgramsOwn)
+{
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDCANCEL);
+    const HWND dialog = window.Window();
+    EXPECT_EQ(ClassOf(dialog), "Morvix");
+    // Redrawn when its size changes, and without a close box.
+    EXPECT_EQ(GetClassLongPtrA(dialog, GCL_STYLE), 0x203u);
+    EXPECT_EQ(GetClassLongPtrA(dialog, GCL_CBWNDEXTRA), 30u);
+    window.Press(IDCANCEL);
+    EXPECT_EQ(run->Finish().exitCode, 0);
+}
+
+TEST_F(DialogStates, ACommandCountsOnlyAsAClickOfAButtonItNames)
+{
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+    for (const int button : {IDOK, IDCANCEL, ProgressWindow::kFinish, ProgressWindow::kRestartLater}) {
+        const auto control = reinterpret_cast<LPARAM>(GetDlgItem(window.Window(), button));
+        Send(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
+        Send(window, WM_COMMAND, MAKEWPARAM(button, BN_DBLCLK), control);
+        Send(window, WM_COMMAND, MAKEWPARAM(button, BN_SETFOCUS), control);
+    }
+    Send(window, WM_COMMAND, 0, reinterpret_cast<LPARAM>(GetDlgItem(window.Window(), ProgressWindow::kStatus)));
+    EXPECT_TRUE(StaysForASecond(*run));
+    EXPECT_TRUE(window.Offers(IDOK));
+    EXPECT_FALSE(run->SoFar().Traced("Entering - InstallThread"));
+    // The button counts, not the number.
+    Send(window, WM_COMMAND, MAKEWPARAM(kNoControl, BN_CLICKED),
+         reinterpret_cast<LPARAM>(GetDlgItem(window.Window(), IDCANCEL)));
+    EXPECT_EQ(run->Finish().exitCode, 0);
+}
+
 TEST_F(DialogStates, EscapeBeforeOkCancelsWithoutAnInstallation)
 {
     const auto run = StartMorvix("");
@@ -138,9 +184,6 @@ TEST_F(DialogStates, KeysNeitherStartASecondInstallationNorLeaveARunningOne)
     EXPECT_EQ(finished.Count("Entering - InstallThread"), 1u);
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
 }
-
-// --- Installer steps
-// ---------------------------------------------------------------------------------------------------
 
 TEST_F(DialogStates, AnInstallerStepShowsTheDialogWithoutButtonsAndHidesThemOnEveryMessage)
 {
@@ -227,9 +270,6 @@ TEST_F(DialogStates, TheTimerOfTheOemVariantEndsTheRun)
     EXPECT_LT(GetTickCount() - start, 4500u);
 }
 
-// --- How a run ends
-// ----------------------------------------------------------------------------------------------------
-
 // A run that waits for ever unless somebody ends it: its system has no flow, so nothing is posted to the dialog.
 class WaitingRun : public DialogStates
 {
@@ -276,9 +316,6 @@ TEST_F(DialogStates, SlashRRestartsOnceWithoutAQuestionWhateverWasFound)
     EXPECT_TRUE(restarts.WaitForRefusal());
     EXPECT_EQ(restarts.Refused(), 1u);
 }
-
-// --- A device pass that cannot run
-// -------------------------------------------------------------------------------------
 
 // A family of systems whose key of PCI devices this machine does not have.
 class FailedPass : public DialogStates
@@ -335,9 +372,6 @@ TEST_F(FailedPass, PostsNothingInASilentRunAndAnInstallerStepSoTheProcessStays)
         EXPECT_FALSE(run->SoFar().Traced("Exit -> InstallDrivers()\n"));
     }
 }
-
-// --- The countdown
-// -----------------------------------------------------------------------------------------------------
 
 // The Windows 98 family restarts whatever was found.
 class Countdown : public DialogStates

@@ -39,6 +39,7 @@ protected:
         const MessageBoxSeen box = WaitForMessageBox(*run);
         EXPECT_EQ(box.caption, "Morvix");
         EXPECT_EQ(box.text, text);
+        EXPECT_EQ(box.owner, nullptr);
         PressInBox(box, IDOK);
         const FinishedRun finished = run->Finish();
         EXPECT_EQ(finished.exitCode, kNotStarted);

@@ -329,6 +329,7 @@ TEST_F(InteractiveFcoeBoot, WithAnOldExtensionTellsTheUserAndEndsWithoutAnInstal
     const MessageBoxSeen box = WaitForMessageBox(*run);
     EXPECT_EQ(box.text, ResourceText(2));
     EXPECT_EQ(box.caption, ResourceText(3));
+    EXPECT_EQ(box.owner, nullptr);
     EXPECT_TRUE(run->StillRuns());
     PressInBox(box, IDOK);
 

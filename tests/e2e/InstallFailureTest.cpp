@@ -157,6 +157,17 @@ TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryDeviceIsStillVisitedAn
     EXPECT_TRUE(Installs().empty());
 }
 
+TEST_F(InstallAnswers, ADriverInstallInterfaceThatComesWithAFailureIsReleasedAndNotUsed)
+{
+    Answer("CreateDriverInstallStatus", "0x80004005");
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(Installs().empty());
+    EXPECT_EQ(Folder().JournalLines("DriverInstall Release").size(), 1u);
+}
+
 TEST_F(InstallAnswers, TheUninstallersSourcePathExistsOnlyDuringTheInstallCall)
 {
     RunMorvix("/s /nr");

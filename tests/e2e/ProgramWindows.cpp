@@ -91,7 +91,7 @@ MessageBoxSeen WaitForMessageBox(const ProgramRun& run)
     if (!seen || box == nullptr) {
         throw std::runtime_error("the program showed no message box");
     }
-    return {box, TextOfWindow(box), BoxText(box)};
+    return {box, GetWindow(box, GW_OWNER), TextOfWindow(box), BoxText(box)};
 }
 
 void PressInBox(const MessageBoxSeen& box, int button)

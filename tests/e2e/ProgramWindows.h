@@ -11,6 +11,7 @@
 struct MessageBoxSeen
 {
     HWND window = nullptr;
+    HWND owner = nullptr;
     std::string caption;
     std::string text;
 };

@@ -12,6 +12,7 @@
 namespace {
 using testing::ElementsAre;
 
+constexpr DWORD kMessageLimit = 10000;
 constexpr uint32_t kNdis52 = 0x00050002;
 constexpr char kQdatInf[] = "qdatdma.inf";
 constexpr char kQdatInstalled[] = "QDATINSTALLED\n";
@@ -111,6 +112,7 @@ protected:
         const MessageBoxSeen question = WaitForMessageBox(*run);
         EXPECT_EQ(question.text, ResourceText(22));
         EXPECT_EQ(question.caption, ResourceText(1008));
+        EXPECT_EQ(question.owner, nullptr);
         EXPECT_FALSE(run->SoFar().Traced("Entering - RestartMachine"));
         PressInBox(question, answer);
         return run->Finish();
@@ -177,6 +179,35 @@ TEST_P(EachReason, LeavesAnInteractiveRunAloneWhenTheUserSaysNo)
     ExpectNoRebootNeeded();
 }
 
+class EndingRun : public RestartReason
+{
+};
+
+TEST_F(EndingRun, StartsNoCountdownWhenARestartIsOfferedWhileTheQuestionWaits)
+{
+    LayDown(Reason::FcoeBoot);
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+    window.Press(IDOK);
+    window.WaitUntilOffered(ProgressWindow::kRestartLater);
+    window.Press(ProgressWindow::kRestartLater);
+    const MessageBoxSeen question = WaitForMessageBox(*run);
+    const std::string status = window.TextOf(ProgressWindow::kStatus);
+    ShowWindow(GetDlgItem(window.Window(), ProgressWindow::kRestartNow), SW_HIDE);
+
+    DWORD_PTR ignored = 0;
+    ASSERT_NE(SendMessageTimeoutA(window.Window(), RegisterWindowMessageA("Norda Morvix Restart Now"), 0, 0,
+                                  SMTO_ABORTIFHUNG, kMessageLimit, &ignored),
+              0);
+    EXPECT_FALSE(window.Offers(ProgressWindow::kRestartNow));
+    // The countdown would show itself with its first tick, after a second.
+    Sleep(1500);
+    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), status);
+    PressInBox(question, IDNO);
+    ExpectNoRestart(run->Finish());
+}
+
 INSTANTIATE_TEST_SUITE_P(Reasons, EachReason, testing::Values(Reason::DmaEngine, Reason::IScsiBoot, Reason::FcoeBoot),
                          testing::PrintToStringParamName());
 
@@ -193,9 +224,6 @@ TEST_F(RestartReason, MissingLeavesTheMachineAndThePendingOperationsAlone)
     ExpectNoRestart(run);
     ExpectNoRebootNeeded();
 }
-
-// --- The DMA engine: which systems and which network stacks use it
-// -----------------------------------------------------
 
 struct StackCase
 {

@@ -121,6 +121,7 @@ TEST_F(StartUp, AWindowClassThatCannotBeRegisteredShowsABoxEvenInASilentRunAndAn
     const MessageBoxSeen box = WaitForMessageBox(*run);
     EXPECT_EQ(box.caption, "Morvix");
     EXPECT_EQ(box.text, "This program requires Windows NT.");
+    EXPECT_EQ(box.owner, nullptr);
     PressInBox(box, IDOK);
     const FinishedRun finished = run->Finish();
 

@@ -34,6 +34,7 @@ protected:
         const MessageBoxSeen box = WaitForMessageBox(*run);
         EXPECT_EQ(box.caption, ResourceText(3));
         EXPECT_EQ(box.text, text);
+        EXPECT_EQ(box.owner, nullptr);
         PressInBox(box, IDOK);
         const FinishedRun shownRun = run->Finish();
         EXPECT_EQ(shownRun.exitCode, -1);
@@ -110,6 +111,47 @@ TEST_F(ProberRefusal, APositiveStatusIsARefusalToo)
     Folder().Answer("NetInst", "ProberStatus", "1");
 
     ExpectRefusal({"Entering - RunningAsAdministrator", ""}, "");
+}
+
+TEST_F(ProberRefusal, OnlyTheLow32BitsOfTheAnswerCount)
+{
+    Folder().UseDouble("NetInst.dll");
+    Folder().Answer("NetInst", "ProberStatus", "0");
+    for (const char* upperHalf : {"0x00000001", "0x80640010", "0xFFFFFFFF"}) {
+        Folder().Answer("NetInst", "ProberUpperHalf", upperHalf);
+        const FinishedRun run = RunMorvix("/s /nr");
+        EXPECT_EQ(run.exitCode, 0) << upperHalf;
+        EXPECT_TRUE(run.Traced("Entering - InstallThread")) << upperHalf;
+    }
+    Folder().Answer("NetInst", "ProberUpperHalf", "0");
+    ExpectRefusalOfStatus("0x80640010", "Windows Vista", 5);
+}
+
+TEST_F(ProberRefusal, AProberThatComesWithAFailureIsReleased)
+{
+    Folder().UseDouble("NetInst.dll");
+    Folder().Answer("NetInst", "CreateProberStatus", "0x80004005");
+
+    ExpectRefusal({""}, "");
+
+    const Lines once = {"DllGetClassFactoryObject ISysProberInterfaceFactory", "CreateSysProber", "SysProber Release",
+                        "SysProberFactory Release"};
+    Lines twice = once;
+    twice.insert(twice.end(), once.begin(), once.end());
+    EXPECT_EQ(Folder().Journal(), twice);
+}
+
+TEST_F(ProberRefusal, AFactoryThatComesWithAFailureIsReleased)
+{
+    Folder().UseDouble("NetInst.dll");
+    Folder().Answer("NetInst", "ProberFactoryStatus", "0x80004005");
+    Folder().Answer("NetInst", "HandOutFailedFactories", "1");
+
+    ExpectRefusal({""}, "");
+
+    EXPECT_THAT(Folder().Journal(),
+                ElementsAre("DllGetClassFactoryObject ISysProberInterfaceFactory", "SysProberFactory Release",
+                            "DllGetClassFactoryObject ISysProberInterfaceFactory", "SysProberFactory Release"));
 }
 
 TEST_F(ProberRefusal, AProberFactoryThatCannotBeHadEndsTheRun)
