@@ -68,21 +68,6 @@ std::string BoxText(HWND box)
     }
     throw std::runtime_error("the message box has no text control");
 }
-
-// The system's icons are shared: the same one has the same handle in every process.
-bool ShowsErrorIcon(HWND box)
-{
-    std::vector<HWND> children;
-    EnumChildWindows(box, Collect, reinterpret_cast<LPARAM>(&children));
-    for (HWND child : children) {
-        if (ClassOf(child) == "Static" && (GetWindowLongA(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
-            DWORD_PTR icon = 0;
-            SendMessageTimeoutA(child, STM_GETICON, 0, 0, SMTO_ABORTIFHUNG, kMessageLimit, &icon);
-            return reinterpret_cast<HICON>(icon) == LoadIconA(nullptr, IDI_ERROR);
-        }
-    }
-    return false;
-}
 } // namespace
 
 std::vector<HWND> VisibleWindowsOf(const ProgramRun& run)
@@ -106,7 +91,7 @@ MessageBoxSeen WaitForMessageBox(const ProgramRun& run)
     if (!seen || box == nullptr) {
         throw std::runtime_error("the program showed no message box");
     }
-    return {box, GetWindow(box, GW_OWNER), TextOfWindow(box), BoxText(box), ShowsErrorIcon(box)};
+    return {box, GetWindow(box, GW_OWNER), TextOfWindow(box), BoxText(box)};
 }
 
 void PressInBox(const MessageBoxSeen& box, int button)
