@@ -36,8 +36,8 @@ check_scripts() {
 # The product and the stand-ins of its tests, in one go: some findings need all files.
 check_cppcheck() {
     local -a folders=(Common/Src Common/Src/settings config devices installer installer/base netinst platform resources)
-    local -a arguments=(--std=c++20 --platform=win64 -D_WIN32 -D_WIN64
-        --enable=warning,style,performance,portability --error-exitcode=1 --quiet --inline-suppr -j "$(nproc)"
+    local -a arguments=("--std=c++20" --platform=win64 -D_WIN32 -D_WIN64
+        "--enable=warning,style,performance,portability" --error-exitcode=1 --quiet --inline-suppr -j "$(nproc)"
         "--suppressions-list=$repo/scripts/lib/cppcheck.txt" "--cppcheck-build-dir=$build_dir/cppcheck")
     mkdir -p -- "$build_dir/cppcheck"
     run_limited 300 cppcheck "${arguments[@]}" "${folders[@]/#/-I}" -Itests/support -Itests/doubles \

@@ -6,8 +6,11 @@ script_name=$(realpath --relative-base="$repo" -- "$0")
 build_dir=$repo/build
 # What was built, and how the tests of it went. A script that builds with options of its own has folders of its own.
 flavour=${MORVIX_FLAVOUR:-}
+# shellcheck disable=SC2034
 host_build=$build_dir/${flavour}host
+# shellcheck disable=SC2034
 windows_build=$build_dir/${flavour}windows
+# shellcheck disable=SC2034
 dist=$build_dir/${flavour}dist
 
 # The caller's compiler settings belong to other projects; the presets say all that this one needs.

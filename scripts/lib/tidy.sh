@@ -41,7 +41,7 @@ list_tidy_arguments() {
 
 # The compile commands of these sources, the first of each; their names go into the file `sources`.
 list_tidy_commands() {
-    awk -v skip="^($build_dir|/usr|$repo/tests/(pure|windows|e2e|doubles))/" -v list="$tidy_dir/sources" '
+    awk -v skip="^($build_dir|/usr|$repo/tests|$repo/bench)/" -v list="$tidy_dir/sources" '
         /^{/ { entry = "" }
         { entry = entry $0 "\n" }
         match($0, /"file": ".*"/) { file = substr($0, RSTART + 9, RLENGTH - 10) }

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # "/s" on a machine that boots over FCoE, with a management extension that copes with new drivers: they are installed, then
 # the machine restarts.
+# shellcheck disable=SC2154
 set -euo pipefail
 # shellcheck source=lib/session.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/session.sh"
