@@ -80,18 +80,18 @@ bool COrvRegKey::GetValue(const COrvString& name, std::vector<COrvString>& list)
 {
     m_lLastResult = 0;
     // Taken first, since `name` may stand in `list`.
-    const COrvString asked = name;
+    const std::string asked = static_cast<const char*>(name);
     list.clear();
     if (!m_bOpen) {
         return false;
     }
     DWORD bytes = 0;
-    m_lLastResult = RegQueryValueExA(m_hKey, asked, nullptr, nullptr, nullptr, &bytes);
+    m_lLastResult = RegQueryValueExA(m_hKey, asked.c_str(), nullptr, nullptr, nullptr, &bytes);
     if (m_lLastResult != ERROR_SUCCESS) {
         return false;
     }
     std::vector<char> buffer(bytes + kSpareBytes);
-    m_lLastResult = RegQueryValueExA(m_hKey, asked, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
+    m_lLastResult = RegQueryValueExA(m_hKey, asked.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
     if (m_lLastResult != ERROR_SUCCESS) {
         return false;
     }
