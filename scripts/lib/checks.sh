@@ -40,13 +40,17 @@ check_cppcheck() {
         "--enable=warning,style,performance,portability" --error-exitcode=1 --quiet --inline-suppr -j "$(nproc)"
         "--suppressions-list=$repo/scripts/lib/cppcheck.txt" "--cppcheck-build-dir=$build_dir/cppcheck")
     mkdir -p -- "$build_dir/cppcheck"
-    run_limited 300 cppcheck "${arguments[@]}" "${folders[@]/#/-I}" -Itests/support -Itests/doubles \
-        Common config devices installer netinst platform tools tests/support tests/doubles
+    run_limited 300 cppcheck "${arguments[@]}" "${folders[@]/#/-I}" -Ipackaging/actions -Itests/support -Itests/doubles \
+        Common config devices installer netinst packaging platform tools tests/support tests/doubles
 }
+
+# Every fault of the list that scripts/mutations runs must still fit the sources.
+check_mutations() { run_limited 60 python3 "$repo/tests/mutations/mutate.py" check; }
 
 source_checks() {
     check format check_format
     check shellcheck check_scripts
     check cppcheck check_cppcheck
+    check mutations check_mutations
     check tidy check_tidy
 }
