@@ -91,7 +91,8 @@ bool COrvRegKey::GetValue(const COrvString& name, std::vector<COrvString>& list)
         return false;
     }
     std::vector<char> buffer(bytes + kSpareBytes);
-    m_lLastResult = RegQueryValueExA(m_hKey, asked.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
+    m_lLastResult =
+        RegQueryValueExA(m_hKey, asked.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
     if (m_lLastResult != ERROR_SUCCESS) {
         return false;
     }
