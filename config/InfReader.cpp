@@ -34,7 +34,7 @@ void CopyCut(std::string_view text, std::span<char> buffer)
 }
 
 /// Looks for the first line whose hardware ID is `key`.
-/// @param descriptionKey  Receives the text before the equals sign of that line, without a match of the last line;
+/// @param descriptionKey  Receives the text before the equals sign of that line, of the last line without a match;
 ///                        empty when it does not fit.
 bool FindDevice(const ModelSection& section, const std::string& key, DescriptionKey& descriptionKey)
 {
