@@ -150,8 +150,17 @@ COrvDebug& OrvTrace()
 {
     // Never destroyed: destructors of static objects and threads that outlive main may still trace. Every line is
     // flushed as it is written, so nothing is lost at the end.
-    static COrvDebug& trace = *new COrvDebug;
-    return trace;
+    // Made without the language's own guard for such objects, which takes memory that it does not look at.
+    static constinit std::atomic<COrvDebug*> trace = nullptr;
+    COrvDebug* made = trace.load();
+    if (made == nullptr) {
+        auto own = std::make_unique<COrvDebug>();
+        // Of two threads that come here at the same time, the later one takes the other's object.
+        if (trace.compare_exchange_strong(made, own.get())) {
+            made = own.release();
+        }
+    }
+    return *made;
 }
 
 COrvDebug::COrvDebug()

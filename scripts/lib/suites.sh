@@ -117,6 +117,26 @@ run_end_to_end() {
     done
 }
 
+# A Windows for runs with failing platform calls. Nobody looks at their windows, and without a display driver each costs a
+# third.
+prepare_faults() {
+    new_prefix test-faults
+    unset DISPLAY
+    run_limited 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /t REG_SZ /d null /f >/dev/null 2>&1 ||
+        fail "the Windows for failing calls cannot be set up"
+    keep_server
+    MORVIX_DIST=$(windows_path "$dist")
+    MORVIX_DOUBLES=$(windows_path "$windows_build/tests/doubles")
+    export MORVIX_DIST MORVIX_DOUBLES
+    faults_program=$windows_build/tests/faults/morvix_faults.exe
+}
+
+run_faults() {
+    wanted morvix_faults || return 0
+    prepare_faults
+    run_windows_program morvix_faults 900 "$faults_program"
+}
+
 # run_scripts KIND: the scripts in tests/<KIND>/. They print "ok - promise" or "not ok - promise" and bring what they need,
 # such as a Windows of their own.
 run_scripts() {
