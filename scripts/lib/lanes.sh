@@ -14,6 +14,9 @@ lane() {
     lanes+=("$!")
 }
 
+# A step of a lane whose programs run in Wine: each such lane has a processor, and several may have the same one.
+keep_lane_together() { stay_on_processor "${#lanes[@]}"; }
+
 stop_lanes() {
     ((${#lanes[@]} > 0)) || return 0
     kill -TERM "${lanes[@]}" 2>/dev/null

@@ -22,6 +22,18 @@ use_prefix() {
     mkdir -p -- "$HOME" "$TMPDIR"
 }
 
+# stay_on_processor NUMBER: keeps this shell, and what it starts from here on, on one of the processors that it may use,
+# counted round. Nearly every call of a Windows program wakes its server and waits; when the two are on different
+# processors, that takes many times as long.
+stay_on_processor() {
+    local -a processors
+    mapfile -t processors < <(python3 -c 'import os; print(*sorted(os.sched_getaffinity(0)), sep="\n")')
+    taskset --cpu-list --pid "${processors[$1 % ${#processors[@]}]}" "$BASHPID" >/dev/null
+}
+
+# For what a kept-together shell starts that is no Windows program, such as a build.
+spread_over_processors() { taskset --cpu-list --pid "0-$(($(nproc --all) - 1))" "$BASHPID" >/dev/null; }
+
 # The path by which Windows programs know a file of this machine.
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 

@@ -24,6 +24,7 @@ copy_sources() {
 # Builds everything again, with the compiler and no results of earlier runs.
 release_elsewhere() {
     copy_sources
+    spread_over_processors
     run_limited 1500 env -u MORVIX_BUILD_LOCKED -u CMAKE_CXX_COMPILER_LAUNCHER -u CMAKE_C_COMPILER_LAUNCHER \
         "SOURCE_DATE_EPOCH=$(source_date)" "$other/scripts/package" >"$work/package.log" 2>&1
 }

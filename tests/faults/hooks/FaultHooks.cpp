@@ -1,5 +1,5 @@
 // The library that the program under test is linked to: when it is loaded, before any code of the program runs, every
-// function of the program's import table is replaced by a stub that counts it and can make it fail.
+// function of the program's import table is replaced by a gate that counts it and can make it fail.
 
 #include <windows.h>
 

@@ -31,7 +31,7 @@ std::deque<Hook>& Hooks()
     return hooks;
 }
 
-/// A call's arguments as the stub saved them: four in registers, the others on the caller's stack.
+/// A call's arguments as the gate saved them: four in registers, the others on the caller's stack.
 struct Arguments
 {
     const std::uint64_t* inRegisters; ///< the last one first
@@ -203,10 +203,10 @@ bool Fails(const Hook& hook, const Arguments& arguments)
 } // namespace
 
 extern "C" {
-// Read by the stub below.
+// Read by the gate below.
 std::uint64_t failedResult = 0;
 void FailedCall();
-void CommonStub();
+void CommonGate();
 
 const void* OnCall(unsigned index, const std::uint64_t* inRegisters, const std::uint64_t* onStack)
 {
@@ -224,13 +224,13 @@ const void* OnCall(unsigned index, const std::uint64_t* inRegisters, const std::
 }
 
 // Every hooked call comes here with its hook's number in r11: the arguments are kept as they are, OnCall says where the
-// call goes, and the stub is off the stack by then, so that exceptions and long jumps find only the caller.
+// call goes, and the gate is off the stack by then, so that exceptions and long jumps find only the caller.
 asm(R"(
     .text
-    .globl CommonStub
-    .def CommonStub; .scl 2; .type 32; .endef
-    .seh_proc CommonStub
-CommonStub:
+    .globl CommonGate
+    .def CommonGate; .scl 2; .type 32; .endef
+    .seh_proc CommonGate
+CommonGate:
     pushq %rcx
     .seh_stackalloc 8
     pushq %rdx
@@ -271,25 +271,25 @@ FailedCall:
 )");
 
 namespace {
-/// movl $number, %r11d; movabsq $CommonStub, %rax; jmpq *%rax
-constexpr std::size_t kStubBytes = 6 + 10 + 2;
-constexpr std::size_t kMostStubs = 512;
+/// movl $number, %r11d; movabsq $CommonGate, %rax; jmpq *%rax
+constexpr std::size_t kGateBytes = 6 + 10 + 2;
+constexpr std::size_t kMostGates = 512;
 
-void* MakeStub(unsigned number)
+void* MakeGate(unsigned number)
 {
-    static auto* const stubs = static_cast<unsigned char*>(
-        VirtualAlloc(nullptr, kStubBytes * kMostStubs, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
-    unsigned char* const stub = stubs + number * kStubBytes;
-    const auto common = std::bit_cast<std::uint64_t>(&CommonStub);
+    static auto* const gates = static_cast<unsigned char*>(
+        VirtualAlloc(nullptr, kGateBytes * kMostGates, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
+    unsigned char* const gate = gates + number * kGateBytes;
+    const auto common = std::bit_cast<std::uint64_t>(&CommonGate);
     const unsigned char start[] = {0x41, 0xBB};
     const unsigned char load[] = {0x48, 0xB8};
     const unsigned char jump[] = {0xFF, 0xE0};
-    std::memcpy(stub, start, 2);
-    std::memcpy(stub + 2, &number, 4);
-    std::memcpy(stub + 6, load, 2);
-    std::memcpy(stub + 8, &common, 8);
-    std::memcpy(stub + 16, jump, 2);
-    return stub;
+    std::memcpy(gate, start, 2);
+    std::memcpy(gate + 2, &number, 4);
+    std::memcpy(gate + 6, load, 2);
+    std::memcpy(gate + 8, &common, 8);
+    std::memcpy(gate + 16, jump, 2);
+    return gate;
 }
 
 void* MakeHook(std::string_view name, const void* function, unsigned import)
@@ -297,7 +297,7 @@ void* MakeHook(std::string_view name, const void* function, unsigned import)
     const void* const tracked = TrackedCallFor(name);
     const auto number = static_cast<unsigned>(Hooks().size());
     Hooks().push_back({std::string(name), FindPlatformCall(name), tracked == nullptr ? function : tracked, import});
-    return number < kMostStubs ? MakeStub(number) : nullptr;
+    return number < kMostGates ? MakeGate(number) : nullptr;
 }
 
 bool IsCode(const void* address)

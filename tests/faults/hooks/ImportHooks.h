@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// Puts a counting stub in the place of every function of the program's import table.
+/// Puts a counting gate in the place of every function of the program's import table.
 void HookImports();
 
-/// @return a counting stub for an entry point that the program looked up.
+/// @return a counting gate for an entry point that the program looked up.
 [[nodiscard]] void* HookEntryPoint(std::string_view name, void* function);
