@@ -25,6 +25,7 @@ FILENAME ~ /passes\.tsv$/ && ($1 == "unmatched" || $1 == "matched") {
     reads[key] = $7; files[key] = $8; registry[key] = $9
 }
 FILENAME ~ /passes\.tsv$/ && $1 == "memory" { memory[$2] = $3 }
+FILENAME ~ /passes\.tsv$/ && $1 == "question" { question = $2 }
 FILENAME ~ /passes\.tsv$/ && $1 == "store" { store[$2 " " $3] = $4 }
 FILENAME ~ /runs\.tsv$/ { add("wall " $1, $2); add("cpu " $1, $3); add("peak " $1, $4) }
 FILENAME ~ /matched\.tsv$/ { add("whole", $1); add("inside", $2); add("rest", $1 - $2); add("share", 100 * $2 / $1); calls = $3 }
@@ -54,6 +55,7 @@ END {
     heading("Device passes, 8 adapters that the last file lists for that pass")
     for (p = 1; p <= 4; ++p) pass_row("matched", 100, 8, p)
     print ""
+    printf "One try of the trace's key, which every line of the trace makes even while it is off: %.1f us\n\n", question
     print "What the platform's INF store takes for itself in a run, in ms (not in the figures above)"
     for (i = 1; i <= 3; ++i)
         printf "  %3d files: %8.1f for new ones, %8.1f for those that it has already\n", file_counts[i],
@@ -75,6 +77,8 @@ END {
         median("inside"), calls, share
     printf "  the rest takes  %7.1f ms, an empty program of it %.1f ms: install calls of %.0f ms would be 80 %%\n", rest,
         median("wall 0"), 4 * rest
+    printf "  an empty program and these install calls alone would have a share of %.0f %%\n",
+        100 * median("inside") / (median("inside") + median("wall 0"))
     print ""
     print "Sizes of the shipped code files, in bytes"
     for (name in size) printf "  %-14s %8d\n", name, size[name]

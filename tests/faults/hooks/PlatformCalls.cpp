@@ -88,7 +88,8 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Unused, "StartServiceA"),
     Of(Unused, "ControlService"),
     Of(Unused, "CloseServiceHandle"),
-    // The runtime's random numbers.
+    // Random numbers, under the name that the system library exports them by: the stack guard's, then the runtime's.
+    Zero("SystemFunction036", 0),
     Of(Unused, "CryptAcquireContextA"),
     Of(Unused, "CryptGenRandom"),
     Of(Unused, "CryptReleaseContext"),
@@ -102,6 +103,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Zero("FindNextFileA", kGeneralFailure, Owned(0)),
     Zero("FindClose", kInvalidHandle, Owned(0)),
     Answer("GetFileAttributesA", 0xFFFFFFFF, kAccessDenied, Text(0)),
+    Zero("GetFileAttributesExA", kAccessDenied, Text(0)),
     Zero("SetFileAttributesA", kAccessDenied, Text(0)),
     Zero("GetCurrentDirectoryA", kAccessDenied),
     Zero("SetCurrentDirectoryA", kAccessDenied, Text(0)),
