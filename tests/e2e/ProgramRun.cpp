@@ -33,11 +33,8 @@ std::vector<std::string> FinishedRun::Between(const std::string& from, const std
     return last == messages.end() ? std::vector<std::string>{} : std::vector<std::string>(first, last + 1);
 }
 
-ProgramRun::ProgramRun(DebugOutput& output, const std::string& program, const std::string& calledAs,
-                       const std::string& arguments, const std::string& workingDirectory)
-    : m_output(output)
+StartedProgram StartProgram(const std::string& program, std::string commandLine, const std::string& workingDirectory)
 {
-    std::string commandLine = "\"" + calledAs + "\" " + arguments;
     STARTUPINFOA startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
@@ -52,32 +49,37 @@ ProgramRun::ProgramRun(DebugOutput& output, const std::string& program, const st
         throw std::runtime_error("cannot start " + commandLine + ", error " + std::to_string(GetLastError()));
     }
     CloseHandle(process.hThread);
-    m_process.reset(process.hProcess);
-    m_processId = process.dwProcessId;
+    return {.process = UniqueHandle(process.hProcess), .processId = process.dwProcessId};
+}
+
+ProgramRun::ProgramRun(DebugOutput& output, const std::string& program, const std::string& calledAs,
+                       const std::string& arguments, const std::string& workingDirectory)
+    : m_output(output), m_started(StartProgram(program, "\"" + calledAs + "\" " + arguments, workingDirectory))
+{
 }
 
 ProgramRun::~ProgramRun()
 {
     if (StillRuns()) {
-        TerminateProcess(m_process.get(), 99);
-        WaitForSingleObject(m_process.get(), kLimit);
+        TerminateProcess(m_started.process.get(), 99);
+        WaitForSingleObject(m_started.process.get(), kLimit);
     }
 }
 
 bool ProgramRun::StillRuns() const
 {
-    return WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT;
+    return WaitForSingleObject(m_started.process.get(), 0) == WAIT_TIMEOUT;
 }
 
 FinishedRun ProgramRun::Finish()
 {
-    if (WaitForSingleObject(m_process.get(), kLimit) != WAIT_OBJECT_0) {
-        const std::vector<std::string> lines = m_output.LinesOf(m_processId);
+    if (WaitForSingleObject(m_started.process.get(), kLimit) != WAIT_OBJECT_0) {
+        const std::vector<std::string> lines = m_output.LinesOf(m_started.processId);
         throw std::runtime_error("the program did not end; its last trace line is [" +
                                  (lines.empty() ? std::string() : lines.back()) + "]");
     }
     DWORD code = 0;
-    GetExitCodeProcess(m_process.get(), &code);
+    GetExitCodeProcess(m_started.process.get(), &code);
     FinishedRun finished = SoFar();
     finished.exitCode = static_cast<int>(code);
     // Whatever a test is about: a run traces only what is known of it.
@@ -88,13 +90,13 @@ FinishedRun ProgramRun::Finish()
 FinishedRun ProgramRun::SoFar() const
 {
     FinishedRun run;
-    run.lines = m_output.LinesOf(m_processId);
+    run.lines = m_output.LinesOf(m_started.processId);
     return run;
 }
 
 void ProgramRun::WaitForTrace(const std::string& text) const
 {
-    if (!m_output.WaitForLine(m_processId, text, kLimit)) {
+    if (!m_output.WaitForLine(m_started.processId, text, kLimit)) {
         throw std::runtime_error("the program did not trace [" + text + "]");
     }
 }

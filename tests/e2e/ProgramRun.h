@@ -24,6 +24,18 @@ struct FinishedRun
     [[nodiscard]] std::vector<std::string> Messages() const;
 };
 
+struct StartedProgram
+{
+    UniqueHandle process;
+    DWORD processId = 0;
+};
+
+/// Starts a program; throws std::runtime_error when that fails.
+/// @param program      Full path.
+/// @param commandLine  What the program finds as its command line.
+[[nodiscard]] StartedProgram StartProgram(const std::string& program, std::string commandLine,
+                                          const std::string& workingDirectory);
+
 /// One process of the program under test. A process that still runs at the end of the object's life is ended.
 class ProgramRun
 {
@@ -39,7 +51,7 @@ public:
     ProgramRun(const ProgramRun&) = delete;
     ProgramRun& operator=(const ProgramRun&) = delete;
 
-    [[nodiscard]] DWORD ProcessId() const { return m_processId; }
+    [[nodiscard]] DWORD ProcessId() const { return m_started.processId; }
     [[nodiscard]] bool StillRuns() const;
 
     /// Waits until the program ends by itself. Throws std::runtime_error when it does not within the limit.
@@ -53,6 +65,5 @@ public:
 
 private:
     DebugOutput& m_output;
-    UniqueHandle m_process;
-    DWORD m_processId = 0;
+    const StartedProgram m_started;
 };

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Environment.h"
+#include "ProgramRun.h"
 
 namespace {
 void ReplaceAll(std::string& text, const std::string& from, const std::string& to)
@@ -110,23 +111,15 @@ Outcome FaultedProgram::Run(const Start& start, const Fault& fault)
 {
     LayDown(start, fault);
     const std::string program = start.folder + "\\Morvix.exe";
-    std::string commandLine = "\"" + program + "\" " + start.arguments;
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, start.folder.c_str(),
-                       &startup, &process) == FALSE) {
-        throw std::runtime_error("cannot start " + commandLine + ", error " + std::to_string(GetLastError()));
-    }
-    const UniqueHandle thread(process.hThread);
-    const UniqueHandle owner(process.hProcess);
+    const StartedProgram started = StartProgram(program, "\"" + program + "\" " + start.arguments, start.folder);
+    HANDLE const process = started.process.get();
     Outcome outcome;
-    outcome.ended = WaitForSingleObject(process.hProcess, kLimit) == WAIT_OBJECT_0;
+    outcome.ended = WaitForSingleObject(process, kLimit) == WAIT_OBJECT_0;
     if (!outcome.ended) {
-        TerminateProcess(process.hProcess, 99);
-        WaitForSingleObject(process.hProcess, kLimit);
+        TerminateProcess(process, 99);
+        WaitForSingleObject(process, kLimit);
     }
-    GetExitCodeProcess(process.hProcess, &outcome.exitCode);
+    GetExitCodeProcess(process, &outcome.exitCode);
     Read(start.folder, outcome);
     return outcome;
 }

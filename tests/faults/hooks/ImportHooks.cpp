@@ -89,11 +89,6 @@ std::string LabelOf(const PlatformCall& call, const Arguments& arguments)
     return text.substr(0, kLabelBytes - 1);
 }
 
-constexpr bool IsMemory(std::string_view name)
-{
-    return name == "malloc" || name == "calloc" || name == "realloc";
-}
-
 std::uint32_t StackNumber()
 {
     constexpr ULONG kFrames = 40;
@@ -180,10 +175,8 @@ bool Fails(const Hook& hook, const Arguments& arguments)
     if (hook.facts->kind != CallKind::Fails) {
         return false;
     }
-    if (IsMemory(hook.name)) {
-        const std::uint64_t first = ArgumentOf(arguments, 0);
-        const std::uint64_t second = ArgumentOf(arguments, 1);
-        return IsPlannedMemoryRequest(hook.name == "malloc" ? first : hook.name == "calloc" ? first * second : second);
+    if (hook.name == "malloc") {
+        return IsPlannedMemoryRequest(ArgumentOf(arguments, 0));
     }
     if (Channel()->memoryRequestsOfStart == 0) {
         Channel()->memoryRequestsOfStart = Channel()->memoryRequests;

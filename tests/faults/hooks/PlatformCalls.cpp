@@ -217,8 +217,8 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
 
     // Memory
     Zero("malloc", 0),
-    Zero("calloc", 0),
-    Zero("realloc", 0),
+    Of(Unused, "calloc"),
+    Of(Unused, "realloc"),
 
     // The language runtime
     Of(Runtime, "AddVectoredExceptionHandler"),
