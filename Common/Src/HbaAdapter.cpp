@@ -43,11 +43,14 @@ bool CHBAAPIInt::OpenController(const wchar_t* adapterName, HBA_HANDLE& handle) 
         const DWORD error = GetLastError();
         // The name in the text is not the one that was looked up; readers of these traces know it so.
         OrvTrace().Print("GetProcAddress of NORDA_GetControllerHandle failed with error %d", static_cast<int>(error));
-        return false;
     }
+    // Looked at all the same, so that one trace tells both faults.
     std::array<char, kHbaNameBytes> name{};
     if (found == HbaEntry::NameNotConverted || !HbaNarrowName(adapterName, name)) {
         OrvTrace().Print("CHBAAPIInt::GetAdapterHandle ConvertTCHARToChar failed");
+        return false;
+    }
+    if (getHandle == nullptr) {
         return false;
     }
     const HBA_HANDLE opened = getHandle(name.data());

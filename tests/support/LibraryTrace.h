@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvDebug.h"
@@ -45,6 +46,16 @@ inline std::vector<LibraryTraceLine> ReadLibraryTrace(const std::string& path)
         start = end + 2;
     }
     return lines;
+}
+
+/// The messages of a trace file, without their prefixes.
+inline std::vector<std::string> ReadLibraryMessages(const std::string& path)
+{
+    std::vector<std::string> messages;
+    for (LibraryTraceLine& line : ReadLibraryTrace(path)) {
+        messages.push_back(std::move(line.message));
+    }
+    return messages;
 }
 
 /// The environment variable "Temp" with another value for the life of the object.
@@ -98,14 +109,7 @@ public:
     [[nodiscard]] std::string Path() const { return m_directory.At("library.log"); }
 
     /// The messages traced so far.
-    [[nodiscard]] std::vector<std::string> Messages() const
-    {
-        std::vector<std::string> messages;
-        for (const LibraryTraceLine& line : ReadLibraryTrace(Path())) {
-            messages.push_back(line.message);
-        }
-        return messages;
-    }
+    [[nodiscard]] std::vector<std::string> Messages() const { return ReadLibraryMessages(Path()); }
 
 private:
     ScratchDirectory m_directory;

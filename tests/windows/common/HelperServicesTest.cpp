@@ -4,15 +4,19 @@
 
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
+#include "EntryPoints.h"
 #include "Handles.h"
 #include "Helper.h"
+#include "ImportOverride.h"
 #include "LibraryTrace.h"
 #include "ServicePolling.h"
 #include "TestFiles.h"
 #include "WmiQuery.h"
 
 using ::testing::ElementsAre;
+using ::testing::Pair;
 
 namespace {
 constexpr DWORD kLongWait = 60000;
@@ -59,6 +63,40 @@ UniqueHandle ServiceEvent(const std::string& name)
 {
     return UniqueHandle(CreateEventA(nullptr, TRUE, FALSE, (R"(Global\MorvixTestService)" + name).c_str()));
 }
+
+// What is asked of the service manager, in order. The calls go through, past the import table.
+struct ServiceOpens
+{
+    std::vector<DWORD> managers;
+    std::vector<std::pair<std::string, DWORD>> services;
+};
+ServiceOpens opens;
+
+SC_HANDLE WINAPI NoteManager(LPCSTR machine, LPCSTR database, DWORD access)
+{
+    static const auto open = FindEntry<decltype(&OpenSCManagerA)>(GetModuleHandleA("advapi32.dll"), "OpenSCManagerA");
+    EXPECT_EQ(machine, nullptr);
+    EXPECT_EQ(database, nullptr);
+    opens.managers.push_back(access);
+    return open(machine, database, access);
+}
+
+SC_HANDLE WINAPI NoteService(SC_HANDLE manager, LPCSTR name, DWORD access)
+{
+    static const auto open = FindEntry<decltype(&OpenServiceA)>(GetModuleHandleA("advapi32.dll"), "OpenServiceA");
+    opens.services.emplace_back(name, access);
+    return open(manager, name, access);
+}
+
+class HelperServiceAccess : public ::testing::Test
+{
+protected:
+    HelperServiceAccess() { opens = {}; }
+
+private:
+    ImportOverride m_manager{"OpenSCManagerA", reinterpret_cast<void*>(NoteManager)};
+    ImportOverride m_service{"OpenServiceA", reinterpret_cast<void*>(NoteService)};
+};
 
 struct ServiceRow
 {
@@ -122,6 +160,25 @@ TEST(HelperServices, AnyOtherKindHasNoNameAndFails)
         EXPECT_FALSE(helper.StopServiceOfKind(kind));
     }
     EXPECT_EQ(service.State(), static_cast<DWORD>(SERVICE_STOPPED));
+}
+
+TEST_F(HelperServiceAccess, WhetherAServiceRunsIsAskedWithReadAccessToItAndToTheManager)
+{
+    for (int kind = kServiceNordaDCB; kind <= kServiceMSiSCSI + 1; ++kind) {
+        EXPECT_FALSE(CHelper().IsServiceRunning(kind));
+    }
+    EXPECT_THAT(opens.managers, ElementsAre(GENERIC_READ, GENERIC_READ, GENERIC_READ, GENERIC_READ));
+    EXPECT_THAT(opens.services, ElementsAre(Pair("NordaDCB", GENERIC_READ), Pair("NFCoEDCB", GENERIC_READ),
+                                            Pair("MSiSCSI", GENERIC_READ), Pair("", GENERIC_READ)));
+}
+
+TEST_F(HelperServiceAccess, StartingAndStoppingAskForThatRightToTheServiceAndNoMore)
+{
+    EXPECT_FALSE(CHelper().StartServiceOfKind(kServiceNordaDCB));
+    EXPECT_FALSE(CHelper().StopServiceOfKind(kServiceNordaDCB));
+    EXPECT_THAT(opens.managers, ElementsAre(GENERIC_READ, GENERIC_READ));
+    EXPECT_THAT(opens.services, ElementsAre(Pair("NordaDCB", GENERIC_READ | SERVICE_START),
+                                            Pair("NordaDCB", GENERIC_READ | SERVICE_STOP)));
 }
 
 TEST(HelperServices, StartingWhatRunsAndStoppingWhatDoesNotAreSuccesses)

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "LibraryTrace.h"
+#include "RegistryAccess.h"
 #include "RegistryKeys.h"
 
 using ::testing::ElementsAre;
@@ -273,4 +274,28 @@ TEST_F(InstalledLanguage, WithoutKeyOrValueItIsMinusOne)
     EXPECT_EQ(text.Text(), "");
     CreateRegistryKey(kProduct);
     EXPECT_EQ(helper.GetInstalledLanguage(text), -1);
+}
+
+TEST(HelperKeys, AreOpenedForReading)
+{
+    const ScratchRegistryKey scratch(kNetworkServices);
+    CreateRegistryKey(kTern);
+    SetRegistryNumber(kProduct, "Debugging", 1);
+    CreateRegistryKey(kDebug);
+    CHelper helper;
+    DWORD value = 0;
+    COrvString text;
+    const RegistryAccess access;
+    for (const InstallStateRow& row : kInstallStates) {
+        EXPECT_FALSE((helper.*row.isInstalled)());
+    }
+    EXPECT_FALSE(helper.IsDebugFeatureOn());
+    EXPECT_FALSE(helper.IsSettingDebugable("Setting", value));
+    EXPECT_FALSE(helper.GetDebugString("Text", text));
+    EXPECT_EQ(helper.GetInstalledLanguage(text), -1);
+    const REGSAM read = KEY_READ;
+    // Five components and the debug feature; twice the switch and once the language; once each debug value.
+    EXPECT_EQ(RegistryAccess::AskedFor(std::string(kTern) + "\\"), std::vector<REGSAM>(6, read));
+    EXPECT_EQ(RegistryAccess::AskedFor(kProduct), std::vector<REGSAM>(3, read));
+    EXPECT_EQ(RegistryAccess::AskedFor(kDebug), std::vector<REGSAM>(2, read));
 }

@@ -203,6 +203,40 @@ TEST_F(TraceConfiguration, AnUnwritableInstalledDirectoryFallsBackToTempWithTheS
     EXPECT_EQ(ReadLibraryTrace(InTemp("a.log")).at(0).message, "message");
 }
 
+TEST_F(TraceConfiguration, TheFallbackIsOpenedAtItsLevelAndOverwrittenUnlessItIsToBeAppendedTo)
+{
+    SetRegistryText(kProductKey, "InstalledDir", InInstalled("not there"));
+    ASSERT_EQ(Configure("Module", "a.log"), 0);
+    object.Print("one");
+    ASSERT_EQ(Configure("Module", "a.log", 9, 1), 0);
+    EXPECT_EQ(object.GetCurrentLogLevel(), 9U);
+    object.Print("two");
+    EXPECT_THAT(ReadLibraryMessages(InTemp("a.log")), ElementsAre("one", "two"));
+    ASSERT_EQ(Configure("Module", "a.log"), 0);
+    object.Print("three");
+    EXPECT_THAT(ReadLibraryMessages(InTemp("a.log")), ElementsAre("three"));
+}
+
+TEST_F(TraceConfiguration, TheFallbackHasTheNameBehindTheLastBackslashAndIsNotAnnounced)
+{
+    SetRegistryText(kProductKey, "InstalledDir", InstalledPath());
+    DebugOutput debugger;
+    EXPECT_EQ(Configure("Module", R"(not there\a.log)"), 0);
+    EXPECT_TRUE(FileExists(InTemp("a.log")));
+    EXPECT_THAT(debugger.OwnLines(),
+                ElementsAre("FILE PATH 1 IS ", InstalledPath(), "FILE PATH 2 IS ", InstalledPath() + "\\",
+                            "FILE PATH 3 IS ", InInstalled(R"(not there\a.log)")));
+}
+
+TEST_F(TraceConfiguration, TheModuleKwelpadFallsBackToTempTooAndTellsTheDebuggerNothing)
+{
+    DebugOutput debugger;
+    EXPECT_EQ(Configure("Kwelpad", InInstalled(R"(not there\a.log)")), 0);
+    object.Print("message");
+    EXPECT_THAT(ReadLibraryMessages(InTemp("a.log")), ElementsAre("message"));
+    EXPECT_THAT(debugger.OwnLines(), IsEmpty());
+}
+
 TEST_F(TraceConfiguration, AMissingInstalledDirValueMeansTheRootDirectory)
 {
     CreateRegistryKey(kProductKey);

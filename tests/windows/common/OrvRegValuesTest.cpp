@@ -178,6 +178,61 @@ TEST_F(RegValues, TooSmallARoomForBytesTellsTheSizeThatIsNeeded)
     EXPECT_EQ(size, 5U);
 }
 
+TEST_F(RegValues, BytesAreReadFromAnyType)
+{
+    SetRegistryText(scratch.Path(), "text", "abc");
+    SetRegistryNumber(scratch.Path(), "number", 0x04030201);
+    BYTE read[10] = {};
+    DWORD size = sizeof(read);
+    EXPECT_TRUE(key.GetValue("text", read, size));
+    EXPECT_EQ(size, 4U);
+    EXPECT_EQ(std::string(read, read + size), "abc\0"s);
+    size = sizeof(read);
+    EXPECT_TRUE(key.GetValue("number", read, size));
+    EXPECT_EQ(std::string(read, read + size), "\1\2\3\4");
+}
+
+TEST_F(RegValues, AMissingValueReadAsBytesIsRefusedWithItsStatusAndLeavesTheRoomAlone)
+{
+    BYTE read[2] = {7, 7};
+    DWORD size = sizeof(read);
+    EXPECT_FALSE(key.GetValue("missing", read, size));
+    EXPECT_EQ(key.LastResult(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(std::string(read, read + 2), "\7\7");
+}
+
+TEST_F(RegValues, ASuccessfulReadOfTextOrBytesStoresItsStatusOverTheFailureBefore)
+{
+    SetRegistryText(scratch.Path(), "text", "abc");
+    COrvString text;
+    EXPECT_FALSE(key.GetValue("missing", text));
+    EXPECT_TRUE(key.GetValue("text", text));
+    EXPECT_EQ(key.LastResult(), 0);
+    BYTE read[10] = {};
+    DWORD size = sizeof(read);
+    EXPECT_FALSE(key.GetValue("missing", read, size));
+    size = sizeof(read);
+    EXPECT_TRUE(key.GetValue("text", read, size));
+    EXPECT_EQ(key.LastResult(), 0);
+}
+
+TEST_F(RegValues, RefusedWritesOfTextAndBytesAndDeletionsStoreTheirStatus)
+{
+    SetRegistryText(scratch.Path(), "text", "before");
+    COrvRegKey reading;
+    ASSERT_TRUE(reading.Open(HKEY_LOCAL_MACHINE, scratch.Path(), false));
+    EXPECT_FALSE(reading.SetValue("text", "after", false));
+    EXPECT_EQ(reading.LastResult(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(reading.GetRegType("text"), static_cast<DWORD>(REG_SZ)) << "and clears the status";
+    const BYTE byte = 7;
+    EXPECT_FALSE(reading.SetValue("text", &byte, 1));
+    EXPECT_EQ(reading.LastResult(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(reading.GetRegType("text"), static_cast<DWORD>(REG_SZ));
+    EXPECT_FALSE(reading.DeleteValue("text"));
+    EXPECT_EQ(reading.LastResult(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Bytes("text"), "before\0"s);
+}
+
 TEST_F(RegValues, OnAClosedKeyReadsLeaveTheStatusAndTextAndByteWritesClearIt)
 {
     BYTE byte = 7;

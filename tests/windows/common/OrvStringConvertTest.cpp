@@ -7,6 +7,7 @@
 #include <cstring>
 #include <cwchar>
 
+#include "ImportOverride.h"
 #include "OrvString.h"
 
 namespace {
@@ -26,6 +27,16 @@ public:
 private:
     LCID m_before;
 };
+
+// Conversions that fail, the second one after it has told how much room it needs.
+int WINAPI RefuseToWiden(UINT, DWORD, LPCCH, int, LPWSTR, int)
+{
+    return 0;
+}
+int WINAPI MeasureOnly(UINT, DWORD, LPCCH source, int, LPWSTR target, int)
+{
+    return target == nullptr ? static_cast<int>(std::strlen(source)) + 1 : 0;
+}
 } // namespace
 
 TEST(CodePage, LocaleZeroIsTheSystems)
@@ -70,6 +81,20 @@ TEST(StringToBstr, UsesTheThreadsCodePageAndIsFreedByTheCaller)
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(SysStringLen(empty), 0U);
     SysFreeString(empty);
+}
+
+TEST(StringToBstr, ATextThatCannotBeConvertedGivesNoBstr)
+{
+    const COrvString text("text");
+    for (int WINAPI (*const refuse)(UINT, DWORD, LPCCH, int, LPWSTR, int) : {RefuseToWiden, MeasureOnly}) {
+        wchar_t* result = nullptr;
+        {
+            const ImportOverride refused("MultiByteToWideChar", reinterpret_cast<void*>(refuse));
+            result = static_cast<wchar_t*>(text);
+        }
+        EXPECT_EQ(result, nullptr);
+        SysFreeString(result);
+    }
 }
 
 TEST(Widen, ATerminatedTextIsConvertedWithItsTerminator)

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <memory>
+#include <stdexcept>
 
 #include "LibraryTrace.h"
 
@@ -21,6 +23,26 @@ std::vector<std::string> Texts(const std::vector<COrvString>& list)
     }
     return texts;
 }
+
+// The runtime's characters are those of another locale for the life of the object.
+class CharacterLocale
+{
+public:
+    explicit CharacterLocale(const char* locale) : m_before(std::setlocale(LC_CTYPE, nullptr))
+    {
+        if (std::setlocale(LC_CTYPE, locale) == nullptr) {
+            throw std::runtime_error(std::string("the runtime knows no locale ") + locale);
+        }
+    }
+    ~CharacterLocale() { std::setlocale(LC_CTYPE, m_before.c_str()); }
+    CharacterLocale(const CharacterLocale&) = delete;
+    CharacterLocale& operator=(const CharacterLocale&) = delete;
+
+private:
+    std::string m_before;
+};
+constexpr char kWesternLocale[] = "English_United States.1252";
+constexpr char kRussianLocale[] = "Russian_Russia.1251";
 
 COrvString Changed(const char* text, void (COrvString::*change)())
 {
@@ -175,6 +197,33 @@ TEST(StringCase, LettersAreFoldedAndTheRestStays)
     const std::string longText(5000, 'x');
     EXPECT_STREQ(Changed(longText.c_str(), &COrvString::MakeUpper), std::string(5000, 'X').c_str());
     EXPECT_STREQ(Changed("", &COrvString::MakeUpper), "");
+}
+
+TEST(StringCase, LettersAreThoseOfTheCurrentLocale)
+{
+    {
+        const CharacterLocale western(kWesternLocale);
+        EXPECT_STREQ(Changed("caf\xE9 \xD7", &COrvString::MakeUpper), "CAF\xC9 \xD7");
+        EXPECT_STREQ(Changed("CAF\xC9 \xF7", &COrvString::MakeLower), "caf\xE9 \xF7");
+    }
+    {
+        const CharacterLocale russian(kRussianLocale);
+        EXPECT_STREQ(Changed("\xF7\xFF", &COrvString::MakeUpper), "\xD7\xDF");
+        EXPECT_STREQ(Changed("\xD7\xDF", &COrvString::MakeLower), "\xF7\xFF");
+    }
+    EXPECT_STREQ(Changed("\xE9", &COrvString::MakeUpper), "\xE9") << "without a locale";
+}
+
+TEST(StringCase, CompareIKnowsTheLettersOfTheCurrentLocaleAndTheOperatorsDoNot)
+{
+    const COrvString lower("caf\xE9");
+    const COrvString upper("CAF\xC9");
+    EXPECT_FALSE(lower.CompareI(upper)) << "without a locale";
+    const CharacterLocale western(kWesternLocale);
+    EXPECT_TRUE(lower.CompareI(upper));
+    EXPECT_FALSE(lower == upper);
+    EXPECT_TRUE(upper < lower);
+    EXPECT_TRUE(COrvString("z") < COrvString("\xE9"));
 }
 
 TEST(StringCase, CompareIIgnoresLetterCaseOnlyAndChangesNothing)

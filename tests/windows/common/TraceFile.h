@@ -19,14 +19,7 @@ public:
     [[nodiscard]] int Result() const { return m_result; }
     [[nodiscard]] std::string Path() const { return m_directory.At("trace.log"); }
     [[nodiscard]] std::string Content() const { return ReadFileBytes(Path()); }
-    [[nodiscard]] std::vector<std::string> Messages() const
-    {
-        std::vector<std::string> messages;
-        for (const LibraryTraceLine& line : ReadLibraryTrace(Path())) {
-            messages.push_back(line.message);
-        }
-        return messages;
-    }
+    [[nodiscard]] std::vector<std::string> Messages() const { return ReadLibraryMessages(Path()); }
 
 private:
     ScratchDirectory m_directory;

@@ -1,14 +1,43 @@
 // The hotfixes of the initiator, and its service.
+#include <windows.h>
+// oleauto.h needs windows.h first.
+#include <oleauto.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
+#include "EntryPoints.h"
 #include "ISCSIMachine.h"
+#include "ImportOverride.h"
 #include "InstalledHotFix.h"
 #include "ServiceDouble.h"
 
 using testing::ElementsAre;
+
+namespace {
+// The texts that this program hands to WMI. The calls go through, past the import table.
+std::vector<std::wstring> handedOver;
+
+BSTR WINAPI NoteText(const OLECHAR* text)
+{
+    static const auto allocate =
+        FindEntry<decltype(&SysAllocString)>(GetModuleHandleA("oleaut32.dll"), "SysAllocString");
+    handedOver.emplace_back(text);
+    return allocate(text);
+}
+
+/// What a check asks WMI: name space, language, query.
+std::vector<std::wstring> Asked(bool (CISCSISupport::*check)() const)
+{
+    handedOver.clear();
+    const ImportOverride noted("SysAllocString", reinterpret_cast<void*>(NoteText));
+    EXPECT_FALSE((kServer2003Sp1.*check)());
+    return handedOver;
+}
+} // namespace
 
 TEST(ISCSIHotFix, InstalledFixIsFoundAndAnyOtherIsNot)
 {
@@ -42,6 +71,16 @@ TEST(ISCSIHotFix, OtherSystemsAreAskedForTheirFixes)
     EXPECT_THAT(Check([] { return kServer2003Sp1.IsTheiSCSIDumpHotFixInstalled_OnW2K3(); }).lines,
                 ElementsAre(Entry("IsTheiSCSIDumpHotFixInstalled_OnW2K3"), Entry("CheckHotFixInstalled"),
                             Exit("CheckHotFixInstalled", false), Exit("IsTheiSCSIDumpHotFixInstalled_OnW2K3", false)));
+}
+
+TEST(ISCSIHotFix, EachCheckAsksForItsOwnFix)
+{
+    EXPECT_THAT(
+        Asked(&CISCSISupport::isTheiSCSIHotFixInstalled),
+        ElementsAre(LR"(root\cimv2)", L"WQL", L"SELECT * FROM Win32_QuickFixEngineering WHERE HotFixID = 'KB902113'"));
+    EXPECT_THAT(
+        Asked(&CISCSISupport::IsTheiSCSIDumpHotFixInstalled_OnW2K3),
+        ElementsAre(LR"(root\cimv2)", L"WQL", L"SELECT * FROM Win32_QuickFixEngineering WHERE HotFixID = 'KB939875'"));
 }
 
 TEST(ISCSIHotFix, Server2008NeedsTheDumpFixUntilServicePack2)
