@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 
 #include "FileAnswers.h"
@@ -24,6 +25,16 @@ private:
     FileAnswers* m_before;
 };
 
+/// How a file begins.
+struct FileMark
+{
+    bool opened = false;
+    bool read = false;
+    bool utf16 = false; ///< with the little-endian UTF-16 mark
+};
+/// @return the mark of a file, as it was read when answers about the file began to be kept, otherwise as it is now.
+[[nodiscard]] FileMark MarkOf(const std::string& path);
+
 /// While an object of this type lives, one file counts as unchanged: whoever reads a directory has its size and write
 /// time already, and need not look for them with every question. Visits of one file are not nested.
 class FileVisit
@@ -38,8 +49,10 @@ public:
 
 private:
     friend AnswersAboutFile* AnswersAbout(const std::string& path);
+    friend FileMark MarkOf(const std::string& path);
 
     std::string m_path;
+    std::optional<FileMark> m_mark; ///< what this visit itself has read
     AnswersAboutFile* m_answers = nullptr;
     const FileVisit* m_before;
 };
@@ -47,15 +60,6 @@ private:
 /// @return the answers about a file as it stands now. Null when answers are not reused, and for a file that is missing,
 ///         cannot be read or is only a link: then the platform is to be asked.
 [[nodiscard]] AnswersAboutFile* AnswersAbout(const std::string& path);
-
-/// How a file begins.
-struct FileMark
-{
-    bool opened = false;
-    bool read = false;
-    bool utf16 = false; ///< with the little-endian UTF-16 mark
-};
-[[nodiscard]] FileMark ReadFileMark(const std::string& path);
 
 struct AnswersInUseRecord
 {

@@ -41,6 +41,14 @@ public:
     ProfileAnswer() = default;
     ProfileAnswer(uint32_t count, std::span<const char> buffer);
 
+    friend bool operator==(const ProfileAnswer&, const ProfileAnswer&) = default;
+
+    /// @return false for nothing and for the question's own default text: a call that failed answers no more.
+    [[nodiscard]] bool TellsOfTheFile(std::string_view defaultText) const
+    {
+        return m_count != 0 && m_text != defaultText;
+    }
+
     /// Fills a buffer of the question's size with what the call left there.
     /// @return the number that the call returned.
     uint32_t CopyTo(std::span<char> buffer) const;
@@ -60,31 +68,46 @@ public:
     /// @return true when the file begins with the little-endian UTF-16 mark.
     [[nodiscard]] bool IsUtf16() const { return m_isUtf16; }
 
-    /// @param ask  Called for the answer when the question was not asked before.
-    /// @return the answer, valid as long as this object.
+    /// @param ask  Called for the answer when it is not known: the first time, and the second time too when the first
+    ///             answer may be that of a call that failed. One failure must not cost all later devices and passes.
+    /// @return the answer, valid until the next call.
     template <class Ask>
     const ProfileAnswer& AnswerTo(const ProfileQuestion& question, Ask ask)
     {
         const QuestionView view = ViewOf(question);
-        auto found = m_answers.find(view);
-        if (found == m_answers.end()) {
-            found = m_answers.emplace(view, ask()).first;
+        const auto found = m_answers.find(view);
+        if (found != m_answers.end() && found->second.isSure) {
+            return found->second.answer;
         }
-        return found->second;
+        ProfileAnswer answer = ask();
+        const bool isSure =
+            answer.TellsOfTheFile(question.defaultText) || (found != m_answers.end() && found->second.answer == answer);
+        Kept<ProfileAnswer> kept{.answer = std::move(answer), .isSure = isSure};
+        return m_answers.insert_or_assign(KeptQuestion(view), std::move(kept)).first->second.answer;
     }
 
     /// The same for a model section of an INF, which lives as long as somebody holds it.
     template <class Read>
     std::shared_ptr<const ModelSection> ModelSectionOf(std::string_view name, Read read)
     {
-        auto found = m_modelSections.find(name);
-        if (found == m_modelSections.end()) {
-            found = m_modelSections.emplace(name, read()).first;
+        const auto found = m_modelSections.find(name);
+        if (found != m_modelSections.end() && found->second.isSure) {
+            return found->second.answer;
         }
-        return found->second;
+        std::shared_ptr<const ModelSection> section = read();
+        const bool isSure = section->WasRead() || found != m_modelSections.end();
+        m_modelSections.insert_or_assign(std::string(name), Kept<std::shared_ptr<const ModelSection>>{section, isSure});
+        return section;
     }
 
 private:
+    template <class Answer>
+    struct Kept
+    {
+        Answer answer;
+        bool isSure = false; ///< told of the file, or came twice
+    };
+
     // Section, key, default text, buffer size, and whether it is a question for a whole section.
     template <class Text>
     using QuestionOf = std::tuple<Text, std::optional<Text>, Text, std::size_t, bool>;
@@ -116,8 +139,8 @@ private:
 
     FileStamp m_stamp;
     bool m_isUtf16;
-    std::map<KeptQuestion, ProfileAnswer, QuestionOrder> m_answers;
-    std::map<std::string, std::shared_ptr<const ModelSection>, std::less<>> m_modelSections;
+    std::map<KeptQuestion, Kept<ProfileAnswer>, QuestionOrder> m_answers;
+    std::map<std::string, Kept<std::shared_ptr<const ModelSection>>, std::less<>> m_modelSections;
 };
 
 /// The answers about all files.

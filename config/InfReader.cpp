@@ -87,9 +87,7 @@ int ParseINFile(const char* key, const char* sectionName, const char* infPath)
 int IsFileUnicode(const std::string& path)
 {
     Trace("Entering - IsFileUnicode");
-    const AnswersAboutFile* const answers = AnswersAbout(path);
-    const FileMark mark =
-        answers == nullptr ? ReadFileMark(path) : FileMark{.opened = true, .read = true, .utf16 = answers->IsUtf16()};
+    const FileMark mark = MarkOf(path);
     if (!mark.opened) {
         Trace("unable to open file: ", path, "\n");
         return 0;

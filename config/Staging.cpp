@@ -98,9 +98,13 @@ void CopyFilesToCabDirFor(OSCode system)
     std::string cabDirectory = sourcePath.empty() ? std::string() : WithTrailingBackslash(sourcePath, IsSystemLeadByte);
     Trace("cab dir: ", cabDirectory, "\n");
     if (!CopyInfDirectories(system, cabDirectory)) {
-        cabDirectory = FallbackDirectory();
-        Trace("new cab dir: ", cabDirectory, "\n");
-        CopyInfDirectories(system, cabDirectory);
+        const std::string fallback = FallbackDirectory();
+        Trace("new cab dir: ", fallback, "\n");
+        CopyInfDirectories(system, fallback);
+        // Without a Windows directory there is none to fall back to.
+        if (!fallback.empty()) {
+            cabDirectory = fallback;
+        }
     }
     if (system == osWIN98) {
         Win98InfNotAvail(cabDirectory);
@@ -135,9 +139,10 @@ int Win98InfNotAvail(const std::string& cabDirectory)
 {
     Trace("Enter -> Win98InfNotAvail\n");
     const std::string command = LegacyStagingCommandLine(cabDirectory);
-    std::array<char, MAX_PATH> directory{};
-    GetShortPathNameA(DriveAndDirectoryOf(LocationInfo.programName).c_str(), directory.data(), MAX_PATH);
-    SetCurrentDirectoryA(directory.data());
+    const std::string directory = DriveAndDirectoryOf(LocationInfo.programName);
+    std::array<char, MAX_PATH> shortForm{};
+    const DWORD chars = GetShortPathNameA(directory.c_str(), shortForm.data(), MAX_PATH);
+    SetCurrentDirectoryA(chars == 0 || chars >= MAX_PATH ? directory.c_str() : shortForm.data());
     Trace("Exit -> Win98InfNotAvail\n");
     return LaunchAppandWait(command);
 }

@@ -24,8 +24,11 @@ void InstallInstance(const std::string& instancePath, const std::string& command
     }
     const UniqueRegKey key(opened);
     Trace("setting RegPCIpath: ", instancePath, "\n");
-    RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
-                   static_cast<DWORD>(instancePath.size() + 1));
+    // The helper would install the instance that the value named before.
+    if (RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
+                       static_cast<DWORD>(instancePath.size() + 1)) != ERROR_SUCCESS) {
+        return;
+    }
     LaunchAppandWait(commandLine);
 }
 

@@ -202,7 +202,7 @@ bool DecideAndRecordRestart()
 
 bool InstallThreadRuns()
 {
-    return installThread && WaitForSingleObject(installThread.get(), 0) == WAIT_TIMEOUT;
+    return installThread && WaitForSingleObject(installThread.get(), 0) != WAIT_OBJECT_0;
 }
 
 INT_PTR OnClose(HWND dialog)
@@ -237,8 +237,14 @@ void WaitForInstallThread()
 {
     const HANDLE thread = installThread.get();
     // The thread may be waiting for this one to take a control's new text: such calls are answered meanwhile.
-    while (thread != nullptr &&
-           MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
+    while (thread != nullptr) {
+        const DWORD woken = MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE);
+        if (woken == WAIT_FAILED) {
+            WaitForSingleObject(thread, INFINITE);
+        }
+        if (woken != WAIT_OBJECT_0 + 1) {
+            return;
+        }
         MSG message{};
         PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);
     }

@@ -34,9 +34,10 @@ bool GetModuleVersion(const std::string& path, std::span<char> out)
     }
     const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(record);
     std::array<char, 24> text{}; // four numbers of at most 65535, three full stops and the terminator
-    wsprintfA(text.data(), "%d.%d.%d.%d", HIWORD(fixed.dwFileVersionMS), LOWORD(fixed.dwFileVersionMS),
-              HIWORD(fixed.dwFileVersionLS), LOWORD(fixed.dwFileVersionLS));
-    if (out.size() < text.size()) {
+    const int chars =
+        wsprintfA(text.data(), "%d.%d.%d.%d", HIWORD(fixed.dwFileVersionMS), LOWORD(fixed.dwFileVersionMS),
+                  HIWORD(fixed.dwFileVersionLS), LOWORD(fixed.dwFileVersionLS));
+    if (chars <= 0 || out.size() < text.size()) {
         return false;
     }
     std::ranges::copy(text, out.begin());

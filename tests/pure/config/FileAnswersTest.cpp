@@ -160,11 +160,57 @@ TEST(FileAnswers, ModelSectionIsReadOnceByName)
     const auto section = [&](const std::string& name) {
         return inf.ModelSectionOf(name, [&] {
             read.push_back(name);
-            return std::make_shared<const ModelSection>(0U, std::span<const char>());
+            return std::make_shared<const ModelSection>(1U, std::span<const char>());
         });
     };
     const auto first = section("Norda");
     EXPECT_EQ(section("Norda"), first);
     EXPECT_NE(section("Norda.NTamd64"), first);
     EXPECT_THAT(read, ElementsAre("Norda", "Norda.NTamd64"));
+}
+
+TEST(FileAnswers, NothingIsAskedForOnceMoreBeforeItIsKept)
+{
+    Answers answers;
+    AnswersAboutFile& inf = *answers.About(kInf, kStamp);
+    EXPECT_EQ(Ask(inf, Signature(), "", 0), "");
+    EXPECT_EQ(Ask(inf, Signature(), "", 0), "");
+    EXPECT_EQ(Ask(inf, Signature(), "too late"), "");
+}
+
+TEST(FileAnswers, OneFailureDoesNotOutliveTheQuestion)
+{
+    Answers answers;
+    AnswersAboutFile& inf = *answers.About(kInf, kStamp);
+    EXPECT_EQ(Ask(inf, Signature(), "", 0), "");
+    EXPECT_EQ(Ask(inf, Signature(), "$CHICAGO$"), "$CHICAGO$");
+    EXPECT_EQ(Ask(inf, Signature(), "changed"), "$CHICAGO$");
+}
+
+TEST(FileAnswers, DefaultTextIsAskedForOnceMoreBeforeItIsKept)
+{
+    Answers answers;
+    AnswersAboutFile& inf = *answers.About(kInf, kStamp);
+    const ProfileQuestion question{
+        .section = "Manufacturer", .key = "%Norda%", .defaultText = "none", .bufferBytes = 16};
+    EXPECT_EQ(Ask(inf, question, "none", 4), "none");
+    EXPECT_EQ(Ask(inf, question, "Norda", 5), "Norda");
+    EXPECT_EQ(Ask(inf, question, "none", 4), "Norda");
+}
+
+TEST(FileAnswers, ModelSectionThatWasNotReadIsReadOnceMore)
+{
+    Answers answers;
+    AnswersAboutFile& inf = *answers.About(kInf, kStamp);
+    int reads = 0;
+    const auto section = [&](std::uint32_t count) {
+        return inf.ModelSectionOf("Norda", [&] {
+            ++reads;
+            return std::make_shared<const ModelSection>(count, std::span<const char>());
+        });
+    };
+    EXPECT_FALSE(section(0)->WasRead());
+    EXPECT_FALSE(section(0)->WasRead());
+    EXPECT_FALSE(section(1)->WasRead());
+    EXPECT_EQ(reads, 2);
 }

@@ -37,6 +37,7 @@ TEST(LibraryTraceObject, IsUsableFromStaticInitialisersAndUnconfigured)
 
 TEST(TraceObject, StartsUnconfiguredAtLevelZeroAndIgnoresEverything)
 {
+    DebugOutput output;
     COrvDebug object;
     EXPECT_FALSE(object.IsConfigured());
     EXPECT_EQ(object.GetCurrentLogLevel(), 0U);
@@ -44,6 +45,7 @@ TEST(TraceObject, StartsUnconfiguredAtLevelZeroAndIgnoresEverything)
     object.Error("file.cpp", 1, "nor this");
     object.PrintLastError(5);
     EXPECT_FALSE(object.IsConfigured());
+    EXPECT_THAT(output.OwnLines(), IsEmpty());
 }
 
 TEST(TraceObject, ALineHoldsModuleProcessThreadTimeCounterAndMessage)
