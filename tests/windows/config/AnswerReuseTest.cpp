@@ -152,7 +152,12 @@ TEST_F(Reuse, ListsOfTheSetupIniAreReadOnce)
     GetInfDirs(second, excludes);
     EXPECT_EQ(second, first);
     EXPECT_THAT(second, ElementsAre(m_directory.At(R"(Setup\Drv\)")));
-    EXPECT_EQ(questions.Profile(), asked);
+    // The number of levels is its default, which is asked for once more.
+    EXPECT_EQ(questions.Profile(), asked + 1);
+    std::vector<std::string> third;
+    GetInfDirs(third, excludes);
+    EXPECT_EQ(third, first);
+    EXPECT_EQ(questions.Profile(), asked + 1);
 }
 
 TEST_F(Reuse, ResultsBuffersAndTracesAreThoseOfThePlainWay)
