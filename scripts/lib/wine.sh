@@ -60,7 +60,7 @@ remove_prefix() {
 # Makes the fresh Windows that every prefix is a copy of, unless the one of an earlier run fits the Wine in use.
 make_template() {
     local version log=$build_dir/wine-template.log
-    version="$(WINEDEBUG=-all wine --version), no crash dialog, no window manager" || fail "wine does not start"
+    version="$(WINEDEBUG=-all wine --version), no crash dialog, no window manager, patient with services" || fail "wine does not start"
     [[ "$(cat -- "$wine_dir/template/made-by" 2>/dev/null)" != "$version" ]] || return 0
     say "making a fresh Windows ($version)"
     mkdir -p -- "$wine_dir"
@@ -78,6 +78,8 @@ make_template() {
         run_limited 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N /f
         # A program that crashes ends; nobody is there to close a box about it.
         run_limited 60 wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
+        # On a busy machine a driver may take longer to start than ten seconds.
+        run_limited 60 wine reg add 'HKLM\System\CurrentControlSet\Control' /v ServicesPipeTimeout /t REG_DWORD /d 60000 /f
         run_limited 120 wineserver --wait
     ) >"$log" 2>&1 || fail "Wine cannot make a Windows (see $log)"
     [[ -f $wine_dir/template.new/system.reg ]] || fail "Wine made no Windows (see $log)"

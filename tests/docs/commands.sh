@@ -64,7 +64,8 @@ scripts_are_run() {
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
             scripts/fuzz) run_limited 120 "$repo/scripts/fuzz" 1 || return 1 ;;
             # They take longer than a test may.
-            scripts/pictures | scripts/package | scripts/coverage | scripts/mutations | scripts/faults | scripts/analyze) ;;
+            scripts/pictures | scripts/package | scripts/coverage | scripts/mutations | scripts/faults | scripts/analyze | \
+                scripts/bench) ;;
             *) printf '%s is run by nothing\n' "$command"; return 1 ;;
         esac
         [[ -x $repo/$command ]] || { printf '%s is not there\n' "$command"; return 1; }

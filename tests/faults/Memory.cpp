@@ -25,6 +25,17 @@ bool IsTrace(const std::string& line)
     return line.starts_with("trace: ");
 }
 
+bool Restarts(const Outcome& outcome)
+{
+    return std::ranges::any_of(outcome.lines, [](const std::string& line) { return line.starts_with("restart"); });
+}
+
+/// The machine's own list, which is there before the run.
+bool IsPending(const std::string& line)
+{
+    return line.find("pending ") != std::string::npos;
+}
+
 /// Values are whole or not there at all, "Install" comes last, and what exists during an install only is gone.
 void LookForHalfWritten(const Outcome& clean, const Outcome& faulted, std::vector<std::string>& complaints)
 {
@@ -33,8 +44,7 @@ void LookForHalfWritten(const Outcome& clean, const Outcome& faulted, std::vecto
     for (const std::string& line : left) {
         // What the run takes off the list of pending operations may still be on it, and the device that the legacy
         // helper is told of changes during the run.
-        const bool comesAndGoes =
-            line.find("pending ") != std::string::npos || line.find("RegPCIpath") != std::string::npos;
+        const bool comesAndGoes = IsPending(line) || line.find("RegPCIpath") != std::string::npos;
         if (!whole.contains(line) && !comesAndGoes) {
             complaints.push_back("only with the fault " + line);
         }
@@ -59,9 +69,15 @@ std::vector<std::string> Complaints(const Outcome& clean, const Outcome& faulted
         complaints.emplace_back("the run does not end");
     }
     LookForHalfWritten(clean, faulted, complaints);
-    const bool didNothing = LeftBy(faulted).empty() && std::ranges::none_of(faulted.lines, IsTrace);
-    if (Difference(clean.lines, faulted.lines).empty() ||
-        (didNothing && fault.memoryRequest <= clean.memoryRequestsOfStart)) {
+    if (faulted.exitCode == clean.exitCode && LeftBy(faulted) == LeftBy(clean) &&
+        Restarts(faulted) == Restarts(clean)) {
+        // What needed the memory was done without.
+        return complaints;
+    }
+    const bool didNothing =
+        std::ranges::all_of(LeftBy(faulted), IsPending) && std::ranges::none_of(faulted.lines, IsTrace);
+    if (didNothing && fault.memoryRequest <= clean.memoryRequestsOfStart) {
+        // The language's own start ends the process then.
         return complaints;
     }
     if (static_cast<int>(faulted.exitCode) != -1) {
