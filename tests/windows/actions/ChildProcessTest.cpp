@@ -3,11 +3,30 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
+// tlhelp32.h needs windows.h first.
+#include <tlhelp32.h>
 
+#include "Handles.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
 using testing::HasSubstr;
+
+namespace {
+/// @return the number of programs that this one has started and that still run.
+int RunningChildren()
+{
+    const UniqueHandle processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32 process{};
+    process.dwSize = sizeof(process);
+    int children = 0;
+    for (BOOL more = Process32First(processes.get(), &process); more != FALSE;
+         more = Process32Next(processes.get(), &process)) {
+        children += process.th32ParentProcessID == GetCurrentProcessId() ? 1 : 0;
+    }
+    return children;
+}
+} // namespace
 
 TEST(ChildProcess, TellsTheExitCodeOfAProgramThatEnded)
 {
@@ -39,4 +58,5 @@ TEST(ChildProcess, AProgramThatTakesTooLongIsEnded)
     const ProgramEnd end = RunAndWait("ping -n 61 127.0.0.1", {}, 500);
     EXPECT_EQ(end.kind, ProgramEnd::Kind::StoppedForTime);
     EXPECT_LT(GetTickCount() - begin, DWORD{30000});
+    EXPECT_EQ(RunningChildren(), 0);
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "CallCount.h"
 #include "DebugOutput.h"
 #include "HandleCount.h"
 #include "ScratchDirectory.h"
@@ -28,6 +29,14 @@ TEST(FileVersion, FourPartsOfTheFileVersionAreRead)
     EXPECT_TRUE(GetModuleVersion(TestFile("versioned_file.dll"), version));
     EXPECT_STREQ("7.8.9.10", version.data());
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering - GetModuleVersion", "7.8.9.10"));
+}
+
+TEST(FileVersion, SearchForTheFileIsClosed)
+{
+    const CallCount closed("FindClose");
+    std::array<char, 32> version = Marked();
+    EXPECT_TRUE(GetModuleVersion(TestFile("versioned_file.dll"), version));
+    EXPECT_EQ(closed.Calls(), 1U);
 }
 
 TEST(FileVersion, FileWithoutVersionResourceLeavesTheOutputUntouched)

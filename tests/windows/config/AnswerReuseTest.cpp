@@ -140,6 +140,28 @@ TEST_F(Reuse, SecondSearchAsksNothingMore)
     EXPECT_EQ(questions.Opened(), opened);
 }
 
+TEST_F(Reuse, NothingOutlivesIt)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
+    {
+        const AnswerReuse reuse;
+        EXPECT_EQ(Find(), "");
+    }
+    const Questions questions;
+    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(questions.Profile(), 7U);
+}
+
+TEST_F(Reuse, EachManufacturerIsAskedApart)
+{
+    std::string inf = QualifiedInf(kKey);
+    const std::string heading = "[Manufacturer]\r\n";
+    inf.insert(inf.find(heading) + heading.size(), "first=Other\r\n");
+    WriteFileBytes(Inf(), inf);
+    const AnswerReuse reuse;
+    EXPECT_EQ(Find(), Inf());
+}
+
 TEST_F(Reuse, ListsOfTheSetupIniAreReadOnce)
 {
     const AnswerReuse reuse;

@@ -72,6 +72,14 @@ TEST(NetCfgInstance, IdOf259CharactersIsTakenWhole)
     EXPECT_EQ(InstanceIdOf(), longest);
 }
 
+TEST(NetCfgInstance, IdThatFillsTheBufferWithoutATerminatorLeavesTheTextEmpty)
+{
+    const RegistryAdapter adapter(kDevice, "9001", "short");
+    SetRegistryBytes(std::string(R"(SYSTEM\CurrentControlSet\Control\Class\)") + kNetworkClass + R"(\9001)",
+                     "NetCfgInstanceId", std::string(260, 'i'), REG_SZ);
+    EXPECT_EQ(InstanceIdOf(), "");
+}
+
 TEST(NetCfgInstance, LongerIdsLeaveTheTextEmpty)
 {
     for (const std::size_t length : {260U, 261U, 4096U}) {
