@@ -30,10 +30,15 @@ bool Restarts(const Outcome& outcome)
     return std::ranges::any_of(outcome.lines, [](const std::string& line) { return line.starts_with("restart"); });
 }
 
-/// The machine's own list, which is there before the run.
 bool IsPending(const std::string& line)
 {
     return line.find("pending ") != std::string::npos;
+}
+
+/// What is there before the run.
+bool IsTheMachinesOwn(const std::string& line)
+{
+    return IsPending(line) || line.find("OEMVersion") != std::string::npos;
 }
 
 /// Values are whole or not there at all, "Install" comes last, and what exists during an install only is gone.
@@ -75,7 +80,7 @@ std::vector<std::string> Complaints(const Outcome& clean, const Outcome& faulted
         return complaints;
     }
     const bool didNothing =
-        std::ranges::all_of(LeftBy(faulted), IsPending) && std::ranges::none_of(faulted.lines, IsTrace);
+        std::ranges::all_of(LeftBy(faulted), IsTheMachinesOwn) && std::ranges::none_of(faulted.lines, IsTrace);
     if (didNothing && fault.memoryRequest <= clean.memoryRequestsOfStart) {
         // The language's own start ends the process then.
         return complaints;

@@ -190,7 +190,8 @@ int Show(const std::string& name)
     }
     const std::set<std::uint32_t> stacks(clean.memoryStacks.begin(), clean.memoryStacks.end());
     std::cout << all << " calls of " << clean.calls.size() << " kinds, " << clean.memoryRequests
-              << " memory requests from " << stacks.size() << " places\n";
+              << " memory requests from " << stacks.size() << " places, " << clean.memoryRequestsOfStart
+              << " of them before the program itself begins\n";
     for (const std::string& line : Difference(first.lines, clean.lines)) {
         std::cout << "differs: " << line << "\n";
     }

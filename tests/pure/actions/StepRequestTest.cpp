@@ -20,6 +20,11 @@ TEST(StepRequest, WithoutPropertiesEverySwitchIsOffAndTheTimeIsTheDefault)
     EXPECT_EQ(request.folder, "C:\\Program Files\\Norda\\Morvix");
 }
 
+TEST(StepRequest, EveryBackslashBehindTheFolderIsDropped)
+{
+    EXPECT_EQ(Read("|||D:\\kit\\\\").folder, "D:\\kit");
+}
+
 TEST(StepRequest, OneSwitchesOn)
 {
     const StepRequest request = Read("1|1|60|D:\\kit");

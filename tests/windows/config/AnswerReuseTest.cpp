@@ -147,6 +147,7 @@ TEST_F(Reuse, NothingOutlivesIt)
         const AnswerReuse reuse;
         EXPECT_EQ(Find(), "");
     }
+    EXPECT_EQ(AnswersAbout(Inf()), nullptr);
     const Questions questions;
     EXPECT_EQ(Find(), "");
     EXPECT_EQ(questions.Profile(), 7U);

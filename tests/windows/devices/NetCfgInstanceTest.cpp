@@ -72,12 +72,14 @@ TEST(NetCfgInstance, IdOf259CharactersIsTakenWhole)
     EXPECT_EQ(InstanceIdOf(), longest);
 }
 
-TEST(NetCfgInstance, IdThatFillsTheBufferWithoutATerminatorLeavesTheTextEmpty)
+TEST(NetCfgInstance, IdOf260BytesWithoutATerminatorLeavesEvenALargerTextEmpty)
 {
     const RegistryAdapter adapter(kDevice, "9001", "short");
     SetRegistryBytes(std::string(R"(SYSTEM\CurrentControlSet\Control\Class\)") + kNetworkClass + R"(\9001)",
                      "NetCfgInstanceId", std::string(260, 'i'), REG_SZ);
-    EXPECT_EQ(InstanceIdOf(), "");
+    std::array<char, 300> text{"before"};
+    EXPECT_EQ(GetNetCfgInstanceId(kDevice, text), 0);
+    EXPECT_STREQ(text.data(), "");
 }
 
 TEST(NetCfgInstance, LongerIdsLeaveTheTextEmpty)
