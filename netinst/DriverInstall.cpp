@@ -32,19 +32,10 @@ DWORD ForceDriver(const char* hardwareId, const char* infPath) noexcept
     return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
 }
 
-class DriverInstall final : public IDriverInstallInterface
+class DriverInstall final : public Counted<DriverInstall, IDriverInstallInterface>
 {
 public:
-    int32_t __stdcall AddRef() override { return m_count.Add(); }
-
-    int32_t __stdcall Release() override
-    {
-        const int32_t left = m_count.Drop();
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
+    int32_t __stdcall AddRef() override { return AddReference(); }
 
     int32_t __stdcall InstallForRecord(void* record, int32_t flags) override
     {
@@ -61,12 +52,9 @@ public:
         SetLastError(error);
         return error == ERROR_SUCCESS ? S_OK : StatusForError(error);
     }
-
-private:
-    ObjectCount m_count;
 };
 
-class DriverInstallFactory final : public IDriverInstallInterfaceFactory
+class DriverInstallFactory final : public Counted<DriverInstallFactory, IDriverInstallInterfaceFactory>
 {
 public:
     int32_t __stdcall CreateDriverInstall(IDriverInstallInterface** out, void* record) override
@@ -81,18 +69,6 @@ public:
         *out = new (std::nothrow) DriverInstall;
         return *out == nullptr ? E_OUTOFMEMORY : S_OK;
     }
-
-    int32_t __stdcall Release() override
-    {
-        const int32_t left = m_count.Drop();
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-
-private:
-    ObjectCount m_count;
 };
 } // namespace
 

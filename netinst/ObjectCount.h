@@ -15,3 +15,29 @@ public:
 private:
     std::atomic<int32_t> m_references{1};
 };
+
+/// An object of this library behind one of its interfaces: lives until its last reference is released.
+template <class Object, class Interface>
+class Counted : public Interface
+{
+public:
+    /// @return the number of references left; at 0 the object is gone.
+    int32_t __stdcall Release() override
+    {
+        const int32_t left = m_count.Drop();
+        if (left == 0) {
+            delete static_cast<Object*>(this);
+        }
+        return left;
+    }
+
+protected:
+    Counted() = default;
+    ~Counted() = default;
+
+    /// @return the number of references after this one came.
+    int32_t AddReference() noexcept { return m_count.Add(); }
+
+private:
+    ObjectCount m_count;
+};

@@ -20,7 +20,7 @@ SystemFamily FamilyOfThisSystem() noexcept
     return FamilyForVersion(version.dwPlatformId, version.dwMajorVersion, version.dwMinorVersion);
 }
 
-class SysProber final : public ISysProberInterface
+class SysProber final : public Counted<SysProber, ISysProberInterface>
 {
 public:
     int64_t __stdcall IdentifySystem(void* record) override
@@ -32,21 +32,9 @@ public:
         WriteField(record, kFamilyField, family.name);
         return family.status;
     }
-
-    int32_t __stdcall Release() override
-    {
-        const int32_t left = m_count.Drop();
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-
-private:
-    ObjectCount m_count;
 };
 
-class SysProberFactory final : public ISysProberInterfaceFactory
+class SysProberFactory final : public Counted<SysProberFactory, ISysProberInterfaceFactory>
 {
 public:
     int32_t __stdcall CreateSysProber(ISysProberInterface** out) override
@@ -57,18 +45,6 @@ public:
         *out = new (std::nothrow) SysProber;
         return *out == nullptr ? E_OUTOFMEMORY : S_OK;
     }
-
-    int32_t __stdcall Release() override
-    {
-        const int32_t left = m_count.Drop();
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-
-private:
-    ObjectCount m_count;
 };
 } // namespace
 

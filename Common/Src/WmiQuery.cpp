@@ -1,47 +1,14 @@
 #include "WmiQuery.h"
 
 #include <windows.h>
-// The headers below need windows.h first.
-#include <objbase.h>
-#include <oleauto.h>
+// wbemcli.h needs windows.h first.
 #include <wbemcli.h>
 
-#include <memory>
+#include "ComOwners.h"
 
 namespace {
 // Some classes, such as that of the installed fixes, are put together while the caller waits.
 constexpr LONG kFirstRowMilliseconds = 60000;
-
-// COM for the life of the object. A thread that has COM in another mode keeps it so; that serves as well.
-class ComOnThisThread
-{
-public:
-    ComOnThisThread() : m_initialized(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {}
-    ~ComOnThisThread()
-    {
-        if (m_initialized) {
-            CoUninitialize();
-        }
-    }
-    ComOnThisThread(const ComOnThisThread&) = delete;
-    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
-
-private:
-    bool m_initialized;
-};
-
-struct InterfaceCloser
-{
-    void operator()(IUnknown* object) const noexcept { object->Release(); }
-};
-template <class Interface>
-using UniqueInterface = std::unique_ptr<Interface, InterfaceCloser>;
-
-struct BstrCloser
-{
-    void operator()(wchar_t* text) const noexcept { SysFreeString(text); }
-};
-using UniqueBstr = std::unique_ptr<wchar_t, BstrCloser>;
 
 UniqueInterface<IWbemServices> Connect(const wchar_t* nameSpace)
 {
