@@ -84,8 +84,8 @@ Kit::Kit(int files, const std::vector<std::string>& listedIds) : m_directory(New
     CreateDirectoryA(m_directory.c_str(), nullptr);
     CreateDirectoryA(drivers.c_str(), nullptr);
     const std::string section(RowOf(COSVersion().GetOSCode()).sectionKey);
-    WriteWholeFile(m_directory + "\\Morvix.ini",
-                   "[" + section + "]\r\nInfSectionName=Norda.NTamd64.6.1,Norda\r\nInfDir=Drv\r\n");
+    WriteWholeFile(m_directory + "\\Morvix.ini", "[Config]\r\nLevelsToRoot=0\r\n[" + section +
+                                                     "]\r\nInfSectionName=Norda.NTamd64.6.1,Norda\r\nInfDir=Drv\r\n");
     for (int file = 0; file < files; ++file) {
         m_fileNames.push_back("bench" + Hexadecimal(file) + ".inf");
         const bool last = file + 1 == files;

@@ -4,6 +4,7 @@
 Fails when less than 95 % of the product's lines have run, when a line that has not run does not stand in not-run.txt, or
 when not-run.txt names one that has run or is not there any more.
 """
+import collections
 import json
 import pathlib
 import sys
@@ -14,12 +15,12 @@ LEAST = 95.0
 
 
 def read_accepted():
-    """The lines of not-run.txt: (file, text) -> where it stands there."""
-    accepted = {}
+    """The lines of not-run.txt: (file, text) -> where it stands there, once for each line that it accounts for."""
+    accepted = collections.defaultdict(list)
     file = None
     for place, line in enumerate((HERE / "not-run.txt").read_text().splitlines(), 1):
         if line.startswith("    ") and file:
-            accepted[file, line.strip()] = place
+            accepted[file, line.strip()].append(place)
         elif line and not line.startswith("#"):
             file, _, reason = line.partition(": ")
             if not reason:
@@ -28,8 +29,7 @@ def read_accepted():
 
 
 def main(counts):
-    accepted = read_accepted()
-    used = set()
+    left = read_accepted()
     lines = run = 0
     unexplained = []
     for entry in json.loads(pathlib.Path(counts).read_text())["files"]:
@@ -42,16 +42,16 @@ def main(counts):
                 run += 1
                 continue
             text = source[line["line_number"] - 1].strip()
-            if (entry["file"], text) in accepted:
-                used.add((entry["file"], text))
+            if left[entry["file"], text]:
+                left[entry["file"], text].pop()
             else:
                 unexplained.append(f"{entry['file']}:{line['line_number']}: {text}")
     share = 100.0 * run / lines if lines else 0.0
     for line in unexplained:
         print(f"not run: {line}")
-    stale = sorted(set(accepted) - used)
-    for file, text in stale:
-        print(f"not-run.txt:{accepted[file, text]}: this has run, or is not in {file} any more")
+    stale = [(place, file) for (file, _), places in left.items() for place in places]
+    for place, file in sorted(stale):
+        print(f"not-run.txt:{place}: this has run, or is not in {file} any more")
     print(f"{run} of {lines} lines have run ({share:.1f} %), {lines - run - len(unexplained)} are accounted for, "
           f"{len(unexplained)} are not")
     return 0 if share >= LEAST and not unexplained and not stale else 1
