@@ -13,10 +13,10 @@ constexpr DWORD kStackBufferOverrun = 0xC0000409;
 } // namespace
 
 extern "C" {
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier)
 uintptr_t __stack_chk_guard = 0xB5402A2A6AB500;
 
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier)
 [[noreturn]] void __stack_chk_fail()
 {
     // Nothing of this process can be trusted any more: no handler, no destructor, no trace.

@@ -32,7 +32,8 @@ check_tidy() {
 # printf attribute it does not know.
 list_tidy_arguments() {
     local headers
-    arguments=(--quiet "-p=$tidy_dir" --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-Wno-ignored-attributes)
+    arguments=(--quiet "-p=$tidy_dir" --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-Wno-ignored-attributes
+        --extra-arg=-Wreserved-identifier)
     while read -r headers; do
         arguments+=("--extra-arg=-isystem$headers")
     done < <(x86_64-w64-mingw32-g++-posix -xc++ -E -v /dev/null 2>&1 >/dev/null |

@@ -4,7 +4,7 @@
 //   Reenumerate   result of the scan, 0 when not given
 
 // The functions are at home here.
-#define _CFGMGR32_ // NOLINT(bugprone-reserved-identifier): the platform's name
+#define _CFGMGR32_ // the platform's name
 #include <windows.h>
 // cfgmgr32.h needs windows.h first.
 #include <cfgmgr32.h>

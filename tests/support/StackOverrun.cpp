@@ -6,7 +6,7 @@
 // A program for the tests of the stack guard. With an argument it writes over the end of a local array; without one its
 // exit code is a part of the guard's value.
 
-extern "C" uintptr_t __stack_chk_guard; // NOLINT(bugprone-reserved-identifier)
+extern "C" uintptr_t __stack_chk_guard; // NOLINT(clang-diagnostic-reserved-identifier)
 
 namespace {
 __attribute__((noinline)) void Overrun(std::size_t length)

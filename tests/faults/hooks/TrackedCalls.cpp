@@ -182,6 +182,15 @@ HANDLE WINAPI StartThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack, LPTHREAD
     return Opened(HandleKind::Kernel, thread, "install thread");
 }
 
+DWORD WINAPI Await(HANDLE handle, DWORD milliseconds)
+{
+    if (milliseconds == 0 && LabelOf(handle) == "install thread") {
+        // Asked whether it still runs.
+        AwaitInstallThread();
+    }
+    return WaitForSingleObject(handle, milliseconds);
+}
+
 BOOL WINAPI CloseKernelHandle(HANDLE handle)
 {
     Closing(HandleKind::Kernel, handle);
@@ -395,6 +404,7 @@ const std::array kRows = std::to_array<Row>({
     {"DuplicateHandle", Address(CopyHandle)},
     {"CreateProcessA", Address(StartProgram)},
     {"CreateThread", Address(StartThread)},
+    {"WaitForSingleObject", Address(Await)},
     {"CloseHandle", Address(CloseKernelHandle)},
     {"FindFirstFileA", Address(StartSearch)},
     {"FindClose", Address(EndSearch)},

@@ -56,6 +56,13 @@ void TellInstallThread(HANDLE thread)
     CloseHandle(CreateThread(nullptr, 0, WaitForInstall, nullptr, 0, nullptr));
 }
 
+void AwaitInstallThread()
+{
+    if (installEnded != nullptr) {
+        WaitForSingleObject(installEnded, kLimit);
+    }
+}
+
 void TellTimer(UINT_PTR timer)
 {
     countdownRuns = countdownRuns || timer == 0;
@@ -68,9 +75,8 @@ void CloseDialog()
 
 void ActForUser(MSG& message)
 {
-    if (message.message == WM_CLOSE && installEnded != nullptr) {
-        // Which of the two threads then does its last things first would be chance.
-        WaitForSingleObject(installEnded, kLimit);
+    if (message.message == WM_CLOSE) {
+        AwaitInstallThread();
     }
     if (message.message != kInstallOver) {
         return;

@@ -9,6 +9,8 @@
 void TellDialog(HWND dialog);
 /// @param thread  The install thread, or null when none was made.
 void TellInstallThread(HANDLE thread);
+/// Waits until the install thread has ended: what it and the main thread do at the same time would be chance.
+void AwaitInstallThread();
 /// The dialog has a timer of that number.
 void TellTimer(UINT_PTR timer);
 void CloseDialog();
