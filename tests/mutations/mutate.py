@@ -159,7 +159,8 @@ class Runner:
                 process.communicate()
                 self.clean_up()
                 return "stopped", ""
-        if process.returncode != 0:
+        # A program that crashes in Wine may leave 0 all the same, but it does not come to its last lines.
+        if process.returncode != 0 or "[  PASSED  ]" not in text:
             return "failed", text
         if re.search(r"\[  PASSED  \] 0 tests|Running 0 tests", text):
             return "nothing ran", text

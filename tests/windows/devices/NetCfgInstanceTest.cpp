@@ -8,6 +8,7 @@
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "Handles.h"
 #include "RegistryAccess.h"
 
 using testing::ElementsAre;
@@ -75,8 +76,16 @@ TEST(NetCfgInstance, IdOf259CharactersIsTakenWhole)
 TEST(NetCfgInstance, IdOf260BytesWithoutATerminatorLeavesEvenALargerTextEmpty)
 {
     const RegistryAdapter adapter(kDevice, "9001", "short");
-    SetRegistryBytes(std::string(R"(SYSTEM\CurrentControlSet\Control\Class\)") + kNetworkClass + R"(\9001)",
-                     "NetCfgInstanceId", std::string(260, 'i'), REG_SZ);
+    HKEY opened = nullptr;
+    const std::string driverKey =
+        std::string(R"(SYSTEM\CurrentControlSet\Control\Class\)") + kNetworkClass + R"(\9001)";
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, driverKey.c_str(), 0, KEY_SET_VALUE, &opened), ERROR_SUCCESS);
+    const UniqueRegKey key(opened);
+    // The platform adds a terminator that follows what it is given.
+    const std::string unterminated(261, 'i');
+    ASSERT_EQ(RegSetValueExA(key.get(), "NetCfgInstanceId", 0, REG_SZ,
+                             reinterpret_cast<const BYTE*>(unterminated.data()), 260),
+              ERROR_SUCCESS);
     std::array<char, 300> text{"before"};
     EXPECT_EQ(GetNetCfgInstanceId(kDevice, text), 0);
     EXPECT_STREQ(text.data(), "");
