@@ -21,6 +21,26 @@ using ::testing::Pair;
 namespace {
 constexpr DWORD kLongWait = 60000;
 
+/// Makes a service that is started on demand. One of the same name that was deleted may still be on its way out: its
+/// process has to end first.
+UniqueServiceHandle MakeService(SC_HANDLE manager, const std::string& name, const std::string& command)
+{
+    constexpr DWORD kPause = 10;
+    for (DWORD waited = 0;; waited += kPause) {
+        UniqueServiceHandle service(CreateServiceA(
+            manager, name.c_str(), name.c_str(), SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
+            SERVICE_ERROR_NORMAL, command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
+        const DWORD error = GetLastError();
+        if (service) {
+            return service;
+        }
+        if (error != ERROR_SERVICE_MARKED_FOR_DELETE || waited >= kLongWait) {
+            throw std::runtime_error("cannot create the service, error " + std::to_string(error));
+        }
+        Sleep(kPause);
+    }
+}
+
 /// A service for the life of the object.
 class TestService
 {
@@ -30,13 +50,7 @@ public:
         if (!m_manager) {
             throw std::runtime_error("no service manager");
         }
-        const std::string command = '"' + TestFile("doubles\\test_service.exe") + "\" " + way;
-        m_service.reset(CreateServiceA(m_manager.get(), name.c_str(), name.c_str(), SERVICE_ALL_ACCESS,
-                                       SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
-                                       command.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
-        if (!m_service) {
-            throw std::runtime_error("cannot create the service, error " + std::to_string(GetLastError()));
-        }
+        m_service = MakeService(m_manager.get(), name, '"' + TestFile("doubles\\test_service.exe") + "\" " + way);
     }
     ~TestService()
     {
@@ -202,10 +216,7 @@ TEST(HelperServices, AServiceThatGivesUpWhileItStartsIsAFailure)
 TEST(HelperServices, AServiceThatCannotBeStartedIsAFailure)
 {
     const UniqueServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
-    const UniqueServiceHandle service(CreateServiceA(
-        manager.get(), "NordaDCB", "NordaDCB", SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
-        SERVICE_ERROR_NORMAL, R"(C:\no such folder\no_such.exe)", nullptr, nullptr, nullptr, nullptr, nullptr));
-    ASSERT_TRUE(service);
+    const UniqueServiceHandle service = MakeService(manager.get(), "NordaDCB", R"(C:\no such folder\no_such.exe)");
     const LibraryTrace trace;
     EXPECT_FALSE(CHelper().StartServiceOfKind(kServiceNordaDCB));
     DeleteService(service.get());
