@@ -97,8 +97,8 @@ new_prefix() {
 }
 
 # start_server --persistent[=SECONDS]: starts the server of the prefix in use. It lives on for SECONDS after its last
-# program, without a number until the shell ends. It stays a child of this shell and is told to end when the shell is gone, even by a kill
-# that no clean-up survives. Programs must not start before it listens: they would start another one.
+# program, without a number until the shell ends. It stays a child of this shell and is told to end when the shell is gone,
+# even by a kill that no clean-up survives. Programs must not start before it listens: they would start another one.
 start_server() {
     local waited=0
     { release_lock; exec setpriv --pdeathsig TERM wineserver --foreground "$1"; } >/dev/null 2>&1 &

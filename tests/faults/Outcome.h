@@ -38,8 +38,7 @@ struct Outcome
     std::vector<bool> importCalled;
 };
 
-/// @return what `with` has more (+) and less (-) than `without`, in order; several lines missing in a row are told by
-/// the
-///         first and the last of them. Empty when both are the same.
+/// @return what `with` has more (+) and less (-) than `without`, in order; of many lines in a row, the first and the
+///         last. Empty when both are the same.
 [[nodiscard]] std::vector<std::string> Difference(const std::vector<std::string>& without,
                                                   const std::vector<std::string>& with);

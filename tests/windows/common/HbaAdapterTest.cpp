@@ -7,6 +7,7 @@
 #include "HbaApiInt.h"
 #include "HbaLibraryDouble.h"
 #include "LibraryTrace.h"
+#include "ProductKeys.h"
 #include "RegistryKeys.h"
 
 using ::testing::Contains;
@@ -14,11 +15,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-constexpr wchar_t kAdapter[] = LR"(\DEVICE\{0001})";
-constexpr char kNetworkServices[] = R"(SOFTWARE\NORDA\Network_Services)";
-constexpr char kProduct[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
-constexpr char kDebug[] = R"(SOFTWARE\NORDA\Network_Services\Debug)";
-
 /// A library that is loaded and initialised, on a machine that debugs nothing, and its trace from then on.
 class HbaAdapter : public ::testing::Test
 {

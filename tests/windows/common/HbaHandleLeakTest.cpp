@@ -8,13 +8,12 @@
 #include "HbaLibraryDouble.h"
 #include "HbaOperations.h"
 #include "Helper.h"
+#include "ProductKeys.h"
 #include "RegistryKeys.h"
 #include "WmiQuery.h"
 
 namespace {
 constexpr int kCalls = 1000;
-constexpr char kNetworkServices[] = R"(SOFTWARE\NORDA\Network_Services)";
-constexpr char kProduct[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
 constexpr char kTern[] = R"(SOFTWARE\NORDA\Network_Services\TERN)";
 
 /// @return how many handles 1,000 calls have added.

@@ -9,6 +9,8 @@
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
+/// The name by which the tests ask for an adapter.
+inline constexpr wchar_t kAdapter[] = LR"(\DEVICE\{0001})";
 inline constexpr char kHbaMutexName[] = R"(Global\CHBAAPINTMUT)";
 
 /// An FCoE interface library for this process: a copy of one of the doubles, in a folder that the loader looks through,

@@ -12,7 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-constexpr wchar_t kAdapter[] = LR"(\DEVICE\{0001})";
 constexpr char kEntering[] = "Entering CHBAAPIInt::InitHBAAPIMod";
 constexpr char kExitingWithSuccess[] = "Exiting CHBAAPIInt::InitHBAAPIMod bRet = 1";
 constexpr char kExitingWithFailure[] = "Exiting CHBAAPIInt::InitHBAAPIMod bRet = 0";

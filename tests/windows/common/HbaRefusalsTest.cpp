@@ -9,6 +9,7 @@
 #include "HbaLibraryDouble.h"
 #include "ImportOverride.h"
 #include "LibraryTrace.h"
+#include "ProductKeys.h"
 #include "RegistryKeys.h"
 
 using ::testing::Contains;
@@ -16,11 +17,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-constexpr wchar_t kAdapter[] = LR"(\DEVICE\{0001})";
-constexpr char kNetworkServices[] = R"(SOFTWARE\NORDA\Network_Services)";
-constexpr char kProduct[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
-constexpr char kDebug[] = R"(SOFTWARE\NORDA\Network_Services\Debug)";
-
 /// One name cannot be converted to 8-bit text for the life of the object. One object at a time.
 class NameThatCannotBeConverted
 {

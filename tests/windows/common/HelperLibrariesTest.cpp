@@ -6,6 +6,7 @@
 
 #include "Helper.h"
 #include "LibraryTrace.h"
+#include "ProductKeys.h"
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
@@ -13,7 +14,6 @@
 using ::testing::ElementsAre;
 
 namespace {
-constexpr char kNetworkServices[] = R"(SOFTWARE\NORDA\Network_Services)";
 constexpr char kAgents[] = R"(SOFTWARE\NORDA\Network_Services\ORV2\Agents\)";
 constexpr char kTern[] = R"(SOFTWARE\NORDA\Network_Services\TERN\)";
 

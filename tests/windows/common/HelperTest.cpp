@@ -1,5 +1,6 @@
 // What is installed and what is being debugged, as the registry tells it.
 #include "Helper.h"
+#include "ProductKeys.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,10 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-constexpr char kNetworkServices[] = R"(SOFTWARE\NORDA\Network_Services)";
 constexpr char kTern[] = R"(SOFTWARE\NORDA\Network_Services\TERN)";
-constexpr char kProduct[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";
-constexpr char kDebug[] = R"(SOFTWARE\NORDA\Network_Services\Debug)";
 
 struct InstallStateRow
 {
