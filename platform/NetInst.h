@@ -15,6 +15,12 @@ inline constexpr char kNetInstEntryPoint[] = "DllGetClassFactoryObject";
 inline constexpr char kSysProberFactoryName[] = "ISysProberInterfaceFactory";
 inline constexpr char kDriverInstallFactoryName[] = "IDriverInstallInterfaceFactory";
 
+/// Below HKEY_LOCAL_MACHINE, in the 64-bit view: where the library records, as a REG_DWORD 1, that a binding takes
+/// effect only after a restart. The library deletes the value when a system is identified, so it speaks of the last run
+/// only.
+inline constexpr char kNetInstKey[] = R"(SOFTWARE\Norda\NetInst)";
+inline constexpr char kNetInstRestartValue[] = "RestartNeeded";
+
 // These tables have no virtual destructor: a destructor would take a slot, and objects end through Release.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"

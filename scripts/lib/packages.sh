@@ -5,7 +5,7 @@
 
 packages=(
     # Windows programs: compiler, resource compiler, strip
-    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
+    g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 mingw-w64-tools
     # the build, and the pure suites with their sanitizers
     cmake ninja-build g++ googletest
     # the fuzz targets: compiler, sanitizers and fuzzer

@@ -36,7 +36,7 @@ list_tidy_arguments() {
         --extra-arg=-Wreserved-identifier)
     while read -r headers; do
         arguments+=("--extra-arg=-isystem$headers")
-    done < <(x86_64-w64-mingw32-g++-posix -xc++ -E -v /dev/null 2>&1 >/dev/null |
+    done < <(x86_64-w64-mingw32-g++-win32 -xc++ -E -v /dev/null 2>&1 >/dev/null |
         sed -n '/^#include <\.\.\.>/,/^End of search/s/^ //p' | grep -E '/(c\+\+|x86_64-w64-mingw32/include)(/|$)')
 }
 

@@ -1,6 +1,7 @@
 #include "DebugOutput.h"
 
 #include <array>
+#include <mutex>
 #include <stdexcept>
 
 namespace {
@@ -22,7 +23,7 @@ DebugOutput::DebugOutput()
     if (m_view == nullptr || !m_bufferReady || !m_dataReady || !m_stop || !m_lineArrived) {
         throw std::runtime_error("the debugger output cannot be read: another viewer may be running");
     }
-    m_listener = std::thread(&DebugOutput::Listen, this);
+    m_listener = TestThread([this] { Listen(); });
 }
 
 DebugOutput::~DebugOutput()
@@ -41,7 +42,7 @@ void DebugOutput::Listen()
         const std::string_view whole(static_cast<const char*>(m_view) + sizeof(DWORD), kBufferBytes - sizeof(DWORD));
         std::string line(whole.substr(0, whole.find('\0')));
         {
-            const std::scoped_lock guard(m_lock);
+            const std::lock_guard guard(m_lock);
             if (processId == GetCurrentProcessId() && line.starts_with(kMarker)) {
                 m_lastMarker = std::move(line);
             } else {
@@ -60,7 +61,7 @@ void DebugOutput::Flush()
     const ULONGLONG deadline = GetTickCount() + static_cast<ULONGLONG>(kFlushLimitMilliseconds);
     for (;;) {
         {
-            const std::scoped_lock guard(m_lock);
+            const std::lock_guard guard(m_lock);
             if (m_lastMarker == marker) {
                 return;
             }
@@ -76,7 +77,7 @@ void DebugOutput::Flush()
 std::vector<std::string> DebugOutput::LinesOf(DWORD processId)
 {
     Flush();
-    const std::scoped_lock guard(m_lock);
+    const std::lock_guard guard(m_lock);
     return m_lines[processId];
 }
 
@@ -85,7 +86,7 @@ bool DebugOutput::WaitForLine(DWORD processId, const std::string& text, DWORD li
     const ULONGLONG deadline = GetTickCount() + static_cast<ULONGLONG>(limitMilliseconds);
     for (;;) {
         {
-            const std::scoped_lock guard(m_lock);
+            const std::lock_guard guard(m_lock);
             for (const std::string& line : m_lines[processId]) {
                 if (line.find(text) != std::string::npos) {
                     return true;
@@ -103,7 +104,7 @@ bool DebugOutput::WaitForLine(DWORD processId, const std::string& text, DWORD li
 void DebugOutput::Clear()
 {
     Flush();
-    const std::scoped_lock guard(m_lock);
+    const std::lock_guard guard(m_lock);
     m_lines.clear();
 }
 

@@ -3,12 +3,11 @@
 #include <windows.h>
 
 #include <map>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Handles.h"
+#include "TestThread.h"
 
 /// Reads the debugger output of every process of this session as a debug viewer does. One listener at a time.
 class DebugOutput
@@ -43,11 +42,11 @@ private:
     UniqueHandle m_stop;
     UniqueHandle m_lineArrived;
     const void* m_view = nullptr;
-    std::mutex m_lock;
+    TestLock m_lock;
     std::map<DWORD, std::vector<std::string>> m_lines;
     std::string m_lastMarker;
     unsigned m_markerCount = 0;
-    std::thread m_listener;
+    TestThread m_listener;
 };
 
 /// Switches the installer's trace on for the life of the object and captures this process's lines.

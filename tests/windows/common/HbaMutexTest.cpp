@@ -8,11 +8,11 @@
 #include <chrono>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "HbaApiInt.h"
 #include "HbaLibraryDouble.h"
 #include "LibraryTrace.h"
+#include "TestThread.h"
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -77,7 +77,7 @@ TEST(HbaMutex, AnObjectThatLocksReleasesAtItsEndAndClosesTheMutex)
         EXPECT_TRUE(UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName)));
         const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName));
         DWORD other = WAIT_FAILED;
-        std::thread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+        TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
         EXPECT_EQ(other, static_cast<DWORD>(WAIT_TIMEOUT));
     }
     EXPECT_FALSE(UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName)));
@@ -89,7 +89,7 @@ TEST(HbaMutex, AfterUnlockAnotherThreadMayHaveIt)
     ASSERT_TRUE(mutex.Lock());
     mutex.Unlock();
     bool other = false;
-    std::thread([&] {
+    TestThread([&] {
         CHBAAPIMutex second;
         other = second.Lock();
     }).join();
@@ -109,7 +109,7 @@ TEST(HbaMutex, UnlockingWhatIsNotHeldLeavesAnOuterLockAlone)
     }
     const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName));
     DWORD other = WAIT_FAILED;
-    std::thread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+    TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
     EXPECT_EQ(other, static_cast<DWORD>(WAIT_TIMEOUT));
 }
 
@@ -121,7 +121,7 @@ TEST(HbaMutex, WhatIsHeldIsNotTakenTwiceSoOneUnlockReleasesIt)
     mutex.Unlock();
     const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName));
     DWORD other = WAIT_FAILED;
-    std::thread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+    TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
     EXPECT_EQ(other, static_cast<DWORD>(WAIT_OBJECT_0));
 }
 
@@ -145,7 +145,7 @@ TEST(HbaMutex, AfterAHolderThatEndedWithoutReleasingTheNextOperationFailsAndTheO
     }
     // By another thread: this one could take what it still holds once more.
     DWORD next = WAIT_FAILED;
-    std::thread([&] { next = WaitForSingleObject(kept.get(), 0); }).join();
+    TestThread([&] { next = WaitForSingleObject(kept.get(), 0); }).join();
     EXPECT_EQ(next, static_cast<DWORD>(WAIT_OBJECT_0));
 }
 
@@ -157,7 +157,7 @@ TEST(HbaMutex, OperationsWaitForAnotherProcessThatReleasesInTime)
     const LibraryTrace trace;
     bool initialised = false;
     const UniqueHandle ended(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-    std::thread operation([&] {
+    TestThread operation([&] {
         initialised = hba.InitHBAAPIMod();
         SetEvent(ended.get());
     });
@@ -195,13 +195,13 @@ TEST(HbaMutex, HeldByAnotherProcessForMoreThanTenSecondsOperationsFailAndDeInitG
     bool counted = true;
     bool unloaded = false;
     const auto start = std::chrono::steady_clock::now();
-    std::array<std::thread, 4> threads{
-        std::thread([&] { gotHandle = opened.GetAdapterHandle(L"adapter", handle); }),
-        std::thread([&] { initialised = toInitialise.InitHBAAPIMod(); }),
-        std::thread([&] { counted = opened.GetVportCount(7, count); }),
-        std::thread([&] { unloaded = toUnload.DeInitHBAAPIMod(); }),
+    std::array<TestThread, 4> threads{
+        TestThread([&] { gotHandle = opened.GetAdapterHandle(L"adapter", handle); }),
+        TestThread([&] { initialised = toInitialise.InitHBAAPIMod(); }),
+        TestThread([&] { counted = opened.GetVportCount(7, count); }),
+        TestThread([&] { unloaded = toUnload.DeInitHBAAPIMod(); }),
     };
-    for (std::thread& thread : threads) {
+    for (TestThread& thread : threads) {
         thread.join();
     }
     const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - start;

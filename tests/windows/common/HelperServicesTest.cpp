@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 #include "EntryPoints.h"
@@ -13,6 +12,7 @@
 #include "LibraryTrace.h"
 #include "ServicePolling.h"
 #include "TestFiles.h"
+#include "TestThread.h"
 #include "WmiQuery.h"
 
 using ::testing::ElementsAre;
@@ -235,7 +235,7 @@ TEST(HelperServices, AServiceOnItsWayIsWaitedForAndDoesNotCountAsRunning)
     CHelper helper;
     bool runningOnTheWayUp = true;
     bool runningOnTheWayDown = true;
-    std::thread up([&] {
+    TestThread up([&] {
         WaitForSingleObject(starting.get(), kLongWait);
         runningOnTheWayUp = CHelper().IsServiceRunning(kServiceNordaDCB);
         SetEvent(mayRun.get());
@@ -244,7 +244,7 @@ TEST(HelperServices, AServiceOnItsWayIsWaitedForAndDoesNotCountAsRunning)
     up.join();
     EXPECT_FALSE(runningOnTheWayUp);
     EXPECT_EQ(service.State(), static_cast<DWORD>(SERVICE_RUNNING));
-    std::thread down([&] {
+    TestThread down([&] {
         WaitForSingleObject(stopping.get(), kLongWait);
         runningOnTheWayDown = CHelper().IsServiceRunning(kServiceNordaDCB);
         SetEvent(mayStop.get());

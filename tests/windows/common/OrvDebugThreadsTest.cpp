@@ -5,11 +5,11 @@
 #include <atomic>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "LibraryTrace.h"
 #include "OrvDebug.h"
+#include "TestThread.h"
 #include "TraceFile.h"
 
 TEST(TraceThreads, TenThousandLinesOfEachOfTwoThreadsAreAllWholeAndInOrder)
@@ -21,8 +21,8 @@ TEST(TraceThreads, TenThousandLinesOfEachOfTwoThreadsAreAllWholeAndInOrder)
             file.object.Print("%s %d", name, i);
         }
     };
-    std::thread first(write, "first");
-    std::thread second(write, "second");
+    TestThread first(write, "first");
+    TestThread second(write, "second");
     first.join();
     second.join();
     int nextFirst = 0;
@@ -61,8 +61,8 @@ TEST(TraceThreads, OnlyOneThreadComposesALineAtATime)
             object.PrintCounted();
         }
     };
-    std::thread first(write);
-    std::thread second(write);
+    TestThread first(write);
+    TestThread second(write);
     first.join();
     second.join();
     EXPECT_EQ(object.most, 1);
@@ -73,7 +73,7 @@ TEST(TraceThreads, AnErrorAtLevelTwoLetsNoMessageOfAnotherThreadThrough)
 {
     constexpr int kLines = 2000;
     TraceFile file(2);
-    std::thread messages([&] {
+    TestThread messages([&] {
         for (int i = 0; i < kLines; ++i) {
             file.object.Print("message");
         }
@@ -101,7 +101,7 @@ TEST(TraceException, IsCaughtAndTracedAndTheLockIsFreeAfterwards)
     Throwing object;
     ASSERT_EQ(object.Configure("Kwelpad", directory.At("trace.log").c_str(), 3, 0, 0, nullptr), 0);
     object.PrintAndThrow();
-    std::thread([&] { object.Print("another thread"); }).join();
+    TestThread([&] { object.Print("another thread"); }).join();
     const std::vector<LibraryTraceLine> lines = ReadLibraryTrace(directory.At("trace.log"));
     ASSERT_EQ(lines.size(), 2U);
     EXPECT_EQ(lines[0].message, "COrvDebug::Error - EXCEPTION DURING DEBUG PRINT.");

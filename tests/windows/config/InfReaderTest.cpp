@@ -3,12 +3,11 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include <thread>
-
 #include "DebugOutput.h"
 #include "DriverInstallRecord.h"
 #include "Handles.h"
 #include "ScratchDirectory.h"
+#include "TestThread.h"
 
 using testing::ElementsAre;
 
@@ -284,7 +283,7 @@ TEST_F(UnicodeMark, AReadFailureIsTracedAndIsNotUnicode)
     const std::string pipe = R"(\\.\pipe\morvix-config-)" + std::to_string(GetCurrentProcessId());
     HANDLE server = CreateNamedPipeA(pipe.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 0, 0, 0, nullptr);
     ASSERT_NE(server, INVALID_HANDLE_VALUE);
-    std::thread otherEnd([server] {
+    TestThread otherEnd([server] {
         ConnectNamedPipe(server, nullptr);
         CloseHandle(server);
     });

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <thread>
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
@@ -12,6 +11,7 @@
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
 #include "ScratchDirectory.h"
+#include "TestThread.h"
 
 using testing::ElementsAre;
 using testing::StartsWith;
@@ -64,7 +64,7 @@ TEST(IScsiConfigTool, TheCallReturnsOnlyWhenTheToolHasEnded)
     const UniqueHandle returned(CreateEventA(nullptr, TRUE, FALSE, nullptr));
     DWORD start = WAIT_FAILED;
     DWORD returnBeforeTheEnd = WAIT_FAILED;
-    std::thread whoEndsIt([&] {
+    TestThread whoEndsIt([&] {
         start = WaitForSingleObject(started.get(), 60000);
         // A call that does not wait would be back in that time.
         returnBeforeTheEnd = WaitForSingleObject(returned.get(), 500);
