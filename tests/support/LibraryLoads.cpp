@@ -4,11 +4,10 @@
 #include <utility>
 
 namespace {
-// Read before any test has put something else into the import table.
-const auto platformLoad = &LoadLibraryA;
-const auto platformLoadWide = &LoadLibraryW;
-const auto platformFind = &GetProcAddress;
-const auto platformFree = &FreeLibrary;
+decltype(&LoadLibraryA) platformLoad = nullptr;
+decltype(&LoadLibraryW) platformLoadWide = nullptr;
+decltype(&GetProcAddress) platformFind = nullptr;
+decltype(&FreeLibrary) platformFree = nullptr;
 
 struct Load
 {
@@ -65,10 +64,10 @@ BOOL WINAPI NoteFree(HMODULE library)
 } // namespace
 
 LibraryLoads::LibraryLoads(std::string missingEntry)
-    : m_load("LoadLibraryA", reinterpret_cast<void*>(NoteLoad)),
-      m_loadWide("LoadLibraryW", reinterpret_cast<void*>(NoteLoadWide)),
-      m_find("GetProcAddress", reinterpret_cast<void*>(FindAllButOne)),
-      m_free("FreeLibrary", reinterpret_cast<void*>(NoteFree))
+    : m_load("LoadLibraryA", InPlaceOf(platformLoad, &LoadLibraryA, &NoteLoad)),
+      m_loadWide("LoadLibraryW", InPlaceOf(platformLoadWide, &LoadLibraryW, &NoteLoadWide)),
+      m_find("GetProcAddress", InPlaceOf(platformFind, &GetProcAddress, &FindAllButOne)),
+      m_free("FreeLibrary", InPlaceOf(platformFree, &FreeLibrary, &NoteFree))
 {
     loaded.clear();
     stillLoaded.clear();

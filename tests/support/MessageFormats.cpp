@@ -3,9 +3,8 @@
 #include <algorithm>
 
 namespace {
-// Read before any test has put something else into the import table.
-const auto platformFormat = &FormatMessageA;
-const auto platformFree = &LocalFree;
+decltype(&FormatMessageA) platformFormat = nullptr;
+decltype(&LocalFree) platformFree = nullptr;
 
 std::vector<MessageFormats::Call> calls;
 std::vector<HLOCAL> notFreed;
@@ -33,8 +32,8 @@ HLOCAL WINAPI NoteFree(HLOCAL memory)
 } // namespace
 
 MessageFormats::MessageFormats()
-    : m_format("FormatMessageA", reinterpret_cast<void*>(NoteFormat)),
-      m_free("LocalFree", reinterpret_cast<void*>(NoteFree))
+    : m_format("FormatMessageA", InPlaceOf(platformFormat, &FormatMessageA, &NoteFormat)),
+      m_free("LocalFree", InPlaceOf(platformFree, &LocalFree, &NoteFree))
 {
     calls.clear();
     notFreed.clear();

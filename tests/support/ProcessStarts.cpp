@@ -4,10 +4,9 @@
 #include <cstring>
 
 namespace {
-// Read before any test has put something else into the import table.
-const auto platformWait = &WaitForSingleObject;
-const auto platformWaitOrMessage = &MsgWaitForMultipleObjects;
-const auto platformClose = &CloseHandle;
+decltype(&WaitForSingleObject) platformWait = nullptr;
+decltype(&MsgWaitForMultipleObjects) platformWaitOrMessage = nullptr;
+decltype(&CloseHandle) platformClose = nullptr;
 
 std::vector<ProcessStarts::Start> starts;
 std::vector<DWORD> waitLimits;
@@ -76,9 +75,10 @@ BOOL WINAPI NoteClose(HANDLE handle)
 
 ProcessStarts::ProcessStarts()
     : m_start("CreateProcessA", reinterpret_cast<void*>(NoteStart)),
-      m_wait("WaitForSingleObject", reinterpret_cast<void*>(NoteSingleWait)),
-      m_waitOrMessage("MsgWaitForMultipleObjects", reinterpret_cast<void*>(NoteWaitOrMessage)),
-      m_close("CloseHandle", reinterpret_cast<void*>(NoteClose))
+      m_wait("WaitForSingleObject", InPlaceOf(platformWait, &WaitForSingleObject, &NoteSingleWait)),
+      m_waitOrMessage("MsgWaitForMultipleObjects",
+                      InPlaceOf(platformWaitOrMessage, &MsgWaitForMultipleObjects, &NoteWaitOrMessage)),
+      m_close("CloseHandle", InPlaceOf(platformClose, &CloseHandle, &NoteClose))
 {
     starts.clear();
     waitLimits.clear();
