@@ -6,6 +6,7 @@
 #include "EmulatedSystem.h"
 #include "Environment.h"
 #include "OwnInfs.h"
+#include "RestartWatch.h"
 
 namespace {
 using testing::ElementsAre;
@@ -138,5 +139,21 @@ TEST_F(RestorePoint, IsDoneWithoutWhereTheLibraryLacksTheFunction)
                 ElementsAre("CoInitialize", "Failed to find SRSetRestorePointW.", "Entering BeginRestorePoint",
                             "Exiting BeginRestorePoint"));
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
+}
+
+TEST_F(RestorePoint, IsEndedInARunThatRestartsToo)
+{
+    UseServiceDouble();
+    Folder().Answer("srclient", "Sequence", "4711");
+    const RestartWatch restarts;
+
+    const FinishedRun run = RunMorvix("/s /r");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(restarts.WaitForRefusal());
+    EXPECT_EQ(run.Count("Entering - RestartMachine"), 1u);
+    EXPECT_THAT(Folder().JournalLines("SRSetRestorePointW"),
+                ElementsAre(RestorePointLine("102", "0"), RestorePointLine("103", "4711")));
+    EXPECT_EQ(run.Count("Entering EndRestorePoint"), 1u);
 }
 } // namespace

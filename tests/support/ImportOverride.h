@@ -24,3 +24,14 @@ private:
     ImportSlot m_slot;
     void* m_before;
 };
+
+/// The replacement of a function that lets calls through.
+/// @param before    Receives where the program's calls of `function` go now, for the replacement's use.
+/// @param function  The function as the program calls it; that it is named here makes the program import it.
+/// @return the replacement's address, for an ImportOverride.
+template <class Function>
+[[nodiscard]] void* InPlaceOf(Function& before, Function function, Function replacement)
+{
+    before = function;
+    return reinterpret_cast<void*>(replacement);
+}

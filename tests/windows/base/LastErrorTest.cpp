@@ -5,8 +5,10 @@
 #include <windows.h>
 
 #include "DebugOutput.h"
+#include "MessageFormats.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 std::string SystemText(DWORD error)
@@ -33,4 +35,23 @@ TEST(LastError, UnknownErrorNumberIsTracedAsAnEmptyText)
     SetLastError(0x2FFFFFFF);
     PrintGetLastErrorMessage();
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering - PrintGetLastErrorMessage", ""));
+}
+
+TEST(LastError, TextIsTheSystemsWithoutInsertsInTheUsersLanguageAndIsFreed)
+{
+    const MessageFormats formats;
+    SetLastError(ERROR_BAD_EXE_FORMAT);
+    PrintGetLastErrorMessage();
+    EXPECT_THAT(formats.Calls(), ElementsAre(MessageFormats::Call{
+                                     .flags = 0x1300, .message = ERROR_BAD_EXE_FORMAT, .language = 0x400, .size = 0}));
+    EXPECT_EQ(1U, formats.Allocated());
+    EXPECT_EQ(1U, formats.Freed());
+}
+
+TEST(LastError, TextWithAnInsertIsTracedWithTheInsertAsItStands)
+{
+    TraceCapture trace;
+    SetLastError(ERROR_BAD_EXE_FORMAT);
+    PrintGetLastErrorMessage();
+    EXPECT_THAT(trace.Messages().back(), HasSubstr("%1"));
 }

@@ -10,6 +10,7 @@
 
 #include "DebugOutput.h"
 #include "ImportOverride.h"
+#include "ProcessStarts.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
@@ -196,4 +197,24 @@ TEST(ProcessLaunch, NoUninstallerYieldsZeroAndItsTrace)
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering - DoUninstall", "uninstall app: " + SystemFile("Tavunstl.exe") + "\n",
                             "unable to find uninstall app\n"));
+}
+
+TEST(ProcessLaunch, ProgramsAreStartedPlainlyAndWaitedForWithoutALimit)
+{
+    for (int (*launch)(std::string) : {&LaunchAppandWait, &UninstallAppandWait}) {
+        const ProcessStarts starts;
+        EXPECT_EQ(0, launch("program.exe one two"));
+        ASSERT_EQ(1U, starts.Starts().size());
+        const ProcessStarts::Start& start = starts.Starts()[0];
+        EXPECT_EQ("program.exe one two", start.commandLine);
+        EXPECT_FALSE(start.namesTheProgram) << "the command line alone names it";
+        EXPECT_FALSE(start.hasSecurity);
+        EXPECT_FALSE(start.inherits);
+        EXPECT_EQ(0U, start.flags);
+        EXPECT_FALSE(start.hasEnvironment) << "it runs in the caller's environment";
+        EXPECT_FALSE(start.hasDirectory) << "and in the caller's current directory";
+        EXPECT_TRUE(start.recordIsPlain);
+        EXPECT_THAT(starts.WaitLimits(), ElementsAre(DWORD{INFINITE}));
+        EXPECT_EQ(0U, starts.OpenHandles()) << "the process's and the thread's";
+    }
 }

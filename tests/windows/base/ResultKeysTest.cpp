@@ -9,6 +9,7 @@
 
 #include "DebugOutput.h"
 #include "ImportOverride.h"
+#include "RegistryAccess.h"
 #include "RegistryKeys.h"
 #include "RunState.h"
 
@@ -190,4 +191,14 @@ TEST_F(ResultKeys, DeletingRebootNeededLeavesOtherValuesAlone)
     DeleteRebootNeeded();
     EXPECT_EQ("<none>", Text("RebootNeeded"));
     EXPECT_EQ("SUCCESS", Text("Install"));
+}
+
+TEST_F(ResultKeys, RebootNeededIsSetAndDeletedThroughAKeyOpenedWithFullAccess)
+{
+    CreateRegistryKey(kBasedriversKey);
+    const RegistryAccess access;
+    SetRebootNeeded();
+    EXPECT_THAT(RegistryAccess::AskedFor(kBasedriversKey), ElementsAre(REGSAM{KEY_ALL_ACCESS}));
+    DeleteRebootNeeded();
+    EXPECT_THAT(RegistryAccess::AskedFor(kBasedriversKey), ElementsAre(REGSAM{KEY_ALL_ACCESS}, REGSAM{KEY_ALL_ACCESS}));
 }

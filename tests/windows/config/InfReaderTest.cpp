@@ -6,6 +6,8 @@
 #include "DebugOutput.h"
 #include "DriverInstallRecord.h"
 #include "Handles.h"
+#include "ImportOverride.h"
+#include "LangString.h"
 #include "ScratchDirectory.h"
 #include "TestThread.h"
 
@@ -292,4 +294,99 @@ TEST_F(UnicodeMark, AReadFailureIsTracedAndIsNotUnicode)
     otherEnd.join();
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering - IsFileUnicode", "unable to read from file\n", "file is not Unicode\n"));
+}
+
+namespace {
+decltype(&WideCharToMultiByte) platformNarrow = nullptr;
+
+struct TextBlockRequest
+{
+    HMODULE module = nullptr;
+    ULONG_PTR type = 0;
+    ULONG_PTR block = 0;
+    WORD language = 0;
+};
+std::vector<TextBlockRequest> textBlockRequests;
+std::vector<std::wstring> narrowed;
+
+// A block of sixteen texts, each the number of its place.
+constexpr std::wstring_view kNumberedTexts(
+    L"\x01"
+    L"0\x01"
+    L"1\x01"
+    L"2\x01"
+    L"3\x01"
+    L"4\x01"
+    L"5\x01"
+    L"6\x01"
+    L"7\x01"
+    L"8\x01"
+    L"9\x01"
+    L"A\x01"
+    L"B\x01"
+    L"C\x01"
+    L"D\x01"
+    L"E\x01"
+    L"F");
+
+HRSRC WINAPI FindTextBlock(HMODULE module, LPCSTR type, LPCSTR block, WORD language)
+{
+    textBlockRequests.push_back(
+        {module, reinterpret_cast<ULONG_PTR>(type), reinterpret_cast<ULONG_PTR>(block), language});
+    return reinterpret_cast<HRSRC>(&textBlockRequests);
+}
+
+HGLOBAL WINAPI LoadTextBlock(HMODULE, HRSRC block)
+{
+    return block;
+}
+
+LPVOID WINAPI LockTextBlock(HGLOBAL)
+{
+    return const_cast<wchar_t*>(kNumberedTexts.data());
+}
+
+DWORD WINAPI SizeOfTextBlock(HMODULE, HRSRC)
+{
+    return static_cast<DWORD>(kNumberedTexts.size() * sizeof(wchar_t));
+}
+
+int WINAPI NoteNarrowing(UINT codePage, DWORD flags, LPCWCH text, int chars, LPSTR target, int bytes, LPCCH other,
+                         LPBOOL usedOther)
+{
+    narrowed.emplace_back(text);
+    return platformNarrow(codePage, flags, text, chars, target, bytes, other, usedOther);
+}
+} // namespace
+
+TEST_F(InfReader, EveryCallLoadsText17InTheRunsLanguage)
+{
+    WriteInf("%D%=I, PCI\\VEN_1", "D=One");
+    textBlockRequests.clear();
+    narrowed.clear();
+    resourceModule = GetModuleHandleA(nullptr);
+    runLanguageId = 1036;
+    {
+        const ImportOverride find("FindResourceExA", reinterpret_cast<void*>(FindTextBlock));
+        const ImportOverride load("LoadResource", reinterpret_cast<void*>(LoadTextBlock));
+        const ImportOverride lock("LockResource", reinterpret_cast<void*>(LockTextBlock));
+        const ImportOverride size("SizeofResource", reinterpret_cast<void*>(SizeOfTextBlock));
+        const ImportOverride narrow("WideCharToMultiByte",
+                                    InPlaceOf(platformNarrow, &WideCharToMultiByte, &NoteNarrowing));
+        EXPECT_EQ(Parse("VEN_1"), 1);
+        EXPECT_EQ(Parse("VEN_2"), 0);
+        EXPECT_EQ(Parse("VEN_1", nullptr), 0) << "without a section there is no look-up and no text";
+    }
+    resourceModule = nullptr;
+    runLanguageId = 1033;
+    // Texts 16 to 31 are the second block.
+    EXPECT_THAT(narrowed, ElementsAre(L"1", L"1"));
+    ASSERT_EQ(textBlockRequests.size(), 2U);
+    for (const TextBlockRequest& request : textBlockRequests) {
+        EXPECT_EQ(request.module, GetModuleHandleA(nullptr));
+        EXPECT_EQ(request.type, 6U);
+        EXPECT_EQ(request.block, 2U);
+        EXPECT_EQ(request.language, 1036);
+    }
+    EXPECT_EQ(Description(), "One") << "the text itself is not used";
 }

@@ -13,6 +13,7 @@
 #include "Handles.h"
 #include "ImportOverride.h"
 #include "InfFiles.h"
+#include "LibraryLoads.h"
 #include "ScratchDirectory.h"
 #include "StoredInfs.h"
 #include "SystemText.h"
@@ -190,4 +191,12 @@ TEST_F(InfStore, HandsOverThePathTypeTheStyleAndABufferOf260)
     EXPECT_FALSE(lastCopy.asksForTheFileName);
     EXPECT_THAT(trace.Messages(),
                 Contains(R"(SetupCopyOEMInfA completed successfully - inf=C:\Drv\tav1.inf, oem INF= C:\oem7.inf)"));
+}
+
+TEST_F(InfStore, ALibraryWithoutTheFunctionIsFreedAgain)
+{
+    const LibraryLoads loads("SetupCopyOEMInfA");
+    EXPECT_EQ(SetupCopyInf(R"(C:\Drv\tav1.inf)", "C:\\Drv\\"), 0);
+    EXPECT_THAT(loads.Loaded(), ElementsAre("SetupApi.dll"));
+    EXPECT_THAT(loads.StillLoaded(), SizeIs(0));
 }

@@ -10,6 +10,7 @@
 #include "DebugOutput.h"
 #include "ImportOverride.h"
 #include "LanguageTable.h"
+#include "LibraryLoads.h"
 
 using testing::ElementsAre;
 
@@ -83,4 +84,12 @@ TEST(GetOSLanguageID, WithoutTheEntryPointNoLanguageIsSupported)
     EXPECT_EQ(std::string(code.data()), "");
     EXPECT_EQ(GetOSLanguageID(nullptr, 0), 0);
     EXPECT_EQ(GetOSLanguageID(code.data(), 3), 0xFFFF);
+}
+
+TEST(GetOSLanguageID, ALibraryWithoutTheEntryPointIsFreedAgain)
+{
+    const LibraryLoads loads("GetSystemDefaultLangID");
+    EXPECT_EQ(GetOSLanguageID(nullptr, 0), 0);
+    EXPECT_THAT(loads.Loaded(), ElementsAre("Kernel32.dll"));
+    EXPECT_TRUE(loads.StillLoaded().empty());
 }

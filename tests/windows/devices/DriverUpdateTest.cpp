@@ -9,6 +9,7 @@
 #include "ConstantLibrary.h"
 #include "DeviceFixtures.h"
 #include "HelperPrograms.h"
+#include "LibraryLoads.h"
 #include "TestFiles.h"
 
 using testing::ElementsAre;
@@ -283,5 +284,23 @@ TEST(ScanForHardwareChanges, OnlyAScanThatWasStartedIsAnsweredWithOne)
                       Exports{{"CM_Locate_DevNodeA", row.locate}, {"CM_Reenumerate_DevNode", row.reenumerate}});
         EXPECT_EQ(answer.result, row.result) << row.locate << ' ' << row.reenumerate;
         EXPECT_THAT(answer.lines, ElementsAre("Morvix: ScanForHardwareChanges()\n"));
+    }
+}
+
+TEST(UpdateDriver, ALibraryWithoutTheEntryPointIsFreedAgain)
+{
+    const LibraryLoads loads("UpdateDriverForPlugAndPlayDevicesA");
+    EXPECT_EQ(UpdateDriver(kUpdatedInf, kUpdatedId), 0U);
+    EXPECT_THAT(loads.Loaded(), ElementsAre("newdev.dll"));
+    EXPECT_THAT(loads.StillLoaded(), IsEmpty());
+}
+
+TEST(ScanForHardwareChanges, ALibraryWithoutOneOfTheEntryPointsIsFreedAgain)
+{
+    for (const char* const missing : {"CM_Locate_DevNodeA", "CM_Reenumerate_DevNode"}) {
+        const LibraryLoads loads(missing);
+        EXPECT_EQ(ScanForHardwareChanges(), 0) << missing;
+        EXPECT_THAT(loads.Loaded(), ElementsAre("cfgmgr32.dll")) << missing;
+        EXPECT_THAT(loads.StillLoaded(), IsEmpty()) << missing;
     }
 }

@@ -12,6 +12,7 @@
 #include "DebugOutput.h"
 #include "ImportOverride.h"
 #include "LibraryDouble.h"
+#include "RegistryAccess.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -295,4 +296,35 @@ TEST_F(FcoeBootPorts, AdapterWhosePropertiesFailIsClosedAndTheNextAsked)
     Append(expected, Questions("{B}", "12"));
     EXPECT_EQ(library.TakeJournal(), expected);
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
+}
+
+TEST_F(FcoeBootPorts, FlagsThatAFailedCallLeavesCount)
+{
+    const RegistryAdapter adapter(kFirst, "9001", "{A}");
+    for (const char* flags : {"1", "2"}) {
+        const LibraryDouble library = HbaLibrary();
+        library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
+        library.Answer("Flags", flags);
+        EXPECT_TRUE(AreFCoEBootEnabledPortsPresent()) << flags;
+        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit)) << flags;
+        EXPECT_EQ(library.TakeJournal(), Questions("{A}", "7")) << flags;
+    }
+}
+
+TEST_F(FcoeBootPorts, DriverKeyOf260BytesIsReadWholeAndOneOf261IsNotRead)
+{
+    const RegistryAdapter adapter(kFirst, std::nullopt, std::nullopt);
+    const std::string start = std::string(kNetworkClass) + "\\";
+    for (const std::size_t bytes : {259U, 260U, 261U}) {
+        // No such key is there: that it is looked for shows what was read.
+        const std::string driverKey = start + std::string(bytes - 1 - start.size(), 'd');
+        SetRegistryText(adapter.Instance(), "Driver", driverKey);
+        const RegistryAccess access;
+        EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+        const bool isRead = bytes <= 260;
+        EXPECT_THAT(Messages(), ElementsAre(kEntry, isRead ? kNoInstanceId : kNoDriverKey, kExhausted, kExit)) << bytes;
+        EXPECT_EQ(access.AskedFor(R"(SYSTEM\CurrentControlSet\Control\Class\)" + driverKey),
+                  std::vector<REGSAM>(isRead ? 1 : 0, KEY_READ))
+            << bytes;
+    }
 }

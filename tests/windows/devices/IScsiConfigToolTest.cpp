@@ -10,6 +10,7 @@
 #include "Handles.h"
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
+#include "ProcessStarts.h"
 #include "ScratchDirectory.h"
 #include "TestThread.h"
 
@@ -134,4 +135,13 @@ TEST(IScsiConfigTool, IsStartedWithoutAWindowAndInheritsNothing)
     EXPECT_EQ(lastStart.flags, DWORD{CREATE_NO_WINDOW});
     EXPECT_FALSE(lastStart.hasEnvironment) << "it runs in the program's own environment";
     EXPECT_FALSE(lastStart.hasDirectory) << "and in its current directory";
+}
+
+TEST(IScsiConfigTool, IsWaitedForWithoutALimit)
+{
+    const ProcessStarts starts;
+    CalliSCSIConfigExe();
+    ASSERT_EQ(starts.Starts().size(), 1U);
+    EXPECT_THAT(starts.WaitLimits(), ElementsAre(DWORD{INFINITE}));
+    EXPECT_EQ(starts.OpenHandles(), 0U) << "the process's and the thread's";
 }

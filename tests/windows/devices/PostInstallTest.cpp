@@ -12,6 +12,7 @@
 #include "DevicePassState.h"
 #include "DriverFamilies.h"
 #include "Handles.h"
+#include "ImportOverride.h"
 #include "ResultKeys.h"
 #include "RunState.h"
 #include "TestFiles.h"
@@ -343,4 +344,31 @@ TEST_F(PostInstall, ATargetThatRefusesTheCopyIsLeftAndNotRegistered)
     }
     EXPECT_EQ(ReadFileBytes(SystemPath("Morvix.din")), "old");
     EXPECT_FALSE(RegistryKeyExists(kDinsKey));
+}
+
+namespace {
+struct AttributeRequest
+{
+    std::string file;
+    DWORD attributes = 0;
+    bool operator==(const AttributeRequest&) const = default;
+};
+std::vector<AttributeRequest> attributeRequests;
+
+BOOL WINAPI NoteAttributes(LPCSTR file, DWORD attributes)
+{
+    attributeRequests.push_back({file, attributes});
+    return TRUE;
+}
+} // namespace
+
+TEST_F(PostInstall, TheUninstallDataFilesAttributesBecomeNormalAndNothingElse)
+{
+    WriteFileBytes(m_kit.Directory().At("Morvix.din"), "uninstall data");
+    attributeRequests.clear();
+    {
+        const ImportOverride note("SetFileAttributesA", reinterpret_cast<void*>(NoteAttributes));
+        UpdateTavunstRegistry();
+    }
+    EXPECT_THAT(attributeRequests, ElementsAre(AttributeRequest{SystemPath("Morvix.din"), 128}));
 }

@@ -7,8 +7,11 @@
 #include <cstring>
 
 #include "AdapterDevices.h"
+#include "CallCount.h"
 #include "FileOpens.h"
 #include "Handles.h"
+#include "ImportOverride.h"
+#include "MemoryShortage.h"
 
 namespace {
 constexpr uint32_t kUnsuccessful = 0xC0000001;
@@ -249,4 +252,63 @@ TEST_F(PrivateRequests, DevicesAreOpenedWithTheirAccessSharingAndFlags)
                                                                     .sharing = FILE_SHARE_READ,
                                                                     .disposition = OPEN_EXISTING,
                                                                     .flags = FILE_ATTRIBUTE_READONLY}));
+}
+
+namespace {
+struct DeviceRequest
+{
+    DWORD code = 0;
+    DWORD inputBytes = 0;
+    DWORD outputBytes = 0;
+    bool oneBuffer = false;
+    bool operator==(const DeviceRequest&) const = default;
+};
+std::vector<DeviceRequest> deviceRequests;
+decltype(&DeviceIoControl) platformRequest = nullptr;
+
+BOOL WINAPI NoteRequest(HANDLE device, DWORD code, LPVOID input, DWORD inputBytes, LPVOID output, DWORD outputBytes,
+                        LPDWORD returned, LPOVERLAPPED overlapped)
+{
+    deviceRequests.push_back({code, inputBytes, outputBytes, input == output});
+    return platformRequest(device, code, input, inputBytes, output, outputBytes, returned, overlapped);
+}
+} // namespace
+
+TEST_F(PrivateRequests, DeviceIsAskedForItsNameWith252BytesAndPrivatelyWithOneBufferForQuestionAndAnswer)
+{
+    deviceRequests.clear();
+    const ImportOverride note("DeviceIoControl", InPlaceOf(platformRequest, &DeviceIoControl, &NoteRequest));
+    const UniqueFile device(OpenPrivateDevice(adapter.Get()));
+    ASSERT_TRUE(device.IsOpen());
+    EXPECT_THAT(deviceRequests, testing::ElementsAre(DeviceRequest{0x00170002, 4, 252, false}));
+    for (const uint32_t dataBytes : {0U, 4U, 100U}) {
+        deviceRequests.clear();
+        std::array<char, 100> data{};
+        EXPECT_EQ(Ask(device.Get(), 1, data.data(), dataBytes).status, 0U);
+        EXPECT_THAT(deviceRequests,
+                    testing::ElementsAre(DeviceRequest{0x00172800, dataBytes + 12, dataBytes + 12, true}));
+    }
+}
+
+TEST_F(PrivateRequests, RequestThatCannotBeAllocatedIsUnsuccessfulWithError8AndNotSent)
+{
+    constexpr uint32_t kBytes = 100000;
+    const UniqueFile device(OpenPrivateDevice(adapter.Get()));
+    ASSERT_TRUE(device.IsOpen());
+    std::string data(kBytes, 'd');
+    const std::string before = data;
+    const CallCount requests("DeviceIoControl");
+    {
+        // The data has 12 bytes less than the request.
+        const MemoryShortage shortage(kBytes + 12);
+        const Query query = Ask(device.Get(), 1, data.data(), kBytes);
+        EXPECT_EQ(query.status, kUnsuccessful);
+        EXPECT_EQ(query.error, 8U);
+        EXPECT_EQ(query.lastError, 8U);
+        EXPECT_EQ(query.bytesReturned, 0U);
+        EXPECT_EQ(query.bytesNeeded, 0U);
+    }
+    EXPECT_EQ(requests.Calls(), 0U);
+    EXPECT_EQ(data, before);
+    EXPECT_EQ(Ask(device.Get(), 1, data.data(), kBytes).status, 0U) << "the shortage was the reason";
 }

@@ -8,6 +8,7 @@
 
 #include "DebugOutput.h"
 #include "ImportOverride.h"
+#include "LibraryLoads.h"
 #include "RegistryKeys.h"
 #include "RunOptions.h"
 #include "RunState.h"
@@ -169,4 +170,15 @@ TEST(InstallRun, AFinishedRunLeavesNeitherComNorTheRestorePointLibrary)
     // S_FALSE would say that this thread still had COM.
     EXPECT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     CoUninitialize();
+}
+
+TEST(InstallRun, ARestorePointLibraryWithoutItsFunctionIsFreedAtTheEnd)
+{
+    DriverInstallRecord record = RecordWithoutAFlow();
+    TraceCapture trace;
+    const LibraryLoads loads("SRSetRestorePointW");
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_THAT(loads.Loaded(), ElementsAre("srclient.dll"));
+    EXPECT_TRUE(loads.StillLoaded().empty());
+    EXPECT_THAT(trace.Messages(), Contains("Failed to find SRSetRestorePointW."));
 }

@@ -6,6 +6,7 @@
 
 #include "DebugOutput.h"
 #include "DriverInstallRecord.h"
+#include "LibraryLoads.h"
 #include "LocationInfo.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
@@ -49,4 +50,15 @@ TEST_F(NetInstLibrary, LibraryWithoutTheExportIsAFailure)
     uint32_t status = 0;
     EXPECT_EQ(nullptr, CreateSysProber(status));
     EXPECT_EQ(0x8007007F, status); // ERROR_PROC_NOT_FOUND
+}
+
+TEST_F(NetInstLibrary, LibraryWithoutTheExportIsFreedAgain)
+{
+    CopyFileTo(TestFile("versioned_file.dll"), m_scratch.At("NetInst.dll"));
+    const LibraryLoads loads("DllGetClassFactoryObject");
+    uint32_t status = 0;
+    EXPECT_EQ(nullptr, CreateSysProber(status));
+    EXPECT_EQ(nullptr, CreateDriverInstall(&m_record, status));
+    EXPECT_THAT(loads.Loaded(), ElementsAre(m_scratch.At("NetInst.dll"), m_scratch.At("NetInst.dll")));
+    EXPECT_TRUE(loads.StillLoaded().empty());
 }

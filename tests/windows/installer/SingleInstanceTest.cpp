@@ -6,6 +6,8 @@
 
 #include "DebugOutput.h"
 #include "Handles.h"
+#include "ImportOverride.h"
+#include "TestThread.h"
 
 using testing::ElementsAre;
 
@@ -37,4 +39,45 @@ TEST(SingleInstance, ManagementSoftwareDoesNotStopARunOnCurrentSystems)
 {
     const UniqueHandle running(CreateMutexA(nullptr, FALSE, "TaviskMutex"));
     EXPECT_EQ(0, PreviousInstanceRunning("MorvixTestThird"));
+}
+
+namespace {
+decltype(&CreateMutexA) platformCreate = nullptr;
+
+struct MutexRequest
+{
+    std::string name;
+    bool hasSecurity = true;
+    BOOL owned = FALSE;
+    bool operator==(const MutexRequest&) const = default;
+};
+std::vector<MutexRequest> mutexRequests;
+
+// The mutex that is made has no name, so that nothing is left of it: the run's own is never closed.
+HANDLE WINAPI NoteMutex(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
+{
+    mutexRequests.push_back({name, security != nullptr, owned});
+    const HANDLE mutex = platformCreate(nullptr, FALSE, nullptr);
+    SetLastError(ERROR_SUCCESS);
+    return mutex;
+}
+} // namespace
+
+TEST(SingleInstance, BothMutexesAreAskedForOwned)
+{
+    mutexRequests.clear();
+    const ImportOverride note("CreateMutexA", InPlaceOf(platformCreate, &CreateMutexA, &NoteMutex));
+    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTestFourth"));
+    EXPECT_EQ(0, IsTaviskActive());
+    EXPECT_THAT(mutexRequests,
+                ElementsAre(MutexRequest{"MorvixTestFourth", false, TRUE}, MutexRequest{"TaviskMutex", false, TRUE}));
+}
+
+TEST(SingleInstance, RunsMutexBelongsToTheThreadThatAskedForIt)
+{
+    ASSERT_EQ(0, PreviousInstanceRunning("MorvixTestFifth"));
+    const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, "MorvixTestFifth"));
+    DWORD other = WAIT_FAILED;
+    TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+    EXPECT_EQ(DWORD{WAIT_TIMEOUT}, other);
 }

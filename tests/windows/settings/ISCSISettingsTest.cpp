@@ -228,3 +228,42 @@ TEST(FcoeSettings, OneLunOutOfRangeMakesTheListInvalidAndIsTracedOnce)
                                                   "Leaving CFcoeSupport::IsLunValid(), return value - 0"));
     }
 }
+
+namespace {
+/// An address as it may be written, and how the checks see its first octet.
+struct AddressForm
+{
+    const char* text;
+    bool isMachine;
+    bool isGateway;
+};
+} // namespace
+
+TEST(ISCSISettings, AddressesMayHaveFewerPartsAndOtherBases)
+{
+    // One number is the whole address; a last part takes the octets that are left; 0x is hexadecimal, 0 is octal.
+    for (const AddressForm& form : {
+             AddressForm{"10", false, true},           // 0.0.0.10
+             AddressForm{"167837955", true, true},     // 10.1.1.3
+             AddressForm{"4026531841", false, false},  // 240.0.0.1
+             AddressForm{"10.1", true, true},          // 10.0.0.1
+             AddressForm{"10.1.2", true, true},        // 10.1.0.2
+             AddressForm{"10.65536", true, true},      // 10.1.0.0
+             AddressForm{"10.1.65535", true, true},    // 10.1.255.255
+             AddressForm{"0xA.0.0.1", true, true},     // 10.0.0.1
+             AddressForm{"0XDF.0.0.1", true, true},    // 223.0.0.1
+             AddressForm{"0xE0.0.0.1", false, false},  // 224.0.0.1
+             AddressForm{"012.0.0.1", true, true},     // 10.0.0.1
+             AddressForm{"0337.0.0.1", true, true},    // 223.0.0.1
+             AddressForm{"0340.0.0.1", false, false},  // 224.0.0.1
+             AddressForm{"10.1.65536", false, false},  // no address
+             AddressForm{"10.16777216", false, false}, // no address
+         }) {
+        EXPECT_EQ(CheckInitiatorOrTarget(form.text).valid, form.isMachine) << form.text;
+        EXPECT_EQ(CheckGateway(form.text).valid, form.isGateway) << form.text;
+    }
+    ExpectAccepted(CheckMask("0xFFFFFF00"), kMask);
+    ExpectAccepted(CheckMask("255.255.65280"), kMask);
+    ExpectAccepted(CheckMask("4294967040"), kMask);
+    ExpectRejected(CheckMask("255"), kMask, kMaskOctet);
+}

@@ -7,6 +7,7 @@
 
 #include "HandleCount.h"
 #include "ISCSIMachine.h"
+#include "LibraryLoads.h"
 
 using testing::ElementsAre;
 
@@ -83,4 +84,13 @@ TEST(ISCSISupported, ThousandCallsLeaveNoHandleOpen)
         static_cast<void>(Ask(kServer2008R2, false));
     }
     EXPECT_EQ(CountOwnHandles(), before);
+}
+
+TEST(ISCSISupported, ALibraryWithoutTheEntryPointIsFreedAgain)
+{
+    const InitiatorLibrary library("6", "1", "6000");
+    const LibraryLoads loads("GetIScsiVersionInformation");
+    EXPECT_FALSE(kServer2008R2.isTheiSCSIPatchInstalled());
+    EXPECT_THAT(loads.Loaded(), ElementsAre("iscsidsc.dll"));
+    EXPECT_TRUE(loads.StillLoaded().empty());
 }
