@@ -44,7 +44,7 @@ void InstallInstances(HKEY deviceKey, const std::string& keyPath, const std::str
             return;
         }
         if (status == ERROR_SUCCESS) {
-            InstallInstance(CutToPathLimit(keyPath + "\\" + name.data()), commandLine);
+            InstallInstance(CutToPathLimit(keyPath + "\\" + name.data(), IsSystemLeadByte), commandLine);
         }
     }
 }
@@ -53,12 +53,12 @@ void InstallInstances(HKEY deviceKey, const std::string& keyPath, const std::str
 int Win98Install(const std::string& infPath, const std::string& hardwareId)
 {
     Trace("Enter -> Win98Install");
-    SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName).c_str());
+    SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName, IsSystemLeadByte).c_str());
     const std::string matchedId(TextIn(matchedHardwareId));
     Trace("g_98key: ", matchedId, "\n");
-    const std::string commandLine = LegacyCommandLine(matchedId, infPath);
+    const std::string commandLine = LegacyCommandLine(matchedId, infPath, IsSystemLeadByte);
 
-    const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId);
+    const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId, IsSystemLeadByte);
     Trace("opening registry key to enumerate: ", keyPath, "\n");
     if (const UniqueRegKey deviceKey = OpenMachineKey(keyPath, KEY_ENUMERATE_SUB_KEYS)) {
         InstallInstances(deviceKey.get(), keyPath, commandLine);

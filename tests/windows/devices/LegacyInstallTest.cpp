@@ -10,6 +10,7 @@
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
 #include "InfReader.h"
+#include "JapaneseCodePage.h"
 #include "RegistryAccess.h"
 
 using testing::ElementsAre;
@@ -92,6 +93,14 @@ TEST_F(LegacyInstall, TheInstancePathStaysInTheRegistryAsExpandableText)
 TEST_F(LegacyInstall, TheProgramsDirectoryStaysTheCurrentDirectory)
 {
     ASSERT_NE(CurrentDirectory(), m_kit.Directory().Path());
+    EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    EXPECT_EQ(CurrentDirectory(), m_kit.Directory().Path());
+}
+
+TEST_F(LegacyInstall, ASecondByteThatLooksLikeABackslashDoesNotEndTheProgramsDirectory)
+{
+    const JapaneseCodePage japanese;
+    LocationInfo.programName = m_kit.Directory().At(kJapaneseLetter) + ".exe";
     EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
     EXPECT_EQ(CurrentDirectory(), m_kit.Directory().Path());
 }
