@@ -24,11 +24,9 @@ void InstallInstance(const std::string& instancePath, const std::string& command
     }
     const UniqueRegKey key(opened);
     Trace("setting RegPCIpath: ", instancePath, "\n");
-    // The helper would install the instance that the value named before.
-    if (RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
-                       static_cast<DWORD>(instancePath.size() + 1)) != ERROR_SUCCESS) {
-        return;
-    }
+    // Only the key is a condition: the helper runs also after a write that failed.
+    RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
+                   static_cast<DWORD>(instancePath.size() + 1));
     LaunchAppandWait(commandLine);
 }
 
