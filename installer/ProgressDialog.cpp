@@ -20,6 +20,7 @@
 #include "RunOptions.h"
 #include "RunState.h"
 #include "SentMessages.h"
+#include "ThreadLanguage.h"
 #include "Trace.h"
 #include "UnhandledFault.h"
 
@@ -250,6 +251,13 @@ INT_PTR OnClose(HWND dialog)
     return 0;
 }
 } // namespace
+
+HWND CreateProgressDialog(HWND owner)
+{
+    // The texts are loaded in the language of the run; the template is picked by the thread's.
+    const ThreadLanguage language(runLanguageId);
+    return CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
+}
 
 void WaitForInstallThread()
 {
