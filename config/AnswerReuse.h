@@ -11,7 +11,8 @@
 /// files. Without an AnswerReuse object every reading asks the platform. All of it belongs to the install thread.
 
 /// While an object of this type lives, a question about a file that was asked before is answered as the platform
-/// answered it then, unless the file's size or write time has changed since. With the object the answers go.
+/// answered it then, unless the file's size or write time has changed since, or the answer was nothing or only the
+/// default and another device has begun. Destroying it discards the answers.
 class AnswerReuse
 {
 public:
@@ -19,6 +20,9 @@ public:
     ~AnswerReuse();
     AnswerReuse(const AnswerReuse&) = delete;
     AnswerReuse& operator=(const AnswerReuse&) = delete;
+
+    /// From here on another device is searched for.
+    void BeginDevice() { m_answers.BeginDevice(); }
 
 private:
     FileAnswers m_answers;

@@ -15,7 +15,9 @@
 #include "ModelSection.h"
 
 /// What the platform has answered about INF files and the setup INI, kept so that the same question need not be asked
-/// again. An answer belongs to a file of one size and one write time.
+/// again. An answer belongs to a file of one size and one write time. One that a failed call would give as well
+/// (nothing, or the question's default text) also belongs to one device: the file may be readable again for the next
+/// one.
 
 struct FileStamp
 {
@@ -43,7 +45,7 @@ public:
 
     friend bool operator==(const ProfileAnswer&, const ProfileAnswer&) = default;
 
-    /// @return false for nothing and for the question's own default text: a call that failed answers no more.
+    /// @return false for nothing and for the question's own default text: a call that failed returns the same.
     [[nodiscard]] bool TellsOfTheFile(std::string_view defaultText) const
     {
         return m_count != 0 && m_text != defaultText;
@@ -64,26 +66,31 @@ class AnswersAboutFile
 public:
     AnswersAboutFile(const FileStamp& stamp, bool isUtf16) : m_stamp(stamp), m_isUtf16(isUtf16) {}
 
+    /// @param device  Number of the device that the questions are asked for from here on.
+    void AskFor(uint64_t device) { m_device = device; }
+
     [[nodiscard]] const FileStamp& Stamp() const { return m_stamp; }
     /// @return true when the file begins with the little-endian UTF-16 mark.
     [[nodiscard]] bool IsUtf16() const { return m_isUtf16; }
 
-    /// @param ask  Called for the answer when it is not known: the first time, and the second time too when the first
-    ///             answer may be that of a call that failed. One failure must not cost all later devices and passes.
+    /// @param ask  Called for the answer when it is not known. An answer that may be that of a failed call is known
+    /// only
+    ///             when it came twice in a row, and only to the device that it was given for last: one failure costs
+    ///             one pass of one device, and failures that go on cost that device alone.
     /// @return the answer, valid until the next call.
     template <class Ask>
     const ProfileAnswer& AnswerTo(const ProfileQuestion& question, Ask ask)
     {
         const QuestionView view = ViewOf(question);
         const auto found = m_answers.find(view);
-        if (found != m_answers.end() && found->second.isSure) {
+        if (found != m_answers.end() && IsKnown(found->second)) {
             return found->second.answer;
         }
         ProfileAnswer answer = ask();
-        const bool isSure =
-            answer.TellsOfTheFile(question.defaultText) || (found != m_answers.end() && found->second.answer == answer);
-        Kept<ProfileAnswer> kept{.answer = std::move(answer), .isSure = isSure};
-        return m_answers.insert_or_assign(KeptQuestion(view), std::move(kept)).first->second.answer;
+        const bool cameTwice = found != m_answers.end() && found->second.answer == answer;
+        const bool tells = answer.TellsOfTheFile(question.defaultText);
+        return m_answers.insert_or_assign(KeptQuestion(view), KeptNow(std::move(answer), tells, cameTwice))
+            .first->second.answer;
     }
 
     /// The same for a model section of an INF, which lives as long as somebody holds it.
@@ -91,12 +98,13 @@ public:
     std::shared_ptr<const ModelSection> ModelSectionOf(std::string_view name, Read read)
     {
         const auto found = m_modelSections.find(name);
-        if (found != m_modelSections.end() && found->second.isSure) {
+        if (found != m_modelSections.end() && IsKnown(found->second)) {
             return found->second.answer;
         }
         std::shared_ptr<const ModelSection> section = read();
-        const bool isSure = section->WasRead() || found != m_modelSections.end();
-        m_modelSections.insert_or_assign(std::string(name), Kept<std::shared_ptr<const ModelSection>>{section, isSure});
+        // What is kept and not known was not read either.
+        const bool cameTwice = found != m_modelSections.end();
+        m_modelSections.insert_or_assign(std::string(name), KeptNow(section, section->WasRead(), cameTwice));
         return section;
     }
 
@@ -105,8 +113,21 @@ private:
     struct Kept
     {
         Answer answer;
-        bool isSure = false; ///< told of the file, or came twice
+        bool tellsOfTheFile = false;
+        bool cameTwice = false;
+        uint64_t device = 0; ///< for which it was given last
     };
+
+    template <class Answer>
+    [[nodiscard]] bool IsKnown(const Kept<Answer>& kept) const
+    {
+        return kept.tellsOfTheFile || (kept.cameTwice && kept.device == m_device);
+    }
+    template <class Answer>
+    Kept<Answer> KeptNow(Answer answer, bool tellsOfTheFile, bool cameTwice) const
+    {
+        return {std::move(answer), tellsOfTheFile, cameTwice, m_device};
+    }
 
     // Section, key, default text, buffer size, and whether it is a question for a whole section.
     template <class Text>
@@ -139,6 +160,7 @@ private:
 
     FileStamp m_stamp;
     bool m_isUtf16;
+    uint64_t m_device = 0;
     std::map<KeptQuestion, Kept<ProfileAnswer>, QuestionOrder> m_answers;
     std::map<std::string, Kept<std::shared_ptr<const ModelSection>>, std::less<>> m_modelSections;
 };
@@ -147,6 +169,9 @@ private:
 class FileAnswers
 {
 public:
+    /// From here on the questions are asked for another device.
+    void BeginDevice() { ++m_device; }
+
     /// @param path     The file's full path; two spellings of it count as two files.
     /// @param stamp    The file as it stands now: answers from before it changed are forgotten.
     /// @param isUtf16  Called for a file that is new or has changed, to open and read it. Gives std::optional<bool>:
@@ -156,15 +181,20 @@ public:
     template <class IsUtf16>
     AnswersAboutFile* About(std::string_view path, const FileStamp& stamp, IsUtf16 isUtf16)
     {
-        const auto found = m_files.find(path);
-        if (found != m_files.end() && found->second.Stamp() == stamp) {
-            return &found->second;
-        }
-        if (found != m_files.end()) {
+        auto found = m_files.find(path);
+        if (found != m_files.end() && found->second.Stamp() != stamp) {
             m_files.erase(found);
+            found = m_files.end();
         }
-        const std::optional<bool> mark = isUtf16();
-        return mark ? &m_files.emplace(path, AnswersAboutFile(stamp, *mark)).first->second : nullptr;
+        if (found == m_files.end()) {
+            const std::optional<bool> mark = isUtf16();
+            if (!mark) {
+                return nullptr;
+            }
+            found = m_files.emplace(path, AnswersAboutFile(stamp, *mark)).first;
+        }
+        found->second.AskFor(m_device);
+        return &found->second;
     }
 
 private:
@@ -174,4 +204,5 @@ private:
         std::size_t operator()(std::string_view path) const { return std::hash<std::string_view>{}(path); }
     };
     std::unordered_map<std::string, AnswersAboutFile, PathHash, std::equal_to<>> m_files;
+    uint64_t m_device = 0;
 };

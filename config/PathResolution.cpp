@@ -1,5 +1,7 @@
 #include "PathResolution.h"
 
+#include "TwoByteText.h"
+
 namespace {
 constexpr int kMostLevels = 260;
 
@@ -14,19 +16,6 @@ std::string BaseOf(const std::string& setupDir, int levelsToRoot, LeadByteTest i
     return base;
 }
 } // namespace
-
-std::size_t LastBackslash(std::string_view path, LeadByteTest isLeadByte)
-{
-    std::size_t last = std::string_view::npos;
-    for (std::size_t at = 0; at < path.size(); ++at) {
-        if (isLeadByte(static_cast<unsigned char>(path[at]))) {
-            ++at;
-        } else if (path[at] == '\\') {
-            last = at;
-        }
-    }
-    return last;
-}
 
 bool IsAbsolutePath(std::string_view path)
 {
@@ -49,7 +38,7 @@ std::string ResolveRelativePath(const std::string& path, const std::string& setu
 
 std::string WithTrailingBackslash(std::string directory, LeadByteTest isLeadByte)
 {
-    if (directory.empty() || LastBackslash(directory, isLeadByte) != directory.size() - 1) {
+    if (!EndsWithBackslash(directory, isLeadByte)) {
         directory += '\\';
     }
     return directory;

@@ -1,15 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "LeadByte.h"
 
 /// Where the directories named in the setup INI lie. A second byte of a two-byte character is no backslash.
-
-/// @return position of the last backslash; std::string_view::npos when there is none.
-[[nodiscard]] std::size_t LastBackslash(std::string_view path, LeadByteTest isLeadByte);
 
 /// @return true when `path` counts as absolute: it holds a colon anywhere.
 [[nodiscard]] bool IsAbsolutePath(std::string_view path);

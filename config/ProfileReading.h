@@ -9,7 +9,7 @@
 
 /// All reading of the setup INI and of INF files: the platform's private-profile functions over a bounded buffer.
 /// Files are named by their full path. A missing file, section or key is no error: the default or nothing is read.
-/// While an AnswerReuse object lives, the platform is not asked twice about a file that has not changed.
+/// While an AnswerReuse object lives, what was read once of a file that has not changed is not asked for again.
 
 /// Reads one value.
 /// @param section      Section name without brackets.

@@ -138,8 +138,8 @@ int CopyAllFiles(const std::string& sourceDirectory, const std::string& destinat
 int Win98InfNotAvail(const std::string& cabDirectory)
 {
     Trace("Enter -> Win98InfNotAvail\n");
-    const std::string command = LegacyStagingCommandLine(cabDirectory);
-    const std::string directory = DriveAndDirectoryOf(LocationInfo.programName);
+    const std::string command = LegacyStagingCommandLine(cabDirectory, IsSystemLeadByte);
+    const std::string directory = DriveAndDirectoryOf(LocationInfo.programName, IsSystemLeadByte);
     std::array<char, MAX_PATH> shortForm{};
     const DWORD chars = GetShortPathNameA(directory.c_str(), shortForm.data(), MAX_PATH);
     SetCurrentDirectoryA(chars == 0 || chars >= MAX_PATH ? directory.c_str() : shortForm.data());

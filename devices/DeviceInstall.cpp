@@ -39,7 +39,7 @@ struct InterfaceAnswer
 void ShowProgress(HWND dialog)
 {
     const std::string text =
-        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1);
+        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1, IsSystemLeadByte);
     SetDlgItemTextA(dialog, kProgressControl, text.c_str());
     Trace("==>installing driver(s)\n");
 }

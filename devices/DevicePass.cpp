@@ -97,6 +97,8 @@ bool MatchDevice(const std::string& deviceId, DriverInstallRecord& record)
 void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& record,
                  IDriverInstallInterface* driverInstall, HWND dialog)
 {
+    // Every device is searched for in the same files.
+    AnswerReuse reuse;
     EnumerationEnd end;
     for (DWORD index = 0;; ++index) {
         std::array<char, kKeyNameChars> buffer{};
@@ -106,6 +108,7 @@ void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& reco
         }
         // After an error other than "no more items" the name is what the cleared buffer holds, treated like any name.
         const std::string deviceId(TextIn(buffer));
+        reuse.BeginDevice();
         if (IsNordaNetworkDevice(deviceId, std::string(family.name)) && MatchDevice(deviceId, record)) {
             InstallMatchedDevice(family.route, record, deviceId, driverInstall, dialog);
         }
@@ -123,8 +126,6 @@ uint32_t RunPass(DriverInstallRecord& record, IDriverInstallInterface* driverIns
         return kDevicePassFailed;
     }
     Trace("************ enumerating registry for devices...\n");
-    // Every device is searched for in the same files.
-    const AnswerReuse reuse;
     WalkDevices(key.get(), *family, record, driverInstall, dialog);
     Trace("************ finished enumerating registry for devices\n");
     return 0;

@@ -3,7 +3,7 @@
 const DriverFamily* FamilyOfInf(std::string_view upperFileName)
 {
     for (const DriverFamily& family : kDriverFamilies) {
-        if (upperFileName.find(family.infPrefix) != std::string_view::npos) {
+        if (upperFileName.starts_with(family.infPrefix)) {
             return &family;
         }
     }

@@ -16,7 +16,7 @@ enum class DriverFilesFor61
 /// called.
 struct DriverFamily
 {
-    std::string_view infPrefix;    ///< upper case; the backslash ties it to the start of the file name
+    std::string_view infPrefix;    ///< upper case, with the backslash before the file name
     std::string_view resultPrefix; ///< first part of the names of the result values
     DriverFilesFor61 filesFor61;
 };
@@ -73,7 +73,7 @@ static_assert(HasShape(), "21 rows of three to five upper-case letters or digits
 } // namespace driver_families
 
 /// @param upperFileName  File name of the INF in upper case, from its path's last backslash on (included).
-/// @return the first family whose prefix occurs in it, or null when the INF belongs to none.
+/// @return the first family with whose prefix it begins, or null when the INF belongs to none.
 [[nodiscard]] const DriverFamily* FamilyOfInf(std::string_view upperFileName);
 
 /// @param is61System  The system is Windows 7 or Windows Server 2008 R2; later and earlier ones use the plain pattern.

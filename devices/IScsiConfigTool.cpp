@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Handles.h"
+#include "SentMessages.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
 
@@ -20,7 +21,8 @@ bool RunAndWait(std::string commandLine)
     }
     const UniqueHandle processOwner(process.hProcess);
     const UniqueHandle threadOwner(process.hThread);
-    WaitForSingleObject(process.hProcess, INFINITE);
+    // The dialog's thread makes this call.
+    WaitAnsweringSentMessages(process.hProcess, INFINITE);
     return true;
 }
 } // namespace

@@ -1,6 +1,9 @@
 #include "InstallingText.h"
 
-std::string InstallingText(std::string_view format, std::string_view description, std::size_t maxBytes)
+#include "TwoByteText.h"
+
+std::string InstallingText(std::string_view format, std::string_view description, std::size_t maxBytes,
+                           LeadByteTest isLeadByte)
 {
     std::string text;
     bool inserted = false;
@@ -17,6 +20,5 @@ std::string InstallingText(std::string_view format, std::string_view description
             text += format[position];
         }
     }
-    text.resize(text.size() < maxBytes ? text.size() : maxBytes);
-    return text;
+    return std::string(CutToBytes(text, maxBytes, isLeadByte));
 }

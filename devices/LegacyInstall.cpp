@@ -24,11 +24,9 @@ void InstallInstance(const std::string& instancePath, const std::string& command
     }
     const UniqueRegKey key(opened);
     Trace("setting RegPCIpath: ", instancePath, "\n");
-    // The helper would install the instance that the value named before.
-    if (RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
-                       static_cast<DWORD>(instancePath.size() + 1)) != ERROR_SUCCESS) {
-        return;
-    }
+    // Only the key is a condition: the helper runs also after a write that failed.
+    RegSetValueExA(key.get(), "RegPCIpath", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>(instancePath.c_str()),
+                   static_cast<DWORD>(instancePath.size() + 1));
     LaunchAppandWait(commandLine);
 }
 
@@ -44,7 +42,7 @@ void InstallInstances(HKEY deviceKey, const std::string& keyPath, const std::str
             return;
         }
         if (status == ERROR_SUCCESS) {
-            InstallInstance(CutToPathLimit(keyPath + "\\" + name.data()), commandLine);
+            InstallInstance(CutToPathLimit(keyPath + "\\" + name.data(), IsSystemLeadByte), commandLine);
         }
     }
 }
@@ -53,12 +51,12 @@ void InstallInstances(HKEY deviceKey, const std::string& keyPath, const std::str
 int Win98Install(const std::string& infPath, const std::string& hardwareId)
 {
     Trace("Enter -> Win98Install");
-    SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName).c_str());
+    SetCurrentDirectoryA(DriveAndDirectoryOf(LocationInfo.programName, IsSystemLeadByte).c_str());
     const std::string matchedId(TextIn(matchedHardwareId));
     Trace("g_98key: ", matchedId, "\n");
-    const std::string commandLine = LegacyCommandLine(matchedId, infPath);
+    const std::string commandLine = LegacyCommandLine(matchedId, infPath, IsSystemLeadByte);
 
-    const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId);
+    const std::string keyPath = CutToPathLimit("Enum\\" + hardwareId, IsSystemLeadByte);
     Trace("opening registry key to enumerate: ", keyPath, "\n");
     if (const UniqueRegKey deviceKey = OpenMachineKey(keyPath, KEY_ENUMERATE_SUB_KEYS)) {
         InstallInstances(deviceKey.get(), keyPath, commandLine);

@@ -19,10 +19,10 @@
 #include "OSVersion.h"
 #include "OrvSecure.h"
 #include "PathCase.h"
-#include "PathResolution.h"
 #include "ResultKeys.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
+#include "TwoByteText.h"
 
 namespace {
 /// @return the name of the first file that the directory search returns, or no value when nothing matches or the

@@ -19,14 +19,21 @@
 #include "ResultKeys.h"
 #include "RunOptions.h"
 #include "RunState.h"
+#include "SentMessages.h"
+#include "ThreadLanguage.h"
 #include "Trace.h"
 #include "UnhandledFault.h"
 
 InstallThreadParameters installThreadParameters;
 
 namespace {
+// How long a restart waits for the install thread, which may be about to end its restore point. A service that does not
+// answer must not keep the machine from restarting.
+constexpr DWORD kRestartWaitMilliseconds = 30'000;
+
 int countdown = kCountdownStart;
 bool closing = false;
+bool restarting = false;
 UniqueHandle installThread;
 
 struct DialogButtons
@@ -91,6 +98,23 @@ void InitializeDialog(HWND dialog, const DialogButtons& buttons)
     SetWindowTextA(dialog, LangString(kStringCaption).c_str());
 }
 
+/// @return false when the install thread still runs after that time.
+bool InstallThreadEndsWithin(DWORD milliseconds)
+{
+    return !installThread || WaitAnsweringSentMessages(installThread.get(), milliseconds);
+}
+
+/// Asks the system to restart once the install thread has ended its restore point.
+void RestartOnceInstalled()
+{
+    // A message that is answered during the wait may ask for the restart as well.
+    if (!std::exchange(restarting, true)) {
+        InstallThreadEndsWithin(kRestartWaitMilliseconds);
+        RestartMachine();
+        restarting = false;
+    }
+}
+
 INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPARAM lParam)
 {
     const HWND control = reinterpret_cast<HWND>(lParam);
@@ -112,7 +136,7 @@ INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPAR
         return 1;
     }
     if (control == buttons.restartNow) {
-        RestartMachine();
+        RestartOnceInstalled();
         return 1;
     }
     return 0;
@@ -156,7 +180,7 @@ INT_PTR OnCountdownTick(HWND dialog)
     SetStatus(dialog, CountdownText());
     if (countdown <= 0) {
         KillTimer(dialog, kCountdownTimer);
-        RestartMachine();
+        RestartOnceInstalled();
     }
     --countdown;
     return 1;
@@ -200,11 +224,6 @@ bool DecideAndRecordRestart()
     return false;
 }
 
-bool InstallThreadRuns()
-{
-    return installThread && WaitForSingleObject(installThread.get(), 0) != WAIT_OBJECT_0;
-}
-
 INT_PTR OnClose(HWND dialog)
 {
     // While the restart question is open the dialog can still be told to close: one end is enough. Told that this was
@@ -217,8 +236,8 @@ INT_PTR OnClose(HWND dialog)
     KillTimer(dialog, kCountdownTimer);
     const bool restart = DecideAndRecordRestart();
     // The install thread asks for the end before it has ended itself, and others can close the dialog under it: while
-    // it runs it may read texts.
-    if (!InstallThreadRuns()) {
+    // it runs it may read texts, and its restore point may still be open.
+    if (InstallThreadEndsWithin(restart ? kRestartWaitMilliseconds : 0)) {
         FreeLibrary(resourceModule);
         resourceModule = nullptr;
     }
@@ -233,21 +252,16 @@ INT_PTR OnClose(HWND dialog)
 }
 } // namespace
 
+HWND CreateProgressDialog(HWND owner)
+{
+    // The texts are loaded in the language of the run; the template is picked by the thread's.
+    const ThreadLanguage language(runLanguageId);
+    return CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
+}
+
 void WaitForInstallThread()
 {
-    const HANDLE thread = installThread.get();
-    // The thread may be waiting for this one to take a control's new text: such calls are answered meanwhile.
-    while (thread != nullptr) {
-        const DWORD woken = MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE);
-        if (woken == WAIT_FAILED) {
-            WaitForSingleObject(thread, INFINITE);
-        }
-        if (woken != WAIT_OBJECT_0 + 1) {
-            return;
-        }
-        MSG message{};
-        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE);
-    }
+    InstallThreadEndsWithin(INFINITE);
 }
 
 namespace {

@@ -17,6 +17,12 @@ extern InstallThreadParameters installThreadParameters;
 /// and ends the message loop. Nonzero for handled messages.
 INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
+/// Creates the progress dialog, hidden, with template and texts in the language of the run. Needs the window class, the
+/// resource library and the record of installThreadParameters.
+/// @param owner  The window that it belongs to, or null.
+/// @return null when it cannot be created.
+[[nodiscard]] HWND CreateProgressDialog(HWND owner);
+
 /// Waits until the install thread has ended, if one was started. It ends the dialog before it closes the restore point:
 /// a process that ended with the dialog could leave the point open.
 void WaitForInstallThread();

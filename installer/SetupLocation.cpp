@@ -25,9 +25,9 @@ int SetLocationInfo(const std::string& programName)
     LocationInfo.programName = programName;
     Trace("program name: ", LocationInfo.programName, "\n");
 
-    const std::string fullPath = FullProgramPath(LocationInfo.programName, LocationInfo.invokedDir);
+    const std::string fullPath = FullProgramPath(LocationInfo.programName, LocationInfo.invokedDir, IsSystemLeadByte);
     Trace("full path: ", fullPath, "\n");
-    LocationInfo.setupDir = DirectoryOf(fullPath);
+    LocationInfo.setupDir = DirectoryOf(fullPath, IsSystemLeadByte);
     Trace("Morvix dir: ", LocationInfo.setupDir, "\n");
 
     const std::string iniFile = LocationInfo.setupDir + R"(\Morvix.ini)";

@@ -7,7 +7,6 @@
 
 #include "ActivityBar.h"
 #include "CommandLine.h"
-#include "DialogControls.h"
 #include "DriverInstallRecord.h"
 #include "LangString.h"
 #include "LanguageTable.h"
@@ -69,8 +68,7 @@ int RunDialog(DriverInstallRecord& record)
     installThreadParameters.record = &record;
     // Under a Windows Installer user interface the dialog belongs to the installer's window.
     const HWND owner = FindWindowA("MsiDialogCloseClass", nullptr);
-    const HWND dialog =
-        CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
+    const HWND dialog = CreateProgressDialog(owner);
     if (dialog == nullptr) {
         // A resource library without the dialog: nothing would ever end the message loop.
         Trace("unable to create the dialog\n");

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "TwoByteText.h"
+
 namespace {
 constexpr std::string_view kExtension = ".DLL";
 
@@ -36,13 +38,14 @@ const AgentLibrary* FindAgentLibrary(std::span<const AgentLibrary> libraries, st
     return found == libraries.end() ? nullptr : &*found;
 }
 
-std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName)
+std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName,
+                                            LeadByteTest isLeadByte)
 {
     if (!IsFullPath(directory) || fileName.empty()) {
         return std::nullopt;
     }
     std::string path(directory);
-    if (!path.ends_with('\\')) {
+    if (!EndsWithBackslash(path, isLeadByte)) {
         path += '\\';
     }
     path += fileName;

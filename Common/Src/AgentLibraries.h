@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "LeadByte.h"
+
 /// Where one of the maker's libraries is found. The table of them comes from the program that needs them.
 struct AgentLibrary
 {
@@ -23,4 +25,5 @@ struct AgentLibrary
 
 /// @return the library's full path, with ".DLL"; no value unless `directory` is a full path (a drive or a share), since
 ///         anything else would be looked for where anybody may put a file.
-[[nodiscard]] std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName);
+[[nodiscard]] std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName,
+                                                          LeadByteTest isLeadByte);

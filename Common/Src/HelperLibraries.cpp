@@ -35,7 +35,7 @@ UniqueLibrary CHelper::LoadAgentLibrary(std::span<const AgentLibrary> libraries,
                          static_cast<const char*>(shortName));
         return nullptr;
     }
-    const auto path = AgentLibraryPath(InstalledDirectory(*library).Text(), library->fileName);
+    const auto path = AgentLibraryPath(InstalledDirectory(*library).Text(), library->fileName, IsSystemLeadByte);
     if (!path) {
         OrvTrace().Print("LoadAgentLibrary() - Unable to find where %s is installed - exiting",
                          static_cast<const char*>(shortName));

@@ -219,7 +219,7 @@ int COrvDebug::Configure(const char* moduleName, const char* fileName, uint32_t 
     }
     char fallback[kTempBytes]{};
     ReadTempDirectory(fallback);
-    OrvSafeCat(kSourceFile, kFallbackLine, fallback, OrvNameWithBackslash(path));
+    OrvSafeCat(kSourceFile, kFallbackLine, fallback, OrvNameWithBackslash(path, IsSystemLeadByte));
     return OpenLog(fallback, mode, effectiveLevel) ? 0 : -1;
 }
 

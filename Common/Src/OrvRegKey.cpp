@@ -50,6 +50,10 @@ COrvRegKey::COrvRegKey(const COrvRegKey& /*other*/) {}
 
 COrvRegKey& COrvRegKey::operator=(HKEY key)
 {
+    if (m_bOpen && key == m_hKey) {
+        // A second owner of the same handle would close it a second time.
+        return *this;
+    }
     if (m_owner && m_owner.use_count() == 1) {
         // The handle held so far stays open: the caller was to close it and may still be using it.
         static_cast<void>(m_owner->release());

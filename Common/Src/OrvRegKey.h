@@ -21,10 +21,11 @@ public:
     /// holds a second owner of its handle.
     COrvRegKey(const COrvRegKey& other);
     /// Takes over an open key and keeps the path. A key that was open before is not closed: the caller closes first.
+    /// Assigning the handle that the object holds already changes nothing.
     COrvRegKey& operator=(HKEY key);
     /// Copies everything; both objects then hold the same handle. They share its ownership: the key is closed once,
     /// when the last of them lets go of it. (With two plain owners the second close would hit whatever key has got the
-    /// handle's number by then.)
+    /// handle's number by then.) The key that this object held before is closed, unless another object shares it.
     COrvRegKey& operator=(const COrvRegKey& other) = default;
     virtual ~COrvRegKey();
 

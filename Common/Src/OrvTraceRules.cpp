@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
+
+#include "TwoByteText.h"
 
 namespace {
 constexpr uint32_t kOff = 0;
@@ -53,7 +56,8 @@ OrvLogDirectory OrvChooseLogDirectory(bool plainFileName, bool setUpModule, bool
     return productKeyOpened && !setUpModule ? OrvLogDirectory::InstalledDir : OrvLogDirectory::Temp;
 }
 
-const char* OrvNameWithBackslash(const char* path) noexcept
+const char* OrvNameWithBackslash(const char* path, LeadByteTest isLeadByte)
 {
-    return std::strrchr(path, '\\');
+    const size_t backslash = LastBackslash(path, isLeadByte);
+    return backslash == std::string_view::npos ? nullptr : path + backslash;
 }

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "LeadByte.h"
+
 /// The decisions of the library trace: what each level writes, and where the log file lies.
 ///
 /// level  Print                error                registry consulted
@@ -38,4 +40,4 @@ enum class OrvLogDirectory
                                                     bool productKeyOpened) noexcept;
 
 /// @return the part of `path` from its last backslash on, or null when it has none.
-[[nodiscard]] const char* OrvNameWithBackslash(const char* path) noexcept;
+[[nodiscard]] const char* OrvNameWithBackslash(const char* path, LeadByteTest isLeadByte);

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "LeadByte.h"
+
 /// Where the program was started and where it lives.
 struct LocationInfoRecord
 {
@@ -16,7 +18,7 @@ extern LocationInfoRecord LocationInfo;
 /// @return the full path of the program named `programName`: the name itself when it holds ":" or a double backslash,
 ///         otherwise `invokedDir` and the name. In the second case `invokedDir` gains a trailing backslash if it had
 ///         none.
-std::string FullProgramPath(const std::string& programName, std::string& invokedDir);
+std::string FullProgramPath(const std::string& programName, std::string& invokedDir, LeadByteTest isLeadByte);
 
 /// @return `path` up to, not including, its last backslash; the whole text when it has none.
-std::string DirectoryOf(const std::string& path);
+std::string DirectoryOf(const std::string& path, LeadByteTest isLeadByte);

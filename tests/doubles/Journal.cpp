@@ -60,6 +60,13 @@ uint32_t AnswerNumber(const std::string& key)
     return static_cast<uint32_t>(std::strtoul(Answer(key, "0").c_str(), nullptr, 0));
 }
 
+void HoldUntilThereIs(const std::string& name)
+{
+    while (GetFileAttributesA(BesideTheDouble(name).c_str()) == INVALID_FILE_ATTRIBUTES) {
+        Sleep(20);
+    }
+}
+
 std::string Hex(uint32_t number)
 {
     std::array<char, 16> text{};

@@ -19,5 +19,8 @@ void WriteJournal(const std::string& line);
 /// @return the answer as a number, decimal or with 0x; 0 when there is none.
 [[nodiscard]] uint32_t AnswerNumber(const std::string& key);
 
+/// Waits until a file of this name lies beside the double.
+void HoldUntilThereIs(const std::string& name);
+
 /// @return `number` as 0x and eight hexadecimal digits.
 [[nodiscard]] std::string Hex(uint32_t number);

@@ -87,13 +87,6 @@ void SwitchTrace(const std::string& how)
     }
 }
 
-void HoldUntilReleased()
-{
-    while (GetFileAttributesA(BesideTheDouble("NetInst.release").c_str()) == INVALID_FILE_ATTRIBUTES) {
-        Sleep(20);
-    }
-}
-
 class SysProber final : public ISysProberInterface
 {
 public:
@@ -154,7 +147,7 @@ public:
                      SourcePath() + "]");
         SwitchTrace(Answer("DebugKey" + call));
         if (AnswerNumber("HoldInstall" + call) != 0) {
-            HoldUntilReleased();
+            HoldUntilThereIs("NetInst.release");
         }
         SetLastError(AnswerNumber("LastError" + call));
         return static_cast<int32_t>(status);

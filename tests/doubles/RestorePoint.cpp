@@ -1,6 +1,7 @@
 // Stands for srclient.dll. Answers (section Answers of srclient.answers.ini, all optional):
 //   Fail=1      every call fails
 //   FailEnd=1   the call that ends a restore point fails
+//   HoldEnd=1   that call lasts until the file srclient.release lies beside the library
 //   Status      status reported, 0 when not given
 //   Sequence    sequence number reported
 
@@ -34,6 +35,9 @@ extern "C" __declspec(dllexport) BOOL WINAPI SRSetRestorePointW(PRESTOREPOINTINF
     status->nStatus = AnswerNumber("Status");
     status->llSequenceNumber = static_cast<INT64>(AnswerNumber("Sequence"));
     const bool ends = point->dwEventType == END_NESTED_SYSTEM_CHANGE;
+    if (ends && AnswerNumber("HoldEnd") != 0) {
+        HoldUntilThereIs("srclient.release");
+    }
     const bool fails = AnswerNumber("Fail") != 0 || (ends && AnswerNumber("FailEnd") != 0);
     return fails ? FALSE : TRUE;
 }

@@ -6,6 +6,8 @@
 #include "EmulatedSystem.h"
 #include "Environment.h"
 #include "OwnInfs.h"
+#include "ProgramWindows.h"
+#include "RegistryKeys.h"
 #include "RestartWatch.h"
 
 namespace {
@@ -155,5 +157,120 @@ TEST_F(RestorePoint, IsEndedInARunThatRestartsToo)
     EXPECT_THAT(Folder().JournalLines("SRSetRestorePointW"),
                 ElementsAre(RestorePointLine("102", "0"), RestorePointLine("103", "4711")));
     EXPECT_EQ(run.Count("Entering EndRestorePoint"), 1u);
+}
+
+// A restore point whose end lasts until the test lets it go, and a machine that refuses to restart.
+class SlowRestorePoint : public RestorePoint
+{
+protected:
+    SlowRestorePoint()
+    {
+        UseServiceDouble();
+        Folder().Answer("srclient", "Sequence", "9");
+        Folder().Answer("srclient", "HoldEnd", "1");
+    }
+
+    void LetItEnd() { Folder().Write("srclient.release", ""); }
+
+    void WaitUntilItEnds(const ProgramRun& run)
+    {
+        run.WaitForTrace("Entering EndRestorePoint");
+        while (Folder().JournalLines("SRSetRestorePointW event=103").empty() && run.StillRuns()) {
+            Sleep(20);
+        }
+    }
+
+    // A program that were about to restart without waiting would do so in this time.
+    static bool StaysWithoutARestart(const ProgramRun& run)
+    {
+        Sleep(1000);
+        return !run.SoFar().Traced("Entering - RestartMachine");
+    }
+
+    static bool AnswersSentMessages(const ProgressWindow& window)
+    {
+        DWORD_PTR answer = 0;
+        return SendMessageTimeoutA(window.Window(), WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 10000, &answer) != 0;
+    }
+
+    static std::vector<std::string> FromTheEndOfThePoint(const FinishedRun& run)
+    {
+        return run.Between("Entering EndRestorePoint", "Entering - RestartMachine");
+    }
+
+    const RestartWatch m_restarts;
+};
+
+TEST_F(SlowRestorePoint, IsEndedBeforeAForcedRestart)
+{
+    const auto run = StartMorvix("/s /r");
+    const ProgressWindow window(*run);
+    WaitUntilItEnds(*run);
+    EXPECT_TRUE(StaysWithoutARestart(*run));
+    EXPECT_TRUE(AnswersSentMessages(window));
+    LetItEnd();
+    const FinishedRun finished = run->Finish();
+
+    EXPECT_EQ(finished.exitCode, 0);
+    EXPECT_THAT(FromTheEndOfThePoint(finished), ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint",
+                                                            "Exit -> InstallDrivers()\n", "Entering - RestartMachine"));
+    EXPECT_TRUE(m_restarts.WaitForRefusal());
+}
+
+TEST_F(SlowRestorePoint, IsEndedBeforeTheRestartThatTheUserAsksFor)
+{
+    // The Windows 98 family offers the restart whatever was found.
+    const ScratchRegistryKey devices{"Enum"};
+    CreateRegistryKey(devices.Path() + "\\PCI");
+    Folder().Answer("NetInst", "Family", "Windows 98");
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+    window.Press(IDOK);
+    window.WaitUntilOffered(ProgressWindow::kRestartNow);
+    WaitUntilItEnds(*run);
+    window.Press(ProgressWindow::kRestartNow);
+    EXPECT_TRUE(StaysWithoutARestart(*run));
+    EXPECT_TRUE(AnswersSentMessages(window));
+    LetItEnd();
+    run->WaitForTrace("Entering - RestartMachine");
+
+    EXPECT_THAT(FromTheEndOfThePoint(run->SoFar()),
+                ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint", "Exit -> InstallDrivers()\n",
+                            "Entering - RestartMachine"));
+    EXPECT_TRUE(m_restarts.WaitForRefusal());
+}
+
+TEST_F(SlowRestorePoint, IsEndedBeforeTheCountdownRestarts)
+{
+    const ScratchRegistryKey devices{"Enum"};
+    CreateRegistryKey(devices.Path() + "\\PCI");
+    Folder().Answer("NetInst", "Family", "Windows 98");
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+    window.Press(IDOK);
+    window.WaitUntilOffered(ProgressWindow::kRestartNow);
+    WaitUntilItEnds(*run);
+    constexpr int kTicks = 21;
+    for (int tick = 0; tick < kTicks; ++tick) {
+        PostMessageA(window.Window(), WM_TIMER, 0, 0);
+    }
+    EXPECT_TRUE(StaysWithoutARestart(*run));
+    LetItEnd();
+    run->WaitForTrace("Entering - RestartMachine");
+
+    EXPECT_TRUE(run->SoFar().Traced("Exit -> InstallDrivers()\n"));
+    EXPECT_TRUE(m_restarts.WaitForRefusal());
+}
+
+TEST_F(SlowRestorePoint, ThatNeverEndsDoesNotKeepTheMachineFromRestarting)
+{
+    const auto run = StartMorvix("/s /r");
+    WaitUntilItEnds(*run);
+    run->WaitForTrace("Entering - RestartMachine");
+
+    EXPECT_FALSE(run->SoFar().Traced("Exiting EndRestorePoint"));
+    EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 } // namespace

@@ -97,12 +97,12 @@ void CheckFamilies(const std::string& fileName, bool is61System)
 {
     const DriverFamily* expected = nullptr;
     for (const DriverFamily& family : kDriverFamilies) {
-        if (expected == nullptr && fileName.find(family.infPrefix) != std::string::npos) {
+        if (expected == nullptr && fileName.compare(0, family.infPrefix.size(), family.infPrefix) == 0) {
             expected = &family;
         }
     }
     const DriverFamily* const found = FamilyOfInf(fileName);
-    Promise(found == expected, "the first family whose prefix occurs");
+    Promise(found == expected, "the first family with whose prefix the name begins");
     if (found != nullptr) {
         const std::string pattern = DriverFilePattern(*found, is61System);
         const bool named62 = pattern == std::string(found->infPrefix) + "62*.sys";
@@ -114,6 +114,11 @@ void CheckFamilies(const std::string& fileName, bool is61System)
         Promise((row.name == fileName) == (system && system->name == row.name),
                 "a family's whole name selects its row");
     }
+}
+
+bool NoLeadByte(unsigned char)
+{
+    return false;
 }
 
 void CheckInstallingText(const std::string& format, const std::string& description, std::size_t maxBytes)
@@ -129,10 +134,11 @@ void CheckInstallingText(const std::string& format, const std::string& descripti
         inserted = inserted || isInsert;
         rest.erase(0, isInsert || isSign ? 2 : 1);
     }
-    const std::string text = InstallingText(format, description, maxBytes);
+    const std::string text = InstallingText(format, description, maxBytes, NoLeadByte);
     Promise(text.size() <= maxBytes, "the text keeps its limit");
     Promise(text == expected.substr(0, maxBytes), "the first insert is replaced, a doubled sign stands for one");
-    Promise(InstallingText("%s", description, description.size()) == description, "a description is never a format");
+    Promise(InstallingText("%s", description, description.size(), NoLeadByte) == description,
+            "a description is never a format");
 }
 
 void CheckUpperCase(const std::string& text, LeadByteTest isLeadByte)
@@ -234,7 +240,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CheckSearchIds(id + part);
         CheckSearchIds(part + id);
     }
-    CheckUpperCase(id, [](unsigned char) { return false; });
+    CheckUpperCase(id, NoLeadByte);
     CheckUpperCase(id, [](unsigned char byte) { return byte >= 0x81 && byte <= 0x9F; });
     CheckFamilies(id, input.ConsumeBool());
     CheckFamilies("\\NGEA" + id, input.ConsumeBool());

@@ -1,5 +1,5 @@
-// The support library: bounded copies, lists, texts, character classes, trace lines, library paths, waiting for a
-// service.
+// The support library: bounded copies, lists, texts, characters of one byte and of two, trace lines, library paths,
+// waiting for a service.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -22,6 +22,7 @@
 #include "OrvTraceRules.h"
 #include "Promise.h"
 #include "ServicePolling.h"
+#include "TwoByteText.h"
 
 namespace {
 /// What a bounded copy or append must leave: result and buffer.
@@ -224,6 +225,49 @@ void CheckFormat(const std::string& message, int argumentCount)
     }
 }
 
+bool NoLeadByte(unsigned char)
+{
+    return false;
+}
+
+bool JapaneseLeadByte(unsigned char byte)
+{
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
+
+/// Against the list of the text's characters.
+void CheckTwoByteText(const std::string& text, std::size_t maxBytes)
+{
+    std::vector<std::string> characters;
+    for (const char c : text) {
+        const bool isSecond = !characters.empty() && characters.back().size() == 1 &&
+                              JapaneseLeadByte(static_cast<unsigned char>(characters.back()[0]));
+        if (isSecond) {
+            characters.back() += c;
+        } else {
+            characters.emplace_back(1, c);
+        }
+    }
+    std::size_t last = std::string::npos;
+    std::size_t at = 0;
+    std::string cut;
+    bool isCut = false;
+    bool isDouble = false;
+    const std::string* before = nullptr;
+    for (const std::string& character : characters) {
+        last = character == "\\" ? at : last;
+        isDouble = isDouble || (before != nullptr && *before == "\\" && character == "\\");
+        before = &character;
+        at += character.size();
+        isCut = isCut || at > maxBytes;
+        cut += isCut ? "" : character;
+    }
+    Promise(LastBackslash(text, JapaneseLeadByte) == last, "the last character that is a backslash");
+    Promise(EndsWithBackslash(text, JapaneseLeadByte) == (before != nullptr && *before == "\\"), "the text's end");
+    Promise(HasDoubleBackslash(text, JapaneseLeadByte) == isDouble, "two characters that are backslashes");
+    Promise(CutToBytes(text, maxBytes, JapaneseLeadByte) == cut, "whole characters only");
+}
+
 void CheckRules(FuzzedDataProvider& input, const std::string& text)
 {
     const auto level = input.ConsumeIntegralInRange<uint32_t>(0, 6);
@@ -235,7 +279,7 @@ void CheckRules(FuzzedDataProvider& input, const std::string& text)
     Promise(OrvPrintWrites(OrvErrorLineLevel(level)), "an error line is written");
     const std::size_t length = std::strlen(text.c_str());
     Promise(OrvIsLogFileName(text.c_str()) == (length >= 1 && length <= 245), "a name of 1 to 245 characters");
-    const char* tail = OrvNameWithBackslash(text.c_str());
+    const char* tail = OrvNameWithBackslash(text.c_str(), NoLeadByte);
     const std::size_t place = std::string(text.c_str()).find_last_of('\\');
     Promise(tail == (place == std::string::npos ? nullptr : text.c_str() + place), "from the last backslash on");
     const bool plain = input.ConsumeBool();
@@ -254,7 +298,7 @@ void CheckAgents(const std::string& directory, const std::string& name)
     const AgentLibrary* found = FindAgentLibrary(libraries, name);
     Promise(found == &libraries[SameLetters(name, "agent") ? 0 : 1], "the first row of the name");
     Promise(FindAgentLibrary({}, name) == nullptr, "no row, no library");
-    const auto path = AgentLibraryPath(directory, name);
+    const auto path = AgentLibraryPath(directory, name, NoLeadByte);
     const bool drive = directory.size() >= 3 && std::isalpha(static_cast<unsigned char>(directory[0])) != 0 &&
                        directory[1] == ':' && directory[2] == '\\';
     const bool share = directory.size() > 2 && directory[0] == '\\' && directory[1] == '\\';
@@ -292,6 +336,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckTexts(text, input.ConsumeIntegral<char>());
     CheckCharacters(text, input.ConsumeIntegral<uint32_t>());
     CheckRules(input, text);
+    CheckTwoByteText(text, input.ConsumeIntegralInRange<std::size_t>(0, 300));
     for (int arguments = 0; arguments <= 4; ++arguments) {
         CheckFormat(text, arguments);
     }

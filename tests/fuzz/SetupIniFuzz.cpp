@@ -157,18 +157,20 @@ void CheckPath(const std::string& path, const std::string& base)
 
 void CheckLegacyTexts(const std::string& text)
 {
-    const std::string directory = DriveAndDirectoryOf(text);
+    const std::string directory = DriveAndDirectoryOf(text, NoLeadByte);
     Promise(text.starts_with(directory) && directory.size() <= kLegacyPathChars, "a directory is the path's beginning");
     const std::string rest = text.substr(directory.size());
     Promise(directory.size() == kLegacyPathChars || rest.find_first_of("\\/") == std::string::npos,
             "a directory ends at the last backslash or slash");
-    const std::string cut = CutToPathLimit(text);
+    const std::string cut = CutToPathLimit(text, NoLeadByte);
     Promise(text.starts_with(cut) && cut.size() == std::min(text.size(), kLegacyPathChars),
             "a path is cut at its limit");
     const std::string whole = "Rundll.exe Inst98.dll,EntryPoint PCI\\" + text + " " + cut;
-    Promise(LegacyCommandLine(text, cut) == whole.substr(0, 999), "the command line, cut at 999 characters");
+    Promise(LegacyCommandLine(text, cut, NoLeadByte) == whole.substr(0, 999),
+            "the command line, cut at 999 characters");
     const std::string staging = "Rundll.exe Inst98.dll,EntryPoint noID " + text;
-    Promise(LegacyStagingCommandLine(text) == staging.substr(0, 999), "the staging command line, cut likewise");
+    Promise(LegacyStagingCommandLine(text, NoLeadByte) == staging.substr(0, 999),
+            "the staging command line, cut likewise");
 }
 } // namespace
 

@@ -167,15 +167,20 @@ void CheckLanguage(uint16_t system, int size)
     Promise(RunLanguageIdFor(language.id) != 0, "the run always speaks a language");
 }
 
+bool NoLeadByte(unsigned char)
+{
+    return false;
+}
+
 void CheckLocation(const std::string& program, std::string invoked)
 {
     const std::string before = invoked;
-    const std::string path = FullProgramPath(program, invoked);
+    const std::string path = FullProgramPath(program, invoked, NoLeadByte);
     const bool whole = program.find(':') != std::string::npos || program.find(R"(\\)") != std::string::npos;
     const std::string directory = before.empty() || before.back() != '\\' ? before + '\\' : before;
     Promise(path == (whole ? program : directory + program), "the path of the program");
     Promise(invoked == (whole ? before : directory), "a directory to build on ends with a backslash");
-    const std::string parent = DirectoryOf(path);
+    const std::string parent = DirectoryOf(path, NoLeadByte);
     const std::size_t cut = path.find_last_of('\\');
     Promise(parent == (cut == std::string::npos ? path : path.substr(0, cut)), "up to the last backslash");
 }

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <string>
+
+#include "../CodePages.h"
 
 namespace {
 constexpr std::array<AgentLibrary, 3> kLibraries{{
@@ -36,20 +39,29 @@ TEST(AgentLibraries, OnlyWholeNamesAreFound)
 
 TEST(AgentLibraries, ThePathTakesTheExtensionAndOneBackslash)
 {
-    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "File"), R"(C:\Dir\File.DLL)");
-    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir\)", "File"), R"(C:\Dir\File.DLL)");
-    EXPECT_EQ(AgentLibraryPath(R"(c:\)", "File"), R"(c:\File.DLL)");
-    EXPECT_EQ(AgentLibraryPath(R"(\\server\share)", "File"), R"(\\server\share\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "File", NoLeadBytes), R"(C:\Dir\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir\)", "File", NoLeadBytes), R"(C:\Dir\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(c:\)", "File", NoLeadBytes), R"(c:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(\\server\share)", "File", NoLeadBytes), R"(\\server\share\File.DLL)");
 }
 
 TEST(AgentLibraries, ADirectoryThatIsNoFullPathGivesNoPath)
 {
     for (const char* directory : {"", ".", "Dir", R"(\Dir)", "C:", "C:Dir", R"(1:\Dir)", R"(\\)", R"(%Dir%\x)"}) {
-        EXPECT_EQ(AgentLibraryPath(directory, "File"), std::nullopt) << directory;
+        EXPECT_EQ(AgentLibraryPath(directory, "File", NoLeadBytes), std::nullopt) << directory;
     }
 }
 
 TEST(AgentLibraries, NoFileNameGivesNoPath)
 {
-    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", ""), std::nullopt);
+    EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "", NoLeadBytes), std::nullopt);
+}
+
+TEST(AgentLibraries, ASecondByteThatLooksLikeABackslashIsNotTheDirectorysOwn)
+{
+    for (const CodePage& page : kBackslashCodePages) {
+        const std::string directory = "C:\\" + std::string(page.letter);
+        EXPECT_EQ(AgentLibraryPath(directory, "File", page.isLeadByte), directory + "\\File.DLL") << page.number;
+        EXPECT_EQ(AgentLibraryPath(directory + "\\", "File", page.isLeadByte), directory + "\\File.DLL") << page.number;
+    }
 }

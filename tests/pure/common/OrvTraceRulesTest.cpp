@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "../CodePages.h"
+
 TEST(TraceLevels, EachLevelWritesWhatItsRowSays)
 {
     struct Row
@@ -57,7 +59,17 @@ TEST(LogDirectory, APlainFileNameHasNone)
 
 TEST(LogFallback, KeepsTheNameWithItsBackslash)
 {
-    EXPECT_STREQ(OrvNameWithBackslash(R"(C:\dir\name.log)"), R"(\name.log)");
-    EXPECT_STREQ(OrvNameWithBackslash(R"(C:\dir\)"), R"(\)");
-    EXPECT_EQ(OrvNameWithBackslash("name.log"), nullptr);
+    EXPECT_STREQ(OrvNameWithBackslash(R"(C:\dir\name.log)", NoLeadBytes), R"(\name.log)");
+    EXPECT_STREQ(OrvNameWithBackslash(R"(C:\dir\)", NoLeadBytes), R"(\)");
+    EXPECT_EQ(OrvNameWithBackslash("name.log", NoLeadBytes), nullptr);
+}
+
+TEST(LogFallback, TakesNoSecondByteForTheBackslash)
+{
+    for (const CodePage& page : kBackslashCodePages) {
+        const std::string letter(page.letter);
+        const std::string path = "C:\\dir\\" + letter + ".log";
+        EXPECT_EQ(OrvNameWithBackslash(path.c_str(), page.isLeadByte), "\\" + letter + ".log") << page.number;
+        EXPECT_EQ(OrvNameWithBackslash((letter + ".log").c_str(), page.isLeadByte), nullptr) << page.number;
+    }
 }

@@ -23,6 +23,7 @@ public:
             return isUtf16;
         });
     }
+    void NextDevice() { m_answers.BeginDevice(); }
     int opened = 0;
 
 private:
@@ -213,4 +214,80 @@ TEST(FileAnswers, ModelSectionThatWasNotReadIsReadOnceMore)
     EXPECT_FALSE(section(0)->WasRead());
     EXPECT_FALSE(section(1)->WasRead());
     EXPECT_EQ(reads, 2);
+}
+
+TEST(FileAnswers, NothingNeverOutlivesTheDeviceForWhichItWasGiven)
+{
+    Answers answers;
+    for (int pass = 1; pass <= 4; ++pass) {
+        EXPECT_EQ(Ask(*answers.About(kInf, kStamp), Signature(), "", 0), "");
+    }
+    answers.NextDevice();
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), Signature(), "$CHICAGO$"), "$CHICAGO$");
+    answers.NextDevice();
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), Signature(), "", 0), "$CHICAGO$") << "that tells of the file";
+}
+
+TEST(FileAnswers, DefaultTextNeverOutlivesTheDeviceForWhichItWasGiven)
+{
+    Answers answers;
+    const ProfileQuestion question{
+        .section = "Manufacturer", .key = "%Norda%", .defaultText = "none", .bufferBytes = 16};
+    for (int pass = 1; pass <= 4; ++pass) {
+        EXPECT_EQ(Ask(*answers.About(kInf, kStamp), question, "none", 4), "none");
+    }
+    answers.NextDevice();
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), question, "Norda", 5), "Norda");
+}
+
+TEST(FileAnswers, NothingThatStaysIsAskedForOnceForEachLaterDevice)
+{
+    Answers answers;
+    int asked = 0;
+    const auto ask = [&] {
+        ++asked;
+        return ProfileAnswer(0, std::string(16, '\0'));
+    };
+    for (int device = 1; device <= 3; ++device) {
+        for (int pass = 1; pass <= 4; ++pass) {
+            static_cast<void>(answers.About(kInf, kStamp)->AnswerTo(Signature(), ask));
+        }
+        EXPECT_EQ(asked, 1 + device) << "twice for the first device";
+        answers.NextDevice();
+    }
+}
+
+TEST(FileAnswers, OneFailureOfALaterDeviceCostsOnePassOnly)
+{
+    Answers answers;
+    ProfileQuestion other = Signature();
+    other.key = "Class";
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), other, "Net"), "Net");
+    answers.NextDevice();
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), Signature(), "", 0), "");
+    EXPECT_EQ(Ask(*answers.About(kInf, kStamp), Signature(), "$CHICAGO$"), "$CHICAGO$");
+}
+
+TEST(FileAnswers, ModelSectionThatWasNotReadNeverOutlivesTheDevice)
+{
+    Answers answers;
+    int reads = 0;
+    const auto section = [&](std::uint32_t count) {
+        return answers.About(kInf, kStamp)->ModelSectionOf("Norda", [&] {
+            ++reads;
+            return std::make_shared<const ModelSection>(count, std::span<const char>());
+        });
+    };
+    EXPECT_FALSE(section(0)->WasRead());
+    EXPECT_FALSE(section(0)->WasRead());
+    EXPECT_FALSE(section(1)->WasRead()) << "kept for this device";
+    answers.NextDevice();
+    EXPECT_FALSE(section(0)->WasRead());
+    EXPECT_FALSE(section(1)->WasRead()) << "once for each later device";
+    EXPECT_EQ(reads, 3);
+    answers.NextDevice();
+    EXPECT_TRUE(section(1)->WasRead());
+    answers.NextDevice();
+    EXPECT_TRUE(section(0)->WasRead());
+    EXPECT_EQ(reads, 4);
 }

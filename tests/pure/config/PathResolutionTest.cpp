@@ -2,16 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-bool NoLeadBytes(unsigned char)
-{
-    return false;
-}
-bool ShiftJisLeadByte(unsigned char byte)
-{
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
+#include "../CodePages.h"
 
+namespace {
 std::string Resolve(const std::string& path, const std::string& setupDir, int levels,
                     LeadByteTest isLeadByte = NoLeadBytes)
 {
@@ -98,12 +91,9 @@ TEST(PathResolution, ABaseNameEndsAtTheLastFullStop)
 TEST(PathResolution, ASecondByteThatLooksLikeABackslashIsNone)
 {
     // 0x83 0x5C is one character; 0x5C alone is a backslash.
-    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\", ShiftJisLeadByte), "E:\\Kit\x83\\\\");
-    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\\\", ShiftJisLeadByte), "E:\\Kit\x83\\\\");
-    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83", ShiftJisLeadByte), "E:\\Kit\x83\\") << "a torn character";
-    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 1, ShiftJisLeadByte), "E:\\Kit\\Drv\\");
-    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 0, ShiftJisLeadByte), "E:\\Kit\\\x83\\Setup\\Drv\\");
-    EXPECT_EQ(LastBackslash("\\\x83\\x", ShiftJisLeadByte), 0U);
-    EXPECT_EQ(LastBackslash("\\\x83\\x", NoLeadBytes), 2U) << "in a code page without such characters";
-    EXPECT_EQ(LastBackslash("\x83\\", ShiftJisLeadByte), std::string_view::npos);
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\", IsJapaneseLeadByte), "E:\\Kit\x83\\\\");
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\\\", IsJapaneseLeadByte), "E:\\Kit\x83\\\\");
+    EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83", IsJapaneseLeadByte), "E:\\Kit\x83\\") << "a torn character";
+    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 1, IsJapaneseLeadByte), "E:\\Kit\\Drv\\");
+    EXPECT_EQ(Resolve("Drv", "E:\\Kit\\\x83\\Setup", 0, IsJapaneseLeadByte), "E:\\Kit\\\x83\\Setup\\Drv\\");
 }

@@ -49,6 +49,9 @@ TEST(DriverFamilies, APrefixElsewhereInTheNameDoesNotCount)
 {
     EXPECT_EQ(FamilyOfInf("\\XNGEA.INF"), nullptr);
     EXPECT_EQ(FamilyOfInf("NGEA.INF"), nullptr);
+    // The second byte of a letter that ends before the prefix.
+    EXPECT_EQ(FamilyOfInf("\\\x83\\NGEA.INF"), nullptr);
+    EXPECT_EQ(FamilyOfInf("\\X\\NGEA.INF"), nullptr);
 }
 
 TEST(DriverFamilies, NamesOfNoFamilyAndShorterNamesAreNotClassified)

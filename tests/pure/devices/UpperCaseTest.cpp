@@ -4,16 +4,9 @@
 
 #include <string>
 
-namespace {
-bool NoLeadBytes(unsigned char)
-{
-    return false;
-}
-bool ShiftJisLeadByte(unsigned char byte)
-{
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
+#include "../CodePages.h"
 
+namespace {
 std::string Upper(std::string text, LeadByteTest isLeadByte = NoLeadBytes)
 {
     MakeUpperCase(text, isLeadByte);
@@ -31,9 +24,9 @@ TEST(UpperCase, LettersOfAToZAreRaisedAndAllElseStays)
 
 TEST(UpperCase, TheSecondByteOfATwoByteCharacterStays)
 {
-    EXPECT_EQ(Upper("a\x83\x61z", ShiftJisLeadByte), "A\x83\x61Z");
-    EXPECT_EQ(Upper("\x83\x83\x61", ShiftJisLeadByte), "\x83\x83\x41");
-    EXPECT_EQ(Upper("a\x83", ShiftJisLeadByte), "A\x83");
+    EXPECT_EQ(Upper("a\x83\x61z", IsJapaneseLeadByte), "A\x83\x61Z");
+    EXPECT_EQ(Upper("\x83\x83\x61", IsJapaneseLeadByte), "\x83\x83\x41");
+    EXPECT_EQ(Upper("a\x83", IsJapaneseLeadByte), "A\x83");
 }
 
 TEST(UpperCase, TheTextEndsAtItsTerminatorOrWithItsBuffer)

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "Helper.h"
+#include "JapaneseCodePage.h"
 #include "LibraryTrace.h"
 #include "ProductKeys.h"
 #include "RegistryKeys.h"
@@ -112,4 +113,15 @@ TEST_F(AgentLibrariesOnDisk, AStatusTextThatIsNotThereIsEmpty)
     EXPECT_FALSE(helper.GetStatusText(kLibraries, 6, text));
     EXPECT_EQ(text.Text(), "");
     EXPECT_FALSE(helper.GetStatusText({}, 5, text));
+}
+
+TEST_F(AgentLibrariesOnDisk, ASecondByteThatLooksLikeABackslashIsNotTheDirectorysOwn)
+{
+    const JapaneseCodePage japanese;
+    const std::string missing = directory.At(kJapaneseLetter);
+    RecordPath(kTern, "InstalledDir", missing);
+    const LibraryTrace trace;
+    EXPECT_FALSE(helper.LoadAgentLibrary(kLibraries, "Agent", AgentLibraryUse::Code));
+    EXPECT_THAT(trace.Messages(), ::testing::Contains(::testing::StartsWith("LoadAgentLibrary() - LoadLibrary of " +
+                                                                            missing + "\\AgentOne.DLL failed - ")));
 }

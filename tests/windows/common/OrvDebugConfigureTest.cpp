@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "DebugOutput.h"
+#include "JapaneseCodePage.h"
 #include "LibraryTrace.h"
 #include "OrvDebug.h"
 #include "OrvRegKey.h"
@@ -226,6 +227,20 @@ TEST_F(TraceConfiguration, TheFallbackHasTheNameBehindTheLastBackslashAndIsNotAn
     EXPECT_THAT(debugger.OwnLines(),
                 ElementsAre("FILE PATH 1 IS ", InstalledPath(), "FILE PATH 2 IS ", InstalledPath() + "\\",
                             "FILE PATH 3 IS ", InInstalled(R"(not there\a.log)")));
+}
+
+TEST_F(TraceConfiguration, TheFallbackTakesNoSecondByteForTheLastBackslash)
+{
+    SetRegistryText(kProductKey, "InstalledDir", InInstalled("not there"));
+    const std::string name = std::string(kJapaneseLetter) + "a.log";
+    {
+        const JapaneseCodePage japanese;
+        // The whole name lies below a directory here, whose name ends with the letter's first byte.
+        EXPECT_EQ(Configure("Module", name), -1);
+    }
+    EXPECT_FALSE(FileExists(InTemp("a.log")));
+    EXPECT_EQ(Configure("Module", name), 0);
+    EXPECT_TRUE(FileExists(InTemp("a.log"))) << "in a code page without such characters";
 }
 
 TEST_F(TraceConfiguration, TheModuleKwelpadFallsBackToTempTooAndTellsTheDebuggerNothing)

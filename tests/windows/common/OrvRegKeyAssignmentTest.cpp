@@ -1,7 +1,8 @@
-// What an object keeps of the key before when a handle is assigned to it.
+// What becomes of the key before when a handle or an object is assigned.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "CallCount.h"
 #include "OrvRegKey.h"
 #include "RegistryKeys.h"
 
@@ -16,6 +17,12 @@ protected:
         HKEY handle = nullptr;
         RegOpenKeyExA(HKEY_LOCAL_MACHINE, scratch.Path().c_str(), 0, KEY_READ, &handle);
         return handle;
+    }
+
+    [[nodiscard]] static bool IsOpen(HKEY handle)
+    {
+        return RegQueryInfoKeyA(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                nullptr, nullptr) == ERROR_SUCCESS;
     }
 
     ScratchRegistryKey scratch{R"(SOFTWARE\Orv assignment test)"};
@@ -51,4 +58,51 @@ TEST_F(RegKeyAssignment, OfAHandleToAClosedObjectOpensItAndKeepsItsStatus)
     EXPECT_TRUE(key.GetValue("value", text));
     EXPECT_STREQ(text, "text");
     EXPECT_EQ(key.LastResult(), 0);
+}
+
+TEST_F(RegKeyAssignment, OfTheObjectsOwnHandleKeepsOneOwner)
+{
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, scratch.Path(), false));
+    const HKEY handle = key.GetHKey();
+    const CallCount closes("RegCloseKey");
+    key = key.GetHKey();
+    EXPECT_EQ(key.GetHKey(), handle);
+    EXPECT_EQ(key.KeyPath(), ("HKEY_LOCAL_MACHINE\\" + scratch.Path()).c_str());
+    EXPECT_TRUE(IsOpen(handle));
+    EXPECT_EQ(closes.Calls(), 0U);
+    key.Close();
+    EXPECT_EQ(closes.Calls(), 1U);
+    EXPECT_FALSE(IsOpen(handle));
+}
+
+TEST_F(RegKeyAssignment, OfAHandleThatTheObjectSharesKeepsItShared)
+{
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, scratch.Path(), false));
+    const HKEY handle = key.GetHKey();
+    const CallCount closes("RegCloseKey");
+    {
+        COrvRegKey other;
+        other = key;
+        other = other.GetHKey();
+        EXPECT_EQ(other.GetHKey(), handle);
+    }
+    EXPECT_TRUE(IsOpen(handle)) << "the first object holds it still";
+    EXPECT_EQ(closes.Calls(), 0U);
+    key.Close();
+    EXPECT_EQ(closes.Calls(), 1U);
+}
+
+TEST_F(RegKeyAssignment, OfAnObjectClosesTheKeyBeforeUnlessAnotherObjectSharesIt)
+{
+    COrvRegKey other;
+    COrvRegKey sharing;
+    ASSERT_TRUE(other.Open(HKEY_LOCAL_MACHINE, scratch.Path(), false));
+    ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, scratch.Path(), false));
+    const HKEY first = key.GetHKey();
+    sharing = key;
+    key = other;
+    EXPECT_EQ(key.GetHKey(), other.GetHKey());
+    EXPECT_TRUE(IsOpen(first)) << "shared";
+    sharing = other;
+    EXPECT_FALSE(IsOpen(first)) << "the last one that held it";
 }

@@ -14,10 +14,13 @@ constexpr int kMaximalBytes = 259;
 /// @return the text in a code page; no value when the code page lacks one of its characters.
 std::optional<std::string> Encode(const std::wstring& text, unsigned codePage)
 {
-    std::string bytes(text.size() * 2 + 1, '\0');
+    std::string bytes(text.size() * 3 + 1, '\0');
     BOOL replaced = FALSE;
-    const int length = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()),
-                                           bytes.data(), static_cast<int>(bytes.size()), nullptr, &replaced);
+    // UTF-8 has every character, and the platform allows no question about it.
+    const bool hasAll = codePage == CP_UTF8;
+    const int length =
+        WideCharToMultiByte(codePage, hasAll ? 0 : WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()),
+                            bytes.data(), static_cast<int>(bytes.size()), nullptr, hasAll ? nullptr : &replaced);
     if (length == 0 || replaced) {
         return {};
     }
@@ -52,16 +55,17 @@ TEST(Texts, EveryLanguageHasExactlyTheTextsOfTheProgram)
     }
 }
 
-TEST(Texts, EveryTextFitsTheMessageBufferInItsCodePage)
+TEST(Texts, EveryTextFitsTheMessageBufferInItsCodePageAndInUtf8)
 {
     const TextLibrary library;
     for (const Language& language : kLanguages) {
-        for (const uint32_t id : kTextIds) {
-            SCOPED_TRACE(testing::Message() << language.name << " text " << id);
-            const std::optional<std::string> bytes =
-                Encode(library.Text(language.id, id).value_or(L""), language.codePage);
-            ASSERT_TRUE(bytes.has_value());
-            EXPECT_LE(static_cast<int>(bytes->size()), kMaximalBytes);
+        for (const unsigned codePage : {language.codePage, unsigned{CP_UTF8}}) {
+            for (const uint32_t id : kTextIds) {
+                SCOPED_TRACE(testing::Message() << language.name << " text " << id << " code page " << codePage);
+                const std::optional<std::string> bytes = Encode(library.Text(language.id, id).value_or(L""), codePage);
+                ASSERT_TRUE(bytes.has_value());
+                EXPECT_LE(static_cast<int>(bytes->size()), kMaximalBytes);
+            }
         }
     }
 }

@@ -62,6 +62,14 @@ void MoveWriteTime(const std::string& path, int minutes)
     ASSERT_NE(SetFileTime(file.Get(), nullptr, nullptr, &time), FALSE);
 }
 
+/// @return the file, which nobody else can open for as long as it is open here.
+UniqueFile Locked(const std::string& path)
+{
+    const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    return UniqueFile(file);
+}
+
 class Reuse : public testing::Test
 {
 protected:
@@ -281,8 +289,7 @@ TEST_F(Reuse, FileThatCannotBeOpenedIsTriedAgainThoughItDidNotChange)
     WriteFileBytes(Inf(), QualifiedInf(kKey));
     const AnswerReuse reuse;
     {
-        const UniqueFile locked(CreateFileA(Inf().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-        ASSERT_TRUE(locked.IsOpen());
+        const UniqueFile locked = Locked(Inf());
         TraceCapture trace;
         EXPECT_EQ(Find(), "");
         EXPECT_THAT(trace.Messages(), Contains("unable to open file: " + Inf() + "\n"));
@@ -290,6 +297,78 @@ TEST_F(Reuse, FileThatCannotBeOpenedIsTriedAgainThoughItDidNotChange)
     TraceCapture trace;
     EXPECT_EQ(Find(), Inf());
     EXPECT_THAT(trace.Messages(), Not(Contains("unable to open file: " + Inf() + "\n")));
+}
+
+TEST_F(Reuse, FileLockedForTwoPassesBeforeItsFirstReadingIsFoundInTheThird)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    const AnswerReuse reuse;
+    {
+        const UniqueFile locked = Locked(Inf());
+        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(), "");
+    }
+    EXPECT_EQ(Find(), Inf());
+}
+
+TEST_F(Reuse, FileLockedForTwoPassesAfterItsFirstReadingIsFoundByTheNextDevice)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    AnswerReuse reuse;
+    ASSERT_NE(AnswersAbout(Inf()), nullptr) << "its mark was read";
+    {
+        const UniqueFile locked = Locked(Inf());
+        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(), "");
+    }
+    EXPECT_EQ(Find(), "") << "twice nothing counts for this device";
+    reuse.BeginDevice();
+    EXPECT_EQ(Find(), Inf());
+}
+
+TEST_F(Reuse, FileThatTheLockLetsGoInTheSecondPassIsFoundInThatPass)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    const AnswerReuse reuse;
+    ASSERT_NE(AnswersAbout(Inf()), nullptr) << "its mark was read";
+    {
+        const UniqueFile locked = Locked(Inf());
+        EXPECT_EQ(Find(), "");
+    }
+    EXPECT_EQ(Find(), Inf());
+}
+
+TEST_F(Reuse, FileLockedAfterItWasReadIsFoundThoughThePlatformCouldNotReadItNow)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    AnswerReuse reuse;
+    EXPECT_EQ(Find(), Inf());
+    const UniqueFile locked = Locked(Inf());
+    reuse.BeginDevice();
+    TraceCapture trace;
+    EXPECT_EQ(Find(), Inf());
+    EXPECT_THAT(trace.Messages(), Contains("file is not Unicode\n"));
+    EXPECT_THAT(trace.Messages(), Not(Contains("unable to open file: " + Inf() + "\n")));
+}
+
+TEST_F(Reuse, SectionThatAFileDoesNotHaveIsAskedForOnceForEachLaterDevice)
+{
+    WriteIni("Norda.NTamd64,Missing");
+    WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
+    AnswerReuse reuse;
+    const Questions questions;
+    for (int pass = 1; pass <= 4; ++pass) {
+        EXPECT_EQ(Find(), "");
+    }
+    const uint64_t asked = questions.Profile();
+    for (uint64_t device = 1; device <= 3; ++device) {
+        reuse.BeginDevice();
+        for (int pass = 1; pass <= 4; ++pass) {
+            EXPECT_EQ(Find(), "");
+        }
+        // Two for a section, one for the description that nothing was found for.
+        EXPECT_EQ(questions.Profile(), asked + device * 3);
+    }
 }
 
 TEST_F(Reuse, MissingFileIsAskedAboutEveryTime)

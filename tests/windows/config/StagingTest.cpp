@@ -10,6 +10,7 @@
 #include "DebugOutput.h"
 #include "Handles.h"
 #include "ImportOverride.h"
+#include "JapaneseCodePage.h"
 #include "LocationInfo.h"
 #include "RegistryAccess.h"
 #include "RegistryKeys.h"
@@ -317,6 +318,16 @@ TEST_F(Staging, TheProgramsDirectoryInItsShortFormIsTheCurrentOne)
     Win98InfNotAvail(Cab(""));
     EXPECT_EQ(shortForm.data(), CurrentDirectory());
     EXPECT_THAT(trace.Messages(), Contains("current directory:  " + std::string(shortForm.data()) + "\n"));
+}
+
+TEST_F(Staging, SecondByteThatLooksLikeABackslashDoesNotEndTheProgramsDirectory)
+{
+    const JapaneseCodePage japanese;
+    LocationInfo.programName = m_kit.At(kJapaneseLetter) + ".exe";
+    std::array<char, MAX_PATH> shortForm{};
+    ASSERT_NE(0U, GetShortPathNameA(m_kit.Path().c_str(), shortForm.data(), MAX_PATH));
+    Win98InfNotAvail(Cab(""));
+    EXPECT_EQ(shortForm.data(), CurrentDirectory());
 }
 
 TEST_F(Staging, DirectoriesAmongTheEntriesFailToCopyAndTheFilesAreCopiedAllTheSame)

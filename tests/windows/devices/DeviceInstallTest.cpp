@@ -11,6 +11,7 @@
 #include "DevicePassState.h"
 #include "DriverUpdate.h"
 #include "InfReader.h"
+#include "JapaneseCodePage.h"
 #include "LangString.h"
 #include "ResultKeys.h"
 
@@ -130,6 +131,18 @@ TEST_F(DeviceInstall, TheDialogTextHasAtMost259Characters)
     RecordingInstall install;
     InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
     EXPECT_EQ(dialog.Text(), "Installing " + std::string(248, 'x'));
+}
+
+TEST_F(DeviceInstall, TheCutOfTheDialogTextSplitsNoCharacter)
+{
+    const OwnTexts texts(1033);
+    const ControlWindow dialog;
+    ASSERT_TRUE(dialog.Exists());
+    const JapaneseCodePage japanese;
+    Describe(std::string(247, 'x') + kJapaneseLetter);
+    RecordingInstall install;
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
+    EXPECT_EQ(dialog.Text(), "Installing " + std::string(247, 'x'));
 }
 
 TEST_F(DeviceInstall, TheSourcePathExistsOnlyDuringTheCall)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -12,10 +13,14 @@
 #include "CallCount.h"
 #include "DeviceFixtures.h"
 #include "DevicePassState.h"
+#include "EntryPoints.h"
 #include "EnumerationEnd.h"
+#include "Handles.h"
+#include "ImportOverride.h"
 #include "InfSearch.h"
 #include "RegistryAccess.h"
 #include "ResultKeys.h"
+#include "SearchIds.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -466,6 +471,9 @@ TEST_F(DevicePass, NumberOfProfileReadsDependsOnNeitherDevicesNorPasses)
     kit.Add("Drv", "tav1.inf", "VEN_5D1A&DEV_0001");
     kit.Add("Drv", "tav2.inf", "VEN_5D1A&DEV_0002");
     kit.Add("Drv2", "tav3.inf", "VEN_5D1A&DEV_0003");
+    // What is not there is asked for once more with each device.
+    const std::string ini = kit.Directory().At("Morvix.ini");
+    WriteFileBytes(ini, "[Config]\r\nLevelsToRoot=0\r\n" + ReadFileBytes(ini));
     const uint64_t onePassOfOneDevice = ProfileReads([&] {
         const AnswerReuse reuse;
         std::vector<std::string> directories;
@@ -547,6 +555,51 @@ TEST_F(DevicePass, SetupIniThatChangesDuringAnInstallCountsForTheNextDevice)
     ASSERT_EQ(m_install.calls.size(), 2U);
     EXPECT_EQ(m_install.calls[1].hardwareId, "PCI\\" + order[1]);
     EXPECT_EQ(m_install.calls[1].infPath, UpperCased(inf));
+}
+
+namespace {
+/// An INF that nobody else can open any more once the platform is first asked about it, which is after its mark was
+/// read.
+struct InfToLock
+{
+    std::string path; ///< empty once it is locked
+    std::optional<UniqueFile> locked;
+};
+InfToLock infToLock;
+
+DWORD WINAPI LockAndAsk(LPCSTR section, LPCSTR key, LPCSTR defaultText, LPSTR buffer, DWORD size, LPCSTR file)
+{
+    static const auto ask =
+        FindEntry<decltype(&GetPrivateProfileStringA)>(GetModuleHandleA("kernel32.dll"), "GetPrivateProfileStringA");
+    if (file != nullptr && file == infToLock.path) {
+        infToLock.path.clear();
+        infToLock.locked.emplace(CreateFileA(file, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_TRUE(infToLock.locked->IsOpen());
+    }
+    return ask(section, key, defaultText, buffer, size, file);
+}
+} // namespace
+
+TEST_F(DevicePass, AnInfThatIsLockedDuringOneDevicesPassesServesTheNextDevice)
+{
+    InfKit kit;
+    const SimulatedDevice device(kDevice);
+    const SimulatedDevice other(kOtherDevice);
+    const std::vector<std::string> order = BothInOrder();
+    ASSERT_EQ(order.size(), 2U);
+    const std::string inf = kit.Add("Drv", "tav1.inf", order[1]);
+    infToLock.path = inf;
+    // The first device matches in its third pass, so that the locked INF has been asked about twice by then.
+    kit.Add("Drv", "tav2.inf", SearchIdForPass(order[0], 3).value());
+    m_install.duringCall = [] { infToLock.locked.reset(); };
+    const ImportOverride lock("GetPrivateProfileStringA", reinterpret_cast<void*>(LockAndAsk));
+    TraceCapture trace;
+    EXPECT_EQ(Run(), 0U);
+    ASSERT_EQ(m_install.calls.size(), 2U);
+    EXPECT_EQ(m_install.calls[1].hardwareId, "PCI\\" + order[1]);
+    EXPECT_EQ(m_install.calls[1].infPath, UpperCased(inf));
+    EXPECT_EQ(std::ranges::count(trace.Messages(), "signature section match for this OS not found\n"), 3)
+        << "once in each pass of the first device";
 }
 
 TEST_F(DevicePass, ADeviceBehindAMatchThatNoInfListsIsNotInstalledAndTheRecordStays)

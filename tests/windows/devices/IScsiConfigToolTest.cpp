@@ -80,6 +80,29 @@ TEST(IScsiConfigTool, TheCallReturnsOnlyWhenTheToolHasEnded)
     EXPECT_EQ(returnBeforeTheEnd, DWORD{WAIT_TIMEOUT});
 }
 
+TEST(IScsiConfigTool, WhileItRunsTheCallersWindowsAnswerSentMessages)
+{
+    const Tool tool([] { MakeHelperProgram(ToolPath()); });
+    const UniqueHandle started(CreateEventA(nullptr, TRUE, FALSE, kSlowToolStarted));
+    const UniqueHandle mayEnd(CreateEventA(nullptr, TRUE, FALSE, kSlowToolMayEnd));
+    const HWND window =
+        CreateWindowA("STATIC", "the window's text", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    ASSERT_NE(window, nullptr);
+    std::array<char, 64> text{};
+    LRESULT answered = 0;
+    TestThread sender([&] {
+        WaitForSingleObject(started.get(), 60000);
+        answered = SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                                       SMTO_NORMAL, 30000, nullptr);
+        SetEvent(mayEnd.get());
+    });
+    CalliSCSIConfigExe();
+    sender.join();
+    DestroyWindow(window);
+    EXPECT_NE(answered, 0);
+    EXPECT_STREQ(text.data(), "the window's text");
+}
+
 TEST(IScsiConfigTool, MissingToolIsTraced)
 {
     ASSERT_FALSE(FileExists(ToolPath()));

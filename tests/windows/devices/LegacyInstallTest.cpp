@@ -10,6 +10,7 @@
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
 #include "InfReader.h"
+#include "JapaneseCodePage.h"
 #include "RegistryAccess.h"
 
 using testing::ElementsAre;
@@ -96,6 +97,14 @@ TEST_F(LegacyInstall, TheProgramsDirectoryStaysTheCurrentDirectory)
     EXPECT_EQ(CurrentDirectory(), m_kit.Directory().Path());
 }
 
+TEST_F(LegacyInstall, ASecondByteThatLooksLikeABackslashDoesNotEndTheProgramsDirectory)
+{
+    const JapaneseCodePage japanese;
+    LocationInfo.programName = m_kit.Directory().At(kJapaneseLetter) + ".exe";
+    EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    EXPECT_EQ(CurrentDirectory(), m_kit.Directory().Path());
+}
+
 TEST_F(LegacyInstall, ADeviceWithoutKeyEndsItWithoutARun)
 {
     TraceCapture trace;
@@ -113,7 +122,7 @@ TEST_F(LegacyInstall, ADeviceWithoutInstancesRunsNothing)
     EXPECT_FALSE(RegistryKeyExists(kMsiKey));
 }
 
-TEST_F(LegacyInstall, AnInstanceWhosePathCannotBeWrittenIsSkippedWithoutAWord)
+TEST_F(LegacyInstall, AnInstanceWithoutTheKeyForItsPathIsSkippedWithoutAWord)
 {
     for (const char* instance : {"BUS_00", "BUS_01"}) {
         CreateRegistryKey(std::string(kDeviceKey) + "\\" + instance);
@@ -130,6 +139,32 @@ TEST_F(LegacyInstall, AnInstanceWhosePathCannotBeWrittenIsSkippedWithoutAWord)
     EXPECT_THAT(trace.Messages(), ElementsAre("Enter -> Win98Install", "g_98key: VEN_5D1A&DEV_1A2B\n",
                                               "opening registry key to enumerate: " + std::string(kDeviceKey) + "\n",
                                               "Exit -> Win98Install"));
+}
+
+namespace {
+LSTATUS WINAPI RefuseTheValue(HKEY, LPCSTR, DWORD, DWORD, const BYTE*, DWORD)
+{
+    return ERROR_NO_SYSTEM_RESOURCES;
+}
+} // namespace
+
+TEST_F(LegacyInstall, AValueThatCannotBeWrittenDoesNotKeepTheHelperFromRunning)
+{
+    CreateRegistryKey(std::string(kDeviceKey) + "\\BUS_00");
+    const std::string program = m_kit.Directory().At(kRundll);
+    MakeHelperProgram(program);
+    TraceCapture trace;
+    {
+        const ImportOverride refusal("RegSetValueExA", reinterpret_cast<void*>(RefuseTheValue));
+        EXPECT_EQ(Win98Install(kInf, kHardwareId), 0);
+    }
+    EXPECT_EQ(ReadRegistryValue(kMsiKey, "RegPCIpath"), std::nullopt);
+    EXPECT_EQ(LegacyRunsOf(program).size(), 1U);
+    std::vector<std::string> expected{"Enter -> Win98Install", "g_98key: VEN_5D1A&DEV_1A2B\n",
+                                      "opening registry key to enumerate: " + std::string(kDeviceKey) + "\n"};
+    Append(expected, LaunchLines(std::string(kDeviceKey) + "\\BUS_00", m_kit.Directory().Path()));
+    Append(expected, {"Exit -> Win98Install"});
+    EXPECT_EQ(trace.Messages(), expected);
 }
 
 TEST_F(LegacyInstall, AHelperThatCannotBeStartedDoesNotEndTheWalk)

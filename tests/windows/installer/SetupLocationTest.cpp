@@ -7,6 +7,7 @@
 #include <array>
 
 #include "DebugOutput.h"
+#include "JapaneseCodePage.h"
 #include "LocationInfo.h"
 #include "ScratchDirectory.h"
 
@@ -75,4 +76,13 @@ TEST_F(SetupLocation, EmptyProgramNameFindsNothing)
 {
     EXPECT_EQ(0, SetLocationInfo(""));
     EXPECT_EQ(m_scratch.Path(), LocationInfo.setupDir);
+}
+
+TEST_F(SetupLocation, SecondByteThatLooksLikeABackslashIsNone)
+{
+    const JapaneseCodePage japanese;
+    const std::string name = std::string(kJapaneseLetter) + "\\" + kJapaneseLetter + ".exe";
+    SetLocationInfo(name);
+    EXPECT_EQ(m_scratch.At(kJapaneseLetter), LocationInfo.setupDir)
+        << "no double backslash makes the name a full path, and the directory ends at the backslash";
 }

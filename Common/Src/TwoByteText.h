@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "LeadByte.h"
+
+/// 8-bit text in a code page with characters of two bytes. The second byte of such a character is no backslash, and a
+/// text is never cut between the two. Slashes and colons need no care: they are no second bytes in any code page.
+
+/// @return position of the last backslash; std::string_view::npos when there is none.
+[[nodiscard]] std::size_t LastBackslash(std::string_view path, LeadByteTest isLeadByte);
+
+[[nodiscard]] bool EndsWithBackslash(std::string_view path, LeadByteTest isLeadByte);
+
+/// @return true when two backslashes follow each other somewhere in `path`.
+[[nodiscard]] bool HasDoubleBackslash(std::string_view path, LeadByteTest isLeadByte);
+
+/// @return `text`, or as many whole characters of its start as fit into `maxBytes`.
+[[nodiscard]] std::string_view CutToBytes(std::string_view text, std::size_t maxBytes, LeadByteTest isLeadByte);

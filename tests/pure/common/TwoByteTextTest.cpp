@@ -1,0 +1,65 @@
+#include "TwoByteText.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "../CodePages.h"
+
+TEST(TwoByteText, ASecondByteIsNeverTheLastBackslash)
+{
+    for (const CodePage& page : kBackslashCodePages) {
+        const std::string letter(page.letter);
+        EXPECT_EQ(LastBackslash("\\" + letter + "x", page.isLeadByte), 0U) << page.number;
+        EXPECT_EQ(LastBackslash("\\" + letter + "\\x", page.isLeadByte), 3U) << page.number;
+        EXPECT_EQ(LastBackslash(letter, page.isLeadByte), std::string_view::npos) << page.number;
+    }
+    EXPECT_EQ(LastBackslash("\\\x83\\x", NoLeadBytes), 2U) << "in a code page without such characters";
+    EXPECT_EQ(LastBackslash("", NoLeadBytes), std::string_view::npos);
+}
+
+TEST(TwoByteText, ASecondByteIsNoBackslashAtTheEnd)
+{
+    for (const CodePage& page : kBackslashCodePages) {
+        const std::string letter(page.letter);
+        EXPECT_FALSE(EndsWithBackslash("C:\\Kit" + letter, page.isLeadByte)) << page.number;
+        EXPECT_TRUE(EndsWithBackslash("C:\\Kit" + letter + "\\", page.isLeadByte)) << page.number;
+    }
+    EXPECT_FALSE(EndsWithBackslash("", NoLeadBytes));
+    EXPECT_TRUE(EndsWithBackslash("\\", NoLeadBytes));
+}
+
+TEST(TwoByteText, ASecondByteAndABackslashAreNoDoubleBackslash)
+{
+    for (const CodePage& page : kBackslashCodePages) {
+        const std::string letter(page.letter);
+        EXPECT_FALSE(HasDoubleBackslash(letter + "\\x", page.isLeadByte)) << page.number;
+        EXPECT_TRUE(HasDoubleBackslash(letter + R"(\\x)", page.isLeadByte)) << page.number;
+        EXPECT_TRUE(HasDoubleBackslash(R"(\\server\)" + letter, page.isLeadByte)) << page.number;
+    }
+    EXPECT_FALSE(HasDoubleBackslash("", NoLeadBytes));
+    EXPECT_FALSE(HasDoubleBackslash(R"(\a\)", NoLeadBytes));
+}
+
+TEST(TwoByteText, ACutNeverSplitsACharacter)
+{
+    for (const CodePage& page : kCodePages) {
+        const std::string letter(page.letter);
+        EXPECT_EQ(CutToBytes("a" + letter + "b", 1, page.isLeadByte), "a") << page.number;
+        EXPECT_EQ(CutToBytes("a" + letter + "b", 2, page.isLeadByte), "a") << page.number;
+        EXPECT_EQ(CutToBytes("a" + letter + "b", 3, page.isLeadByte), "a" + letter) << page.number;
+        EXPECT_EQ(CutToBytes("a" + letter + "b", 4, page.isLeadByte), "a" + letter + "b") << page.number;
+        EXPECT_EQ(CutToBytes(letter + letter, 3, page.isLeadByte), letter) << page.number;
+        EXPECT_EQ(CutToBytes(letter, 1, page.isLeadByte), "") << page.number;
+        EXPECT_EQ(CutToBytes(letter, 0, page.isLeadByte), "") << page.number;
+    }
+    EXPECT_EQ(CutToBytes("abc", 2, NoLeadBytes), "ab");
+    EXPECT_EQ(CutToBytes("", 0, NoLeadBytes), "");
+}
+
+TEST(TwoByteText, ALeadByteWithoutItsSecondOneIsACharacterOfItsOwn)
+{
+    EXPECT_EQ(CutToBytes("a\x83", 2, IsJapaneseLeadByte), "a\x83");
+    EXPECT_EQ(CutToBytes("a\x83", 1, IsJapaneseLeadByte), "a");
+    EXPECT_EQ(LastBackslash("\\\x83", IsJapaneseLeadByte), 0U);
+}
