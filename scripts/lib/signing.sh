@@ -48,15 +48,24 @@ sign() {
 sign_sums() {
     # Without signed attributes there is no time in it: the same sums and key give the same bytes.
     local -a arguments=(-sign -binary -noattr -md sha256 -in "$1" -outform PEM -out "$1.p7s") password=(-passin pass:)
+    local certificates=$1.certificates
     signs || return 0
     [[ -z $sign_password_file ]] || password=(-passin "file:$sign_password_file")
     if [[ -n $sign_pkcs11 ]]; then
-        arguments+=(-engine pkcs11 -keyform engine -inkey "$sign_key" -signer "$sign_certificate" -certfile "$sign_certificate")
+        arguments+=(-engine pkcs11 -keyform engine -inkey "$sign_key")
+        cp -- "$sign_certificate" "$certificates"
     else
-        arguments+=(-inkey "$sign_pkcs12" -signer "$sign_pkcs12")
+        arguments+=(-inkey "$sign_pkcs12")
+        run_limited 60 openssl pkcs12 -in "$sign_pkcs12" "${password[@]}" -nokeys -out "$certificates" >"$release_log" 2>&1 ||
+            fail "cannot read $sign_pkcs12 (see $release_log)"
     fi
+    # The first certificate is the signer's, those after it lead to its root.
+    arguments+=(-signer "$certificates")
+    awk '/^-----BEGIN CERTIFICATE-----/ { ++count } count > 1' "$certificates" >"$certificates.chain"
+    [[ ! -s $certificates.chain ]] || arguments+=(-certfile "$certificates.chain")
     PKCS11_MODULE_PATH=$sign_pkcs11 run_limited 120 openssl cms "${arguments[@]}" "${password[@]}" >"$release_log" 2>&1 ||
         fail "cannot sign the sums (see $release_log)"
+    rm -f -- "$certificates" "$certificates.chain"
     [[ $sign_stamp == none ]] || stamp "$1.p7s" "$1.tsr"
 }
 

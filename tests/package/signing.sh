@@ -13,10 +13,15 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
 name=Morvix-$(product_version)
 token_library=/usr/lib/softhsm/libsofthsm2.so
 
-# make_certificate NAME PURPOSE: a certificate that is its own root, and its key.
+make_root() {
+    openssl req -x509 -newkey rsa:2048 -nodes -days 36500 -subj '/CN=Root' -keyout "$work/Root.key" -out "$work/Root.pem" 2>/dev/null
+}
+
+# make_certificate NAME PURPOSE: a certificate that leads to the root, with the root after it, and its key.
 make_certificate() {
-    openssl req -x509 -newkey rsa:2048 -nodes -days 36500 -subj "/CN=$1" -addext "extendedKeyUsage=$2" \
-        -keyout "$work/$1.key" -out "$work/$1.pem" 2>/dev/null
+    openssl req -x509 -newkey rsa:2048 -nodes -days 36500 -subj "/CN=$1" -CA "$work/Root.pem" -CAkey "$work/Root.key" \
+        -addext basicConstraints=CA:false -addext "extendedKeyUsage=$2" -keyout "$work/$1.key" -out "$work/$1.pem" 2>/dev/null
+    cat -- "$work/Root.pem" >>"$work/$1.pem"
 }
 
 make_pkcs12() {
@@ -73,7 +78,7 @@ catalogued_kit() {
         base=${inf%.inf}
         sed -i "s/^Provider = .*/&\nCatalogFile = $(basename -- "$base").cat\r/" "$inf"
         osslsigncode sign -certs "$work/Throw-away.pem" -key "$work/Throw-away.key" -h sha256 -in "$base.sys" -out "$work/hashed.sys" >/dev/null
-        hash=$(osslsigncode verify -in "$work/hashed.sys" 2>/dev/null | sed -n 's/^Calculated message digest *: *\([0-9A-F]*\).*/\1/p')
+        hash=$(osslsigncode verify -CAfile "$work/Root.pem" -in "$work/hashed.sys" 2>/dev/null | sed -n 's/^Calculated message digest *: *\([0-9A-F]*\).*/\1/p')
         rm -f -- "$work/hashed.sys"
         python3 "$repo/tests/package/lib/catalog.py" "$work/unsigned.cat" "$inf" "$base.sys=$hash"
         osslsigncode sign -certs "$work/Throw-away.pem" -key "$work/Throw-away.key" -h sha256 -in "$work/unsigned.cat" -out "$base.cat" >/dev/null
@@ -84,7 +89,7 @@ catalogued_kit() {
 catalogs_are_sound() {
     local driver
     for driver in "$1"/Drv/Win7x64/*.sys; do
-        run_limited 60 osslsigncode verify -catalog "${driver%.sys}.cat" -CAfile "$work/Throw-away.pem" -in "$driver" >"$work/verify.log" 2>&1 ||
+        run_limited 60 osslsigncode verify -catalog "${driver%.sys}.cat" -CAfile "$work/Root.pem" -in "$driver" >"$work/verify.log" 2>&1 ||
             return 1
     done
 }
@@ -100,12 +105,12 @@ finds_in_kit() {
 }
 
 has_good_signature() {
-    run_limited 60 osslsigncode verify -CAfile "$work/Throw-away.pem" -TSA-CAfile "$work/Stamper.pem" -in "$1" >"$work/verify.log" 2>&1
+    run_limited 60 osslsigncode verify -CAfile "$work/Root.pem" -TSA-CAfile "$work/Root.pem" -in "$1" >"$work/verify.log" 2>&1
 }
 
 is_stamped() { has_good_signature "$1" && grep -q '^Timestamp Server Signature verification: ok' "$work/verify.log"; }
 
-is_not_signed() { ! has_good_signature "$1" && grep -q 'No signature found' "$work/verify.log"; }
+is_not_signed() { ! has_good_signature "$1" && grep -qE 'No signature found|has no signature' "$work/verify.log"; }
 
 # all_are CHECK FILE...
 all_are() {
@@ -126,11 +131,11 @@ signature_of_a_changed_file_is_bad() {
 
 sums_are_signed() {
     run_limited 60 openssl cms -verify -binary -inform PEM -in "$1/SHA256SUMS.p7s" -content "$1/SHA256SUMS" \
-        -CAfile "$work/Throw-away.pem" -purpose any -out "$work/verified" >"$work/verify.log" 2>&1
+        -CAfile "$work/Root.pem" -purpose any -out "$work/verified" >"$work/verify.log" 2>&1
 }
 
 signature_of_the_sums_is_stamped() {
-    run_limited 60 openssl ts -verify -data "$1/SHA256SUMS.p7s" -in "$1/SHA256SUMS.tsr" -CAfile "$work/Stamper.pem" >"$work/verify.log" 2>&1
+    run_limited 60 openssl ts -verify -data "$1/SHA256SUMS.p7s" -in "$1/SHA256SUMS.tsr" -CAfile "$work/Root.pem" >"$work/verify.log" 2>&1
 }
 
 signature_of_changed_sums_is_bad() {
@@ -171,6 +176,7 @@ sign_with() {
 
 start_work signing
 release_log=$work/release.log
+make_root
 make_certificate Throw-away codeSigning
 make_certificate Stamper critical,timeStamping
 make_pkcs12
@@ -223,7 +229,6 @@ promise "the signature of the sums is stamped" signature_of_the_sums_is_stamped 
 promise "sums that were changed are found out" signature_of_changed_sums_is_bad "$work/signed"
 
 sign_with token "$stamper"
-sign_key=$sign_key
 cp -- "$dist/Morvix.exe" "$work/token.exe"
 cp -- "$work/unsigned/$name.msi" "$work/token.msi"
 mkdir -- "$work/token"
