@@ -7,6 +7,8 @@ set -euo pipefail
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
 # shellcheck source=lib/tables.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/tables.sh"
+# shellcheck source=../../scripts/lib/documents.sh
+source "$lib/documents.sh"
 # shellcheck source=lib/release.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
 
@@ -227,6 +229,16 @@ promise "the sums of a signed release are right" holds_sums_of "$work/signed" 4
 promise "the sums are signed" sums_are_signed "$work/signed"
 promise "the signature of the sums is stamped" signature_of_the_sums_is_stamped "$work/signed"
 promise "sums that were changed are found out" signature_of_changed_sums_is_bad "$work/signed"
+
+# The commands of the guide, in the folder of the release.
+guide_verifies() {
+    local number
+    extract_blocks "$repo/docs/SIGNING.md" "$work/guide"
+    number=$(awk -F '\t' '$3 == "text" && $4 == "verify" { print $1 }' "$work/guide/index")
+    cp -- "$work/Root.pem" "$1/root.pem"
+    (cd -- "$1" && run_limited 60 bash -euc "$(<"$work/guide/$number")") >"$work/verify.log" 2>&1
+}
+promise "the guide's commands verify a release" guide_verifies "$work/signed"
 
 sign_with token "$stamper"
 cp -- "$dist/Morvix.exe" "$work/token.exe"
