@@ -3,6 +3,9 @@
 # Sourced after common.sh.
 # shellcheck disable=SC2154
 
+# shellcheck source=publisher.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/publisher.sh"
+
 # Never changed: by it the engine knows every version of the package.
 msi_upgrade_code='ED0FD907-DB1D-468A-B3EE-C525716BD32A'
 
@@ -121,12 +124,24 @@ list_changes() {
     done < <(cd -- "$1" && find . -type f -printf '%P\n' | LC_ALL=C sort)
 }
 
+# Adds to `queries` what the list of programs shows beside name, version and maker, as far as the publisher has filled it in.
+list_publisher() {
+    local property key text
+    while read -r property key; do
+        text=$(publisher "$key")
+        [[ -z $text ]] || queries+=("INSERT INTO \`Property\` (\`Property\`, \`Value\`) VALUES ('$property', '$text')")
+    done <<<'ARPCONTACT contact
+ARPHELPLINK support_url
+ARPURLINFOABOUT product_url
+ARPURLUPDATEINFO update_url'
+}
+
 # The package's summary, with the one date and with a code made of all that is in it: another content is another package.
 # It goes in as a table file.
 list_summary() {
     local date code
     date=$(TZ=UTC date -d "@$(source_date)" '+%Y/%m/%d %H:%M:%S')
-    code=$(cd -- "$1" && find . -type f -print0 | LC_ALL=C sort -z | xargs -0 sha256sum -- "$2" "$repo/packaging/Morvix.wxs" "${BASH_SOURCE[0]}" |
+    code=$(cd -- "$1" && find . -type f -print0 | LC_ALL=C sort -z | xargs -0 sha256sum -- "$2" "$repo"/packaging/{Morvix.wxs,Morvix.ico,_Validation.idt} "$publisher_file" "${BASH_SOURCE[0]}" |
         cut -d ' ' -f 1 | sha256sum)
     printf '%s\t%s\r\n' PropertyId Value i2 l255 _SummaryInformation PropertyId 1 1252 2 'Installation Database' \
         3 "Morvix $3" 4 Norda 5 Installer 6 'Drivers for Norda network adapters' 7 'x64;1033' \
@@ -146,15 +161,17 @@ make_msi() {
     find "$parts" -exec touch -h -d "@$(source_date)" -- {} +
     list_kit "$parts/kit" >"$parts/kit.wxs"
     list_changes "$parts/kit"
+    list_publisher
     list_summary "$parts/kit" "$parts/MorvixActions.dll" "$version" >"$parts/_SummaryInformation.idt"
-    cp -- "$repo/packaging/Morvix.wxs" "$parts/"
+    cp -- "$repo"/packaging/{Morvix.wxs,Morvix.ico,_Validation.idt} "$parts/"
     # wixl takes names relative to its folder only. The cabinet's times are local ones.
     if ! TZ=UTC run_limited 120 env -C "$parts" wixl --arch x64 -o package.msi -D "Version=$version" \
         -D "ProductCode=$(product_code "$version")" -D "UpgradeCode=$msi_upgrade_code" \
         -D "VendorComponent=$(named_guid 'folder norda')" -D "FolderComponent=$(named_guid 'value InstallDir')" \
         -D Actions=MorvixActions.dll \
         Morvix.wxs kit.wxs >"$log" 2>&1 ||
-        ! TZ=UTC run_limited 60 msibuild "$parts/package.msi" -i "$parts/_SummaryInformation.idt" -q "${queries[@]}" >>"$log" 2>&1; then
+        ! TZ=UTC run_limited 60 msibuild "$parts/package.msi" -i "$parts/_Validation.idt" \
+            -i "$parts/_SummaryInformation.idt" -q "${queries[@]}" >>"$log" 2>&1; then
         fail "the package cannot be made (see $log)"
     fi
     mv -- "$parts/package.msi" "$3"

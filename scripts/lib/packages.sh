@@ -15,7 +15,9 @@ packages=(
     # the characters of the East Asian languages in pictures of the dialog
     fonts-wqy-microhei
     # the Windows Installer package, its tables, and what a release is made with
-    wixl msitools xxd zip unzip osslsigncode openssl
+    wixl msitools xxd zip unzip osslsigncode openssl libengine-pkcs11-openssl curl
+    # the checks of a release: a token in software, and schemas
+    softhsm2 python3-jsonschema python3-yaml
     # checks of the sources
     clang-format clang-tidy cppcheck shellcheck gcovr python3
     # the role for many machines, with the collection of Windows modules, and what reads its reports; the diagrams

@@ -1,25 +1,20 @@
 # shellcheck shell=bash
-# What is handed out: the package, the folder and its debug symbols as archives, sums of all of them, and signatures when
-# there is a certificate. The same commit gives the same bytes. Sourced after common.sh and msi.sh.
+# What is handed out: the package, the folder and its debug symbols as archives, the bill of materials, manifests, and sums of
+# all of them; signed when there is a key. The same commit gives the same bytes. Sourced after common.sh, msi.sh, signing.sh,
+# sbom.sh and manifests.sh.
 # shellcheck disable=SC2154
 
-# sign FILE...: signs programs, libraries, drivers or packages in place, when a certificate was given.
-sign() {
+# A folder whose kit is released instead of the sample.
+release_kit=''
+
+# put_kit FOLDER: puts the given kit in the place of the sample.
+put_kit() {
     local file
-    local -a arguments=(-pkcs12 "${sign_pkcs12:-}" -h sha256 -n Morvix -time "$(source_date)")
-    [[ -n ${sign_pkcs12:-} ]] || return 0
-    if [[ -n ${sign_password_file:-} ]]; then
-        arguments+=(-readpass "$sign_password_file")
-    else
-        arguments+=(-pass '')
-    fi
-    [[ -z ${sign_timestamp_url:-} ]] || arguments+=(-ts "$sign_timestamp_url")
-    for file in "$@"; do
-        run_limited 120 osslsigncode sign "${arguments[@]}" -in "$file" -out "$file.signed" >"$release_log" 2>&1 ||
-            fail "cannot sign ${file##*/} (see $release_log)"
-        # Written over, not moved: the file keeps its mode.
-        cat -- "$file.signed" >"$file"
-        rm -f -- "$file.signed"
+    [[ -n $release_kit ]] || return 0
+    [[ -d $release_kit/Drv ]] || fail "there is no $release_kit/Drv"
+    rm -rf -- "$1/Drv"
+    for file in Drv Morvix.ini Morvix.din; do
+        [[ ! -e $release_kit/$file ]] || cp -a -- "$release_kit/$file" "$1/"
     done
 }
 
@@ -51,26 +46,44 @@ archive() {
     ) || fail "cannot make ${2##*/}"
 }
 
+# Fills `programs` with the files of a kit that a release signs. A driver is signed with its catalog and left as it is.
+find_signed_programs() {
+    mapfile -d '' -t programs < <(find "$1" -type f \( -iname '*.exe' -o -iname '*.dll' \) -print0 | LC_ALL=C sort -z)
+}
+
+# write_sums FOLDER: the sums of all files below it.
+write_sums() {
+    (
+        cd -- "$1"
+        find . -type f ! -name 'SHA256SUMS*' -printf '%P\0' | LC_ALL=C sort -z | xargs -0 sha256sum -- >SHA256SUMS
+    )
+}
+
 # make_release BUILT TARGET: a release of what was built in the build folder BUILT, as the folder TARGET.
 make_release() {
     local built=$1 new=$2.new name parts=$2.parts
     local -a programs
     release_log=$2.log
-    name=Morvix-$(product_version)
+    name=Morvix-$(product_version)${sign_unsigned_kit:+-unsigned-kit}
     rm -rf -- "$new" "$parts"
     mkdir -p -- "$new" "$parts/symbols"
     {
         collect_built "$built" dist "$parts/kit" --strip && collect_built "$built" package "$parts/actions" --strip &&
             collect_built "$built" dist "$parts/unstripped" && collect_built "$built" package "$parts/unstripped"
     } >"$release_log" 2>&1 || fail "the files of the release cannot be collected (see $release_log)"
+    put_kit "$parts/kit"
+    require_signed_kit "$parts/kit"
     extract_symbols "$parts/unstripped" "$parts/symbols"
-    mapfile -d '' -t programs < <(programs_in "$parts/kit")
+    find_signed_programs "$parts/kit"
     sign "${programs[@]}" "$parts/actions/MorvixActions.dll"
     make_msi "$parts/kit" "$parts/actions/MorvixActions.dll" "$new/$name.msi"
     sign "$new/$name.msi"
+    make_sbom "$parts/kit" "$parts/actions/MorvixActions.dll" "$new/$name.cdx.json"
     archive "$parts/kit" "$new/$name.zip"
     archive "$parts/symbols" "$new/$name-symbols.zip"
-    (cd -- "$new" && sha256sum -- "$name.msi" "$name.zip" "$name-symbols.zip" >SHA256SUMS)
+    make_manifests "$new/$name.msi" "$new"
+    write_sums "$new"
+    sign_sums "$new/SHA256SUMS"
     rm -rf -- "$parts" "$2" "$release_log"
     mv -- "$new" "$2"
 }

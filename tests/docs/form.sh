@@ -14,6 +14,8 @@ guide=$repo/docs/KIT-AUTHORS.md
 administrators=$repo/docs/ADMINISTRATORS.md
 architecture=$repo/docs/ARCHITECTURE.md
 fleet=$repo/docs/FLEET.md
+signing=$repo/docs/SIGNING.md
+documents+=("$repo"/{CHANGELOG,SECURITY,CONTRIBUTING}.md "$repo"/packaging/README.md "$repo"/packaging/ansible/README.md)
 
 # without_blocks FILE: the text outside fenced blocks.
 without_blocks() { awk '/^ *```/ { inside = !inside; next } !inside' "$1"; }
@@ -149,9 +151,52 @@ same_values() {
     done
 }
 
+# Every code that the engine may end with is explained, in one row.
+exit_codes_are_explained() {
+    local code
+    for code in 0 3010 1641 1602 1603 1612 1618 1633 1638; do
+        [[ $(sed -n '/^\*\*Exit code of the package/,/^All commands/p' "$fleet" | grep -c "^| $code | ") == 1 ]] ||
+            { printf 'no row for %s\n' "$code"; return 1; }
+    done
+}
+
+# A refusal as the guide tells it: status, trace line, text, the package's log and its switch are the sources' own.
+refusal_is_as_told() {
+    grep -q 'e0000207' "$signing" && grep -q 'kRememberedInstallError = 0xE0000207' "$repo"/devices/*.cpp "$repo"/devices/*.h &&
+        grep -qF '`Morvix:  2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = e000022f`' "$signing" &&
+        grep -qF '" 2K/XP UpdateDriver() returned: %x ---> GetLastError = %x\n"' "$repo/devices/DeviceInstall.cpp" &&
+        grep -qF '"Some drivers could not be installed."' "$signing" && grep -qF '"Some drivers could not be installed."' "$repo/resources/texts/English.rc" &&
+        grep -qF '`Morvix: FAILURE of family TAVG_PCIE`' "$signing" && grep -qF 'FAILURE of family ' "$repo/packaging/actions/StepReport.cpp" &&
+        grep -qF '`FAILONFAILURE=1`' "$signing"
+}
+
+# What the kit author has to know about signatures has a heading, or a row of the table of what machines ask for.
+signing_is_covered() {
+    local subject
+    for subject in '## The catalog' '## Attestation' '## A lab: test signing' '| Secure Boot |' '| memory integrity (HVCI) |' \
+        '| Smart App Control' '| application control policies (WDAC) |' '## What a refusal looks like' \
+        '| trace |' '| result keys |' '| exit code |'; do
+        grep -qF -- "$subject" "$signing" || { printf 'nothing about %s\n' "$subject"; return 1; }
+    done
+}
+
+# Each option that the guide gives to scripts/package is one of its own.
+package_options_are_known() {
+    local option found=0
+    while read -r option; do
+        found=$((found + 1))
+        grep -qE -- "(^| )$option( \\||\\)| )" <(sed -n '/case \$option in/,/esac/p' "$repo/scripts/package") || { printf 'no option %s\n' "$option"; return 1; }
+    done < <(grep -ohE 'scripts/package [^`#]*' "$signing" "$repo/packaging/README.md" | grep -oE -- '--[a-z0-9-]+' | sort -u)
+    ((found >= 5))
+}
+
+no_licence_is_invented() {
+    [[ -e $repo/LICENSE ]] || { grep -q 'has not chosen a licence' "$repo/README.md" && [[ -z $(sed -n 's/^license=//p' "$repo/packaging/publisher.conf") ]]; }
+}
+
 mkdir -p -- "$build_dir/docs"
 promise "every link leads to a file or a heading" links_lead_somewhere
-for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md ARCHITECTURE.md; do
+for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md SIGNING.md ARCHITECTURE.md REAL-MACHINES.md; do
     promise "the first page links $document" first_page_links "$document"
 done
 promise "the diagrams are those that scripts/drawings draws" drawings_are_drawn
@@ -164,5 +209,10 @@ promise "the texts of the administrator's guide are shown" shown_texts_are_shown
 promise "the kit author's table of families is the program's" same_families
 promise "the kit author's table of sections is the kit's" same_sections
 promise "the result values of the administrator's guide are written" same_values
+promise "a refused driver looks as the guide says" refusal_is_as_told
+promise "the guide to signing covers what it has to" signing_is_covered
+promise "the options of scripts/package in the documents are its own" package_options_are_known
+promise "without a LICENSE the first page says that the owner has not chosen one" no_licence_is_invented
+promise "the exit codes of the package are explained" exit_codes_are_explained
 promise "the guide's variables of the role are the role's" same_variables
 end_promises

@@ -84,8 +84,24 @@ finds() {
     ! "$1" >/dev/null
 }
 
+# The list of programs shows an icon, which is one, and the maker; what the publisher has left empty is not there.
+shown_in_list() {
+    is "$(property ARPPRODUCTICON)" Morvix.ico && cmp -- "$tables/_Streams/Icon.Morvix.ico" "$repo/packaging/Morvix.ico" &&
+        [[ $(identify -- "ico:$tables/_Streams/Icon.Morvix.ico" | wc -l) == 3 ]] && is "$(property Manufacturer)" "$(publisher maker)" &&
+        is "$(property ARPCONTACT)$(property ARPHELPLINK)$(property ARPURLINFOABOUT)$(property ARPURLUPDATEINFO)" \
+            "$(publisher contact)$(publisher support_url)$(publisher product_url)$(publisher update_url)"
+}
+
+published() {
+    is "$(property ARPCONTACT)" 'Help desk, +00 000' && is "$(property ARPHELPLINK)" https://help.test/morvix &&
+        is "$(property ARPURLINFOABOUT)" https://www.test/ && is "$(property ARPURLUPDATEINFO)" https://www.test/new
+}
+
+refuses_publisher() { ! (publisher_file=$2 && publisher "$1") >/dev/null 2>&1; }
+
 start_work tables
 read_tables "$package"
+promise "every cell fits the rule of its column" cells_fit_their_rules
 promise "no reference to another table is unresolved" references_resolve
 promise "every key path is there" key_paths_resolve
 promise "every action and its library entry point is there" actions_resolve
@@ -109,6 +125,7 @@ promise "the uninstaller runs before the files go" in_order InstallInitialize Ru
 promise "the folder is remembered before the folders are worked out" \
     in_order AppSearch KeepFolder CostInitialize CostFinalize
 promise "a quiet run leaves the restart to its caller" is "$(condition_of LeaveRestartToCaller)" 'UILevel=2 AND NOT REBOOT'
+promise "the list of programs shows icon, maker and what the publisher has filled in" shown_in_list
 promise "the package is for x64" is "$(summary "$package" Template)" 'x64;1033'
 promise "the package is compressed and asks for elevation" is "$(summary "$package" Source)" '2 (2)'
 promise "the library of the steps needs the platform only" library_needs_the_platform_only
@@ -116,6 +133,19 @@ promise "the library of the steps needs the platform only" library_needs_the_pla
 copy_kit next
 printf 'more\r\n' >>"$kit/Morvix.ini"
 package_kit "$version"
+cp -- "$repo/packaging/publisher.conf" "$work/publisher.conf"
+sed -i 's|^contact=.*|contact=Help desk, +00 000|; s|^support_url=.*|support_url=https://help.test/morvix|
+    s|^product_url=.*|product_url=https://www.test/|; s|^update_url=.*|update_url=https://www.test/new|' "$work/publisher.conf"
+publisher_file=$work/publisher.conf
+make_msi "$kit" "$actions" "$work/published.msi"
+read_tables "$work/published.msi"
+promise "what the publisher has filled in is in the list of programs" published
+promise "a package with these has sound tables" tables_are_sound
+publisher_file=$repo/packaging/publisher.conf
+sed 's|^support_url=.*|support_url=example|' "$publisher_file" >"$work/publisher.bad"
+promise "a link that is none is refused" refuses_publisher support_url "$work/publisher.bad"
+sed "s|^contact=.*|contact=it's|" "$publisher_file" >"$work/publisher.bad"
+promise "a quote in a publisher's text is refused" refuses_publisher contact "$work/publisher.bad"
 promise "other content is another package" \
     test "$(summary "$package" 'Revision number (UUID)')" != "$(summary "$kit_package" 'Revision number (UUID)')"
 package_kit 99.0.0
@@ -126,6 +156,18 @@ promise "a component keeps its identifier in the next version" \
 promise "the next version is another product" is "$(property ProductCode)" "{$(product_code 99.0.0)}"
 promise "the next version has sound tables" tables_are_sound
 
+promise "the checks find a column without a rule" \
+    finds cells_fit_their_rules "DELETE FROM \`_Validation\` WHERE \`Column\` = 'DefaultDir'"
+promise "the checks find a value out of its range" \
+    finds cells_fit_their_rules "UPDATE \`Component\` SET \`Attributes\` = 512 WHERE \`Component\` = 'KeptFolder'"
+promise "the checks find a value outside its set" \
+    finds cells_fit_their_rules "UPDATE \`RemoveFile\` SET \`InstallMode\` = 4"
+promise "the checks find an identifier that is none" \
+    finds cells_fit_their_rules "UPDATE \`CustomAction\` SET \`Source\` = '1ST' WHERE \`Action\` = 'RecordFolder'"
+promise "the checks find an identifier in small letters" \
+    finds cells_fit_their_rules "UPDATE \`Component\` SET \`ComponentId\` = '{c60e375d-c9b4-5271-9c15-dbcdc4baedd5}' WHERE \`Component\` = 'KeptFolder'"
+promise "the checks find a bracket that is left open" \
+    finds cells_fit_their_rules "UPDATE \`CustomAction\` SET \`Target\` = '[KEPTFOLDER' WHERE \`Action\` = 'KeepFolder'"
 promise "the checks find a folder without a row" \
     finds references_resolve "DELETE FROM \`Directory\` WHERE \`Directory\` = 'INSTALLDIR'"
 promise "the checks find a component without its file" \

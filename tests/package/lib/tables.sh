@@ -171,7 +171,10 @@ media_holds_files() {
     rows File Sequence | awk -v last="$(rows Media LastSequence)" '$1 < 1 || $1 > last' | complain 'file behind the last one'
 }
 
+# Every cell fits the rule that the package itself has for its column, and every column has one.
+cells_fit_their_rules() { run_limited 60 python3 "$repo/tests/package/lib/validation.py" "$tables"; }
+
 tables_are_sound() {
-    references_resolve && key_paths_resolve && actions_resolve && properties_resolve && public_properties_are_passed_on &&
+    cells_fit_their_rules && references_resolve && key_paths_resolve && actions_resolve && properties_resolve && public_properties_are_passed_on &&
         component_rules && file_names && sequences_are_orders && media_holds_files
 }

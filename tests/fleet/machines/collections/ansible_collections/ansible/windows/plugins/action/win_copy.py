@@ -1,4 +1,4 @@
-import os
+import hashlib
 
 from ansible_collections.ansible.windows.plugins.module_utils.machine import note
 from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import RecordedAction
@@ -12,8 +12,10 @@ class ActionModule(RecordedAction):
         if folder not in state.get("folders", []):
             return {"failed": True, "msg": "there is no folder " + folder}
         note(state, "copy")
-        size = os.path.getsize(options["src"])
+        with open(options["src"], "rb") as file:
+            checksum = hashlib.sha256(file.read()).hexdigest()
         files = state.setdefault("files", {})
-        changed = files.get(options["dest"]) != size
-        files[options["dest"]] = size
+        changed = files.get(options["dest"]) != checksum
+        # Somebody else may write to the folder.
+        files[options["dest"]] = state.get("exchanged_for", checksum)
         return {"changed": changed}

@@ -1,11 +1,15 @@
 from ansible_collections.ansible.windows.plugins.module_utils.machine import note
-from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import RecordedAction
+from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import REGISTRATIONS, RecordedAction
 
 
 class ActionModule(RecordedAction):
     OPTIONS = {"path": {"required": True}}
+    ONLY_LOOKS = True
 
     def act(self, options, state):
+        if options["path"].startswith(REGISTRATIONS):
+            note(state, "ask for " + options["path"][len(REGISTRATIONS) :])
+            return {"changed": False, "exists": state["product_installed"]}
         note(state, "read keys")
         values = state["registry"]
         if not values:

@@ -8,6 +8,26 @@ from ansible_collections.ansible.windows.plugins.module_utils.machine import mac
 
 PATH = os.environ["RECORDED_MACHINE"]
 
+
+def properties_of(command_line):
+    """The properties as Windows Installer reads them: blanks part them outside quotes, and a doubled quote within is one."""
+    words, word, quoted, at = [], "", False, 0
+    while at < len(command_line):
+        character = command_line[at]
+        if character == '"' and quoted and command_line[at + 1 : at + 2] == '"':
+            word += character
+            at += 1
+        elif character == '"':
+            quoted = not quoted
+        elif character == " " and not quoted:
+            words.append(word)
+            word = ""
+        else:
+            word += character
+        at += 1
+    return dict(each.split("=", 1) for each in words + [word] if each)
+
+
 module = AnsibleModule(
     {
         "path": {"required": True},
@@ -23,10 +43,12 @@ with machine(PATH) as state:
     wanted = not state["product_installed"]
     if not module.check_mode:
         note(state, "install")
-        state["arguments"] = module.params["arguments"]
+        state["properties"] = properties_of(module.params["arguments"] or "")
         # From here on the machine can only be reached after so many attempts.
         state["lost"] = state.get("loses", 0)
     recorded = state.get("installation", {})
+    # The engine may register the product long before the drivers are bound.
+    state["product_installed"] = state["product_installed"] or recorded.get("registers_first", False)
 if module.check_mode or not wanted:
     module.exit_json(changed=wanted, reboot_required=False)
 
