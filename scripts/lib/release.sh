@@ -54,9 +54,8 @@ find_signed_programs() {
 # write_sums FOLDER: the sums of all files below it.
 write_sums() {
     (
-        cd -- "$1"
-        find . -type f ! -name 'SHA256SUMS*' -printf '%P\0' | LC_ALL=C sort -z | xargs -0 sha256sum -- >SHA256SUMS
-    )
+        cd -- "$1" && find . -type f ! -name 'SHA256SUMS*' -printf '%P\0' | LC_ALL=C sort -z | xargs -0 sha256sum -- >SHA256SUMS
+    ) || fail "the sums cannot be made"
 }
 
 # make_release BUILT TARGET: a release of what was built in the build folder BUILT, as the folder TARGET.

@@ -71,11 +71,12 @@ sign_sums() {
 
 # stamp FILE ANSWER: has the service stamp the file.
 stamp() {
-    run_limited 60 openssl ts -query -data "$1" -sha256 -cert -out "$2.query" >"$release_log" 2>&1 &&
-        run_limited 120 curl --silent --show-error --fail --header 'Content-Type: application/timestamp-query' \
-            --data-binary "@$2.query" --output "$2" "$sign_stamp" >"$release_log" 2>&1 &&
-        run_limited 60 openssl ts -reply -in "$2" -text >"$release_log" 2>&1 && grep -q '^Status: Granted' "$release_log" ||
+    if ! run_limited 60 openssl ts -query -data "$1" -sha256 -cert -out "$2.query" >"$release_log" 2>&1 ||
+        ! run_limited 120 curl --silent --show-error --fail --header 'Content-Type: application/timestamp-query' \
+            --data-binary "@$2.query" --output "$2" "$sign_stamp" >"$release_log" 2>&1 ||
+        ! run_limited 60 openssl ts -reply -in "$2" -text >"$release_log" 2>&1 || ! grep -q '^Status: Granted' "$release_log"; then
         fail "the service does not stamp ${1##*/} (see $release_log)"
+    fi
     rm -f -- "$2.query"
 }
 

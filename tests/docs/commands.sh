@@ -84,9 +84,9 @@ set_value() { run_limited 60 wine reg add "$1" /v "$2" /d "$3" /f "/reg:${4:-64}
 
 # Each state that must not be taken for an installation, and the two that must.
 try_detection() {
-    local uninstall='HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall\' driver
+    local uninstall='HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall' driver
     local -a install=(wine msiexec /i 'C:\Deploy\Morvix.msi' /qn /norestart)
-    uninstall+="{$(product_code "$(product_version)")}"
+    uninstall+="\\{$(product_code "$(product_version)")}"
     promise "FLEET.md: the rules name the product and the version of the package" \
         same "$(rules | head -n 1)" "$uninstall"$'\tDisplayVersion\t'"\`$(product_version)\`"
     run_limited 120 wine msiexec /x 'C:\Deploy\Morvix.msi' /qn /norestart >/dev/null 2>&1 || true
