@@ -20,6 +20,7 @@
 #include "RunState.h"
 #include "SetupLocation.h"
 #include "SingleInstance.h"
+#include "SystemLibrary.h"
 #include "SystemProbe.h"
 #include "Trace.h"
 #include "UnhandledFault.h"
@@ -136,6 +137,8 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
+    // First of all: the program has an administrator's rights.
+    TakeCurrentDirectoryOutOfLibrarySearch();
     EndOnEveryFault();
     // Caught, and not left to the language runtime, so that everything on the way here is given back.
     try {

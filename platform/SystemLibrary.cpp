@@ -20,3 +20,12 @@ UniqueLibrary LoadSystemLibrary(const char* fileName) noexcept
     std::memcpy(path.data() + directoryChars + 1, fileName, nameBytes);
     return UniqueLibrary(LoadLibraryExA(path.data(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
+
+void TakeCurrentDirectoryOutOfLibrarySearch() noexcept
+{
+    std::array<char, MAX_PATH> directory{};
+    const UINT chars = GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size()));
+    // A named directory takes the current one's place in the search; the system's is searched anyway. An empty text
+    // says the same on Windows, but Wine takes it for the default search.
+    SetDllDirectoryA(chars < directory.size() ? directory.data() : "");
+}
