@@ -9,6 +9,7 @@
 #include "CommandLine.h"
 #include "DialogControls.h"
 #include "DriverInstallRecord.h"
+#include "ErrorMode.h"
 #include "LangString.h"
 #include "LanguageTable.h"
 #include "LocationInfo.h"
@@ -139,6 +140,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
     // First of all: the program has an administrator's rights.
     TakeCurrentDirectoryOutOfLibrarySearch();
+    ReportCriticalErrorsToTheProgram();
     EndOnEveryFault();
     // Caught, and not left to the language runtime, so that everything on the way here is given back.
     try {

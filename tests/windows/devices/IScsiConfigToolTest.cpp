@@ -7,6 +7,7 @@
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "ErrorMode.h"
 #include "Handles.h"
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
@@ -109,8 +110,16 @@ struct Start
     DWORD flags = 0;
     bool hasEnvironment = true;
     bool hasDirectory = true;
+    UINT errorMode = 0; ///< the one that it would inherit
 };
 Start lastStart;
+
+UINT CurrentErrorMode()
+{
+    const UINT mode = SetErrorMode(0);
+    SetErrorMode(mode);
+    return mode;
+}
 
 BOOL WINAPI NoteStart(LPCSTR program, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL inherit, DWORD flags,
                       LPVOID environment, LPCSTR directory, LPSTARTUPINFOA, LPPROCESS_INFORMATION)
@@ -119,7 +128,8 @@ BOOL WINAPI NoteStart(LPCSTR program, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_A
                  .inherits = inherit != FALSE,
                  .flags = flags,
                  .hasEnvironment = environment != nullptr,
-                 .hasDirectory = directory != nullptr};
+                 .hasDirectory = directory != nullptr,
+                 .errorMode = CurrentErrorMode()};
     return FALSE;
 }
 } // namespace
@@ -134,4 +144,19 @@ TEST(IScsiConfigTool, IsStartedWithoutAWindowAndInheritsNothing)
     EXPECT_EQ(lastStart.flags, DWORD{CREATE_NO_WINDOW});
     EXPECT_FALSE(lastStart.hasEnvironment) << "it runs in the program's own environment";
     EXPECT_FALSE(lastStart.hasDirectory) << "and in its current directory";
+}
+
+TEST(IScsiConfigTool, InheritsTheErrorModeThatThisProcessStartedWith)
+{
+    const UINT before = SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    ReportCriticalErrorsToTheProgram();
+    EXPECT_EQ(CurrentErrorMode(), UINT{SEM_NOOPENFILEERRORBOX | SEM_FAILCRITICALERRORS});
+    lastStart = {};
+    {
+        const ImportOverride note("CreateProcessA", reinterpret_cast<void*>(NoteStart));
+        CalliSCSIConfigExe();
+    }
+    EXPECT_EQ(lastStart.errorMode, UINT{SEM_NOOPENFILEERRORBOX});
+    EXPECT_EQ(CurrentErrorMode(), UINT{SEM_NOOPENFILEERRORBOX | SEM_FAILCRITICALERRORS});
+    SetErrorMode(before);
 }
