@@ -6,24 +6,44 @@
 #include <string>
 
 #include "AdapterRegistry.h"
+#include "EntryPoints.h"
 #include "FcoeAdapter.h"
 #include "Handles.h"
 #include "HbaApiInt.h"
 #include "OrvString.h"
+#include "SystemLibrary.h"
 #include "Trace.h"
 
 namespace {
 constexpr GUID kNetworkAdapterClass = {0x4D36E972, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
+/// The functions that list devices. Windows XP and Server 2003 do not know their library as one of the system's own, so
+/// a file of its name beside the program would come first.
+struct DeviceListFunctions
+{
+    UniqueLibrary library = LoadSystemLibrary("setupapi.dll");
+    SetupDiGetClassDevsFn list = FindEntry<SetupDiGetClassDevsFn>(library.get(), "SetupDiGetClassDevsA");
+    SetupDiEnumDeviceInfoFn enumerate = FindEntry<SetupDiEnumDeviceInfoFn>(library.get(), "SetupDiEnumDeviceInfo");
+    SetupDiGetDeviceRegistryPropertyFn getProperty =
+        FindEntry<SetupDiGetDeviceRegistryPropertyFn>(library.get(), "SetupDiGetDeviceRegistryPropertyA");
+    SetupDiDestroyDeviceInfoListFn destroy =
+        FindEntry<SetupDiDestroyDeviceInfoListFn>(library.get(), "SetupDiDestroyDeviceInfoList");
+
+    [[nodiscard]] bool AreComplete() const
+    {
+        return list != nullptr && enumerate != nullptr && getProperty != nullptr && destroy != nullptr;
+    }
+};
+
 /// Owns a device list.
 class AdapterList
 {
 public:
-    explicit AdapterList(HDEVINFO list) : m_list(list) {}
+    explicit AdapterList(HDEVINFO list) : m_list(m_functions.AreComplete() ? list : INVALID_HANDLE_VALUE) {}
     ~AdapterList()
     {
         if (IsOpen()) {
-            SetupDiDestroyDeviceInfoList(m_list);
+            m_functions.destroy(m_list);
         }
     }
     AdapterList(const AdapterList&) = delete;
@@ -31,12 +51,12 @@ public:
 
     [[nodiscard]] bool IsOpen() const { return m_list != INVALID_HANDLE_VALUE; }
 
-    /// @return false when there is no such adapter; the last error then says why: ERROR_NO_MORE_ITEMS behind the last.
+    /// @return false when there is no such adapter; the last error then says why: ERROR_NO_MORE_ITEMS after the last.
     [[nodiscard]] bool At(DWORD index, SP_DEVINFO_DATA& device) const
     {
         device = {};
         device.cbSize = sizeof(device);
-        return SetupDiEnumDeviceInfo(m_list, index, &device) != FALSE;
+        return m_functions.enumerate(m_list, index, &device) != FALSE;
     }
 
     /// @return the device's driver key below the system's class key.
@@ -45,14 +65,15 @@ public:
         constexpr DWORD kKeyBytes = 260;
         // One byte more than is asked for: a stored text without its terminator ends there.
         std::array<char, kKeyBytes + 1> key{};
-        if (SetupDiGetDeviceRegistryPropertyA(m_list, &device, SPDRP_DRIVER, nullptr,
-                                              reinterpret_cast<BYTE*>(key.data()), kKeyBytes, nullptr) == FALSE) {
+        if (m_functions.getProperty(m_list, &device, SPDRP_DRIVER, nullptr, reinterpret_cast<BYTE*>(key.data()),
+                                    kKeyBytes, nullptr) == FALSE) {
             return std::nullopt;
         }
         return std::string(key.data());
     }
 
 private:
+    DeviceListFunctions m_functions;
     HDEVINFO m_list;
 };
 
@@ -130,8 +151,10 @@ bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters)
 bool AreFCoEBootEnabledPortsPresent()
 {
     Trace("Entering -> AreFCoEBootEnabledPortsPresent()");
-    const bool found =
-        AreFCoEBootEnabledPortsAmong(SetupDiGetClassDevsA(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT));
+    const DeviceListFunctions functions;
+    const bool found = AreFCoEBootEnabledPortsAmong(
+        functions.AreComplete() ? functions.list(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT)
+                                : INVALID_HANDLE_VALUE);
     Trace("Exiting -> AreFCoEBootEnabledPortsPresent()");
     return found;
 }

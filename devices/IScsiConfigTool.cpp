@@ -4,19 +4,26 @@
 
 #include <string>
 
+#include "ErrorMode.h"
 #include "Handles.h"
 #include "SentMessages.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
 
 namespace {
-bool RunAndWait(std::string commandLine)
+bool Start(std::string& commandLine, PROCESS_INFORMATION& process)
 {
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
+    const StartErrorMode inherited;
+    return CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr,
+                          &startup, &process) != FALSE;
+}
+
+bool RunAndWait(std::string commandLine)
+{
     PROCESS_INFORMATION process{};
-    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr,
-                       &startup, &process) == FALSE) {
+    if (!Start(commandLine, process)) {
         return false;
     }
     const UniqueHandle processOwner(process.hProcess);

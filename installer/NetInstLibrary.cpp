@@ -7,12 +7,23 @@
 #include "EntryPoints.h"
 #include "Handles.h"
 #include "LocationInfo.h"
+#include "SystemLibrary.h"
 #include "Trace.h"
 
 namespace {
-// By full path, so that the system's search order has no part in it.
+/// An installer library links setupapi.dll, which Windows XP and Server 2003 do not know as one of the system's own:
+/// the loader would take a file of its name from the program's folder. Once the system's is loaded, the name means that
+/// one.
+void KeepSystemSetupLibraryLoaded()
+{
+    static const HMODULE library = LoadSystemLibrary("setupapi.dll").release();
+    static_cast<void>(library);
+}
+
+// By full path: the search for libraries is bypassed.
 DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
 {
+    KeepSystemSetupLibraryLoaded();
     const std::string path = LocationInfo.setupDir + "\\" + kNetInstLibrary;
     UniqueLibrary library(LoadLibraryA(path.c_str()));
     const auto entry = library ? FindEntry<DllGetClassFactoryObjectFn>(library.get(), kNetInstEntryPoint) : nullptr;

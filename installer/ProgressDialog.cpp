@@ -323,6 +323,7 @@ INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LP
 
 DWORD WINAPI InstallThread(void* parameters)
 {
+    KeepStackForFaults();
     try {
         RunInstallThread(*static_cast<InstallThreadParameters*>(parameters));
     } catch (...) {

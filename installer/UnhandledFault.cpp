@@ -2,14 +2,19 @@
 
 #include <windows.h>
 
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 
+#include "EntryPoints.h"
 #include "Trace.h"
 
 namespace {
@@ -54,12 +59,99 @@ extern "C" void EndOnAbort(int /*signal*/)
 {
     EndAsFailed();
 }
+
+std::string Hex(std::uintptr_t number)
+{
+    std::array<char, 2 + 2 * sizeof(number) + 1> text{};
+    static_cast<void>(std::snprintf(text.data(), text.size(), "0x%llX", static_cast<unsigned long long>(number)));
+    return text.data();
+}
+
+/// @return file name and offset of the module that holds `address`, or the address itself.
+std::string PlaceOf(const void* address)
+{
+    HMODULE module = nullptr;
+    std::array<char, MAX_PATH> path{};
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<const char*>(address), &module) == FALSE ||
+        GetModuleFileNameA(module, path.data(), path.size() - 1) == 0) {
+        return Hex(reinterpret_cast<std::uintptr_t>(address));
+    }
+    const std::string_view file(path.data());
+    return std::string(file.substr(file.rfind('\\') + 1)) + "+" +
+           Hex(reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(module));
+}
+
+// What the language runtime had installed: it turns a C++ exception that nothing catches into a call of terminate.
+LPTOP_LEVEL_EXCEPTION_FILTER runtimeFilter = nullptr;
+std::atomic<bool> faultTraced = false;
+
+bool IsOfTheLanguageRuntime(DWORD code)
+{
+    // "GCC" with the bits of an exception that a program defines; the lowest four bits of the first digit vary.
+    constexpr DWORD kFixedBits = 0x20FFFFFF;
+    constexpr DWORD kGccException = 0x20474343;
+    return (code & kFixedBits) == kGccException;
+}
+
+/// Called for an exception of the processor or the system that nothing handles, on the thread that raised it.
+LONG WINAPI TraceFault(EXCEPTION_POINTERS* fault)
+{
+    const EXCEPTION_RECORD& record = *fault->ExceptionRecord;
+    if (IsOfTheLanguageRuntime(record.ExceptionCode) && runtimeFilter != nullptr) {
+        return runtimeFilter(fault);
+    }
+    // A process that is damaged enough to fail here as well comes back, on this thread or on another.
+    if (!faultTraced.exchange(true)) {
+        try {
+            Trace("unhandled fault: exception ", Hex(record.ExceptionCode), " at ", PlaceOf(record.ExceptionAddress),
+                  "\n");
+        } catch (...) { // NOLINT(bugprone-empty-catch): without memory even for the trace, the exit code has to do
+        }
+    }
+    // The system reports it and ends the process with the exception's code.
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+/// Has the system report without asking: nobody may be there to answer.
+void ReportFaultsQuietly()
+{
+    using WerSetFlagsFn = HRESULT(WINAPI*)(DWORD);
+    constexpr DWORD kNoUserInterface = 0x20; // WER_FAULT_REPORTING_NO_UI
+    const auto setFlags = FindEntry<WerSetFlagsFn>(GetModuleHandleA("kernel32.dll"), "WerSetFlags");
+    if (setFlags != nullptr) {
+        setFlags(kNoUserInterface);
+    }
+}
+
+/// Windows 7 and later may swallow an exception that leaves a window procedure; the dialog would then just stand still.
+void LetFaultsLeaveWindowProcedures()
+{
+    using GetPolicyFn = BOOL(WINAPI*)(DWORD*);
+    using SetPolicyFn = BOOL(WINAPI*)(DWORD);
+    constexpr DWORD kCallbackFilter = 1; // PROCESS_CALLBACK_FILTER_ENABLED
+    const HMODULE kernel = GetModuleHandleA("kernel32.dll");
+    const auto get = FindEntry<GetPolicyFn>(kernel, "GetProcessUserModeExceptionPolicy");
+    const auto set = FindEntry<SetPolicyFn>(kernel, "SetProcessUserModeExceptionPolicy");
+    DWORD policy = 0;
+    if (get != nullptr && set != nullptr && get(&policy) != FALSE) {
+        set(policy & ~kCallbackFilter);
+    }
+}
 } // namespace
+
+void KeepStackForFaults() noexcept
+{
+    ULONG bytes = 65536;
+    SetThreadStackGuarantee(&bytes);
+}
 
 void EndOnEveryFault()
 {
-    // A damaged library is answered with a trace, not with a system box.
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    KeepStackForFaults();
+    ReportFaultsQuietly();
+    LetFaultsLeaveWindowProcedures();
+    runtimeFilter = SetUnhandledExceptionFilter(TraceFault);
     std::set_terminate(EndOnUnhandledFault);
     reserve = std::malloc(kReserveBytes);
     std::set_new_handler(OnMemoryOut);

@@ -8,6 +8,7 @@
 #include "ActivityBar.h"
 #include "CommandLine.h"
 #include "DriverInstallRecord.h"
+#include "ErrorMode.h"
 #include "LangString.h"
 #include "LanguageTable.h"
 #include "LocationInfo.h"
@@ -19,6 +20,7 @@
 #include "RunState.h"
 #include "SetupLocation.h"
 #include "SingleInstance.h"
+#include "SystemLibrary.h"
 #include "SystemProbe.h"
 #include "Trace.h"
 #include "UnhandledFault.h"
@@ -134,6 +136,9 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
+    // First of all: the program has an administrator's rights.
+    TakeCurrentDirectoryOutOfLibrarySearch();
+    ReportCriticalErrorsToTheProgram();
     EndOnEveryFault();
     // Caught, and not left to the language runtime, so that everything on the way here is given back.
     try {

@@ -1,7 +1,6 @@
 #include "OrvSecure.h"
 
-#include <cstdlib>
-
+#include "EntryPoints.h"
 #include "OrvBounded.h"
 #include "OrvDebug.h"
 
@@ -14,13 +13,26 @@ constexpr int kCopyInstallLine = 98;
 constexpr int kAppendInstallLine = 150;
 constexpr int kNullDestinationLine = 189;
 
+using SetInvalidParameterHandlerFn = OrvInvalidParameterHandlerFn (*)(OrvInvalidParameterHandlerFn);
+
+/// @return the function that installs a handler with the runtime that this program is linked to; null when the system's
+///         runtime has none. The name is also that of a stand-in in our own file, of which the runtime never hears.
+SetInvalidParameterHandlerFn FindHandlerInstallation()
+{
+    const HMODULE runtime = GetModuleHandleA("msvcrt.dll");
+    return runtime == nullptr ? nullptr
+                              : FindEntry<SetInvalidParameterHandlerFn>(runtime, "_set_invalid_parameter_handler");
+}
+
 void InstallHandlerOnce(int line)
 {
     if (OrvSecureState.installed.exchange(OrvSecureInvalidParameterHandler) == OrvSecureInvalidParameterHandler) {
         return;
     }
     OrvTrace().Error(kSourceFile, line, "Setting invalid parameter handler to: OrvSecureInvalidParameterHandler");
-    OrvSecureState.previous = _set_invalid_parameter_handler(OrvSecureInvalidParameterHandler);
+    if (const SetInvalidParameterHandlerFn install = FindHandlerInstallation(); install != nullptr) {
+        OrvSecureState.previous = install(OrvSecureInvalidParameterHandler);
+    }
 }
 
 int Report(int error, const char* sourceFile, int line, const char* destination)

@@ -24,8 +24,10 @@ int OrvSafeCopy(const char* sourceFile, int line, char (&destination)[1024], con
 int OrvSafeCat(const char* sourceFile, int line, char (&destination)[1024], const char* source);
 int OrvSafeCat(const char* sourceFile, int line, char (&destination)[260], const char* source);
 
-/// The library's answer to an invalid argument of a checked runtime function: one trace line, then the function returns
-/// its error instead of ending the process. The arguments are not used.
+/// The library's answer to an invalid argument of a checked function: one trace line, then the function returns its
+/// error instead of ending the process. The arguments are not used. The library's own checked operations always call
+/// it. The first of them also installs it with the runtime, msvcrt.dll, when the system's runtime has
+/// `_set_invalid_parameter_handler`; where it has not, the runtime's own functions report nothing here.
 void OrvSecureInvalidParameterHandler(const wchar_t* expression, const wchar_t* function, const wchar_t* file,
                                       unsigned line, uintptr_t reserved);
 
@@ -37,9 +39,10 @@ using OrvInvalidParameterHandlerFn = decltype(&OrvSecureInvalidParameterHandler)
 /// Written once per process, by the first bounded copy or append.
 struct OrvSecureRecord
 {
-    /// The library's handler once it is installed with the runtime, null before.
+    /// The library's handler once its installation was asked for, null before. It stays set on a system whose runtime
+    /// takes no handler.
     std::atomic<OrvInvalidParameterHandlerFn> installed{nullptr};
-    /// The handler that it replaced.
+    /// The handler that it replaced in the runtime; null when there was none, or when the runtime takes none.
     std::atomic<OrvInvalidParameterHandlerFn> previous{nullptr};
 };
 extern OrvSecureRecord OrvSecureState;

@@ -6,7 +6,27 @@
 #include <array>
 #include <vector>
 
+#include "EntryPoints.h"
+#include "SystemLibrary.h"
 #include "Trace.h"
+
+namespace {
+/// @return the file's version resource, empty when it has none.
+std::vector<std::byte> ReadVersionResource(const UniqueLibrary& library, const std::string& path)
+{
+    const auto size = FindEntry<GetFileVersionInfoSizeFn>(library.get(), "GetFileVersionInfoSizeA");
+    const auto read = FindEntry<GetFileVersionInfoFn>(library.get(), "GetFileVersionInfoA");
+    if (size == nullptr || read == nullptr) {
+        return {};
+    }
+    DWORD ignored = 0;
+    std::vector<std::byte> block(size(path.c_str(), &ignored));
+    if (!block.empty() && read(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) == FALSE) {
+        block.clear();
+    }
+    return block;
+}
+} // namespace
 
 bool GetModuleVersion(const std::string& path, std::span<char> out)
 {
@@ -18,18 +38,16 @@ bool GetModuleVersion(const std::string& path, std::span<char> out)
     }
     FindClose(search);
 
-    DWORD ignored = 0;
-    const DWORD bytes = GetFileVersionInfoSizeA(path.c_str(), &ignored);
-    if (bytes == 0) {
+    const UniqueLibrary library = LoadSystemLibrary("version.dll");
+    if (!library) {
         return false;
     }
-    std::vector<std::byte> block(bytes);
-    if (GetFileVersionInfoA(path.c_str(), 0, bytes, block.data()) == FALSE) {
-        return false;
-    }
+    const std::vector<std::byte> block = ReadVersionResource(library, path);
+    const auto query = FindEntry<VerQueryValueFn>(library.get(), "VerQueryValueA");
     void* record = nullptr;
     UINT recordBytes = 0;
-    if (VerQueryValueA(block.data(), "\\", &record, &recordBytes) == FALSE || recordBytes < sizeof(VS_FIXEDFILEINFO)) {
+    if (block.empty() || query == nullptr || query(block.data(), "\\", &record, &recordBytes) == FALSE ||
+        recordBytes < sizeof(VS_FIXEDFILEINFO)) {
         return false;
     }
     const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(record);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "ErrorMode.h"
 #include "Handles.h"
 #include "LastError.h"
 #include "SystemDirectory.h"
@@ -20,13 +21,20 @@ enum class WaitTrace
     AroundTheWait,
 };
 
-int StartAndWait(std::string& commandLine, WaitTrace waitTrace)
+/// @return false when the program could not be started; the last error then says why.
+bool Start(std::string& commandLine, PROCESS_INFORMATION& process)
 {
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
+    const StartErrorMode inherited;
+    return CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                          &process) != FALSE;
+}
+
+int StartAndWait(std::string& commandLine, WaitTrace waitTrace)
+{
     PROCESS_INFORMATION process{};
-    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) ==
-        FALSE) {
+    if (!Start(commandLine, process)) {
         const DWORD error = GetLastError();
         Trace("CreateProcess() error (path too long?)");
         SetLastError(error);

@@ -1,25 +1,31 @@
 #include "InstallerSession.h"
 
-#include <msiquery.h>
-
-#include <memory>
+#include <stdexcept>
 
 namespace {
 /// Owns a handle of the Windows Installer library.
 class InstallerHandle
 {
 public:
-    explicit InstallerHandle(MSIHANDLE handle) : m_handle(handle) {}
+    InstallerHandle(const InstallerFunctions& functions, MSIHANDLE handle) : m_functions(functions), m_handle(handle) {}
     InstallerHandle(const InstallerHandle&) = delete;
     InstallerHandle& operator=(const InstallerHandle&) = delete;
-    ~InstallerHandle() { MsiCloseHandle(m_handle); }
+    ~InstallerHandle() { m_functions.closeHandle(m_handle); }
 
     [[nodiscard]] MSIHANDLE Get() const { return m_handle; }
 
 private:
+    const InstallerFunctions& m_functions;
     MSIHANDLE m_handle;
 };
 } // namespace
+
+InstallerSession::InstallerSession(MSIHANDLE handle) : m_handle(handle)
+{
+    if (!m_functions.AreComplete()) {
+        throw std::runtime_error("the Windows Installer library cannot be used");
+    }
+}
 
 std::string InstallerSession::StepData() const
 {
@@ -27,12 +33,12 @@ std::string InstallerSession::StepData() const
     std::string text(1, '\0');
     DWORD chars = 0;
     // Asked with an empty buffer, the engine tells the length without the terminator.
-    if (MsiGetPropertyA(m_handle, kProperty, text.data(), &chars) != ERROR_MORE_DATA) {
+    if (m_functions.getProperty(m_handle, kProperty, text.data(), &chars) != ERROR_MORE_DATA) {
         return {};
     }
     text.resize(chars + 1);
     chars = static_cast<DWORD>(text.size());
-    if (MsiGetPropertyA(m_handle, kProperty, text.data(), &chars) != ERROR_SUCCESS) {
+    if (m_functions.getProperty(m_handle, kProperty, text.data(), &chars) != ERROR_SUCCESS) {
         return {};
     }
     text.resize(chars);
@@ -51,14 +57,14 @@ void InstallerSession::ReportError(std::string_view line) const
 
 UINT InstallerSession::AskForRestart() const
 {
-    return MsiSetMode(m_handle, MSIRUNMODE_REBOOTATEND, TRUE);
+    return m_functions.setMode(m_handle, MSIRUNMODE_REBOOTATEND, TRUE);
 }
 
 void InstallerSession::Send(INSTALLMESSAGE kind, std::string_view line) const
 {
-    const InstallerHandle record(MsiCreateRecord(1));
+    const InstallerHandle record(m_functions, m_functions.createRecord(1));
     // The text is an insert: brackets in a path would otherwise be read as property names.
-    MsiRecordSetStringA(record.Get(), 0, "Morvix: [1]");
-    MsiRecordSetStringA(record.Get(), 1, std::string(line).c_str());
-    MsiProcessMessage(m_handle, kind, record.Get());
+    m_functions.recordSetString(record.Get(), 0, "Morvix: [1]");
+    m_functions.recordSetString(record.Get(), 1, std::string(line).c_str());
+    m_functions.processMessage(m_handle, kind, record.Get());
 }

@@ -1,17 +1,16 @@
 #pragma once
 
-#include <windows.h>
-// msi.h needs windows.h first.
-#include <msi.h>
-
 #include <string>
 #include <string_view>
+
+#include "InstallerFunctions.h"
 
 /// One step of an installation, as the Windows Installer engine hands it to the library. The engine owns the handle.
 class InstallerSession
 {
 public:
-    explicit InstallerSession(MSIHANDLE handle) : m_handle(handle) {}
+    /// Throws std::runtime_error when this process cannot reach the engine.
+    explicit InstallerSession(MSIHANDLE handle);
 
     /// @return the text that the package has laid down for this step; empty when there is none.
     [[nodiscard]] std::string StepData() const;
@@ -29,5 +28,6 @@ public:
 private:
     void Send(INSTALLMESSAGE kind, std::string_view line) const;
 
+    InstallerFunctions m_functions;
     MSIHANDLE m_handle;
 };

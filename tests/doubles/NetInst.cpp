@@ -14,6 +14,8 @@
 //   InstallStatus<n>, LastError<n>, DebugKey<n>
 //                              for the n-th install call, from 1: its status, the last error it leaves, and "create" or
 //                              "delete" to switch the installer's trace during the call
+//   FaultIn                    "prober" or "install": the call that raises a fault, which Fault names: "access" for a
+//                              write to address 0, "division" for a division by 0
 //   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release stands beside the library
 
 #include "NetInst.h"
@@ -87,6 +89,22 @@ void SwitchTrace(const std::string& how)
     }
 }
 
+void FaultWhenAskedFor(const char* call)
+{
+    if (Answer("FaultIn") != call) {
+        return;
+    }
+    WriteJournal(std::string("fault in ") + call);
+    // A zero that the compiler does not know of.
+    const uint32_t zero = AnswerNumber("NoSuchAnswer");
+    if (Answer("Fault") == "division") {
+        // At run time, and not worked out by the compiler.
+        const volatile uint32_t dividend = 100;
+        SetLastError(dividend / zero);
+    }
+    *reinterpret_cast<volatile int*>(static_cast<uintptr_t>(zero)) = 1;
+}
+
 class SysProber final : public ISysProberInterface
 {
 public:
@@ -96,6 +114,7 @@ public:
         std::memcpy(record, family.c_str(), family.size() + 1);
         const uint32_t status = AnswerNumber("ProberStatus");
         WriteJournal("IdentifySystem " + Hex(status));
+        FaultWhenAskedFor("prober");
         const uint64_t upperHalf = Answer("ProberUpperHalf").empty() ? 0x1234'5678 : AnswerNumber("ProberUpperHalf");
         return static_cast<int64_t>(upperHalf << 32 | status);
     }
@@ -145,6 +164,7 @@ public:
         const uint32_t status = AnswerNumber("InstallStatus" + call);
         WriteJournal("InstallForRecord " + DescribeRecord(record) + " flags=" + std::to_string(flags) + " source=[" +
                      SourcePath() + "]");
+        FaultWhenAskedFor("install");
         SwitchTrace(Answer("DebugKey" + call));
         if (AnswerNumber("HoldInstall" + call) != 0) {
             HoldUntilThereIs("NetInst.release");

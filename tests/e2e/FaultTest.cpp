@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 
 #include "Adapter.h"
 #include "CleanMachine.h"
@@ -29,6 +31,19 @@ class DeviceFault : public DoubleRun
 {
 };
 
+/// Programs inherit an error mode that lets the system report their crashes: the one of a test program does not.
+class ErrorModeForTest
+{
+public:
+    ErrorModeForTest() : m_before(SetErrorMode(0)) {}
+    ~ErrorModeForTest() { SetErrorMode(m_before); }
+    ErrorModeForTest(const ErrorModeForTest&) = delete;
+    ErrorModeForTest& operator=(const ErrorModeForTest&) = delete;
+
+private:
+    UINT m_before;
+};
+
 class WindowsNT4 : public CleanMachine
 {
 protected:
@@ -53,35 +68,6 @@ protected:
 
 private:
     EmulatedSystem m_system{{"nt40", "4.0", "1381", "WinNT"}};
-};
-
-/// Puts a registry value back at the end of the object's life.
-class SavedValue
-{
-public:
-    SavedValue(std::string key, std::string name)
-        : m_key(std::move(key)), m_name(std::move(name)), m_before(ReadRegistryValue(m_key, m_name))
-    {
-    }
-    ~SavedValue()
-    {
-        if (m_before) {
-            SetRegistryBytes(m_key, m_name, m_before->bytes, m_before->type);
-            return;
-        }
-        HKEY key = nullptr;
-        if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, m_key.c_str(), 0, KEY_SET_VALUE, &key) == ERROR_SUCCESS) {
-            RegDeleteValueA(key, m_name.c_str());
-            RegCloseKey(key);
-        }
-    }
-    SavedValue(const SavedValue&) = delete;
-    SavedValue& operator=(const SavedValue&) = delete;
-
-private:
-    std::string m_key;
-    std::string m_name;
-    std::optional<RegistryValue> m_before;
 };
 
 TEST_F(WindowsNT4, RunningManagementSoftwareStopsEvenASilentRunWithABox)
@@ -125,5 +111,68 @@ TEST_F(DeviceFault, ADeviceNameWithoutARevisionThatNoInfListsEndsTheRunWithMinus
     EXPECT_THAT(run.Messages(), Contains("Pass 2"));
     EXPECT_THAT(run.Messages(), Not(Contains("Pass 3")));
     EXPECT_TRUE(run.Messages().back().starts_with("unhandled fault: ")) << run.Messages().back();
+}
+
+/// A NetInst library that faults, and a debugger that the system starts for a crash, as its report of one.
+class ProcessorFault : public DoubleRun
+{
+protected:
+    ProcessorFault()
+    {
+        WriteInf("one.inf", InfFor(kDevice));
+        CopyFileTo(DoublesFolder() + R"(\..\command_line_recorder.exe)", m_debugger);
+        SetRegistryText(kCrashKey, "Debugger", "\"" + m_debugger + "\" %ld %ld");
+        SetRegistryText(kCrashKey, "Auto", "1");
+    }
+
+    // The fault is raised in the named call of the library; everything that such a run has to leave is expected.
+    void ExpectTracedAndReported(const char* call, const char* fault, uint32_t code)
+    {
+        Folder().Answer("NetInst", "FaultIn", call);
+        Folder().Answer("NetInst", "Fault", fault);
+        const auto run = StartMorvix("/s /nr");
+        const std::string processId = std::to_string(run->ProcessId());
+        const FinishedRun finished = run->Finish();
+        EXPECT_EQ(Folder().JournalLines("fault in "), std::vector<std::string>{std::string("fault in ") + call});
+        EXPECT_EQ(static_cast<uint32_t>(finished.exitCode), code);
+        std::array<char, 80> start{};
+        std::snprintf(start.data(), start.size(), "unhandled fault: exception 0x%X at NetInst.dll+0x",
+                      static_cast<unsigned>(code));
+        EXPECT_THAT(finished.Messages().back(), testing::StartsWith(start.data()));
+        const std::string journal = m_debugger + ".journal.txt";
+        ASSERT_TRUE(FileExists(journal)) << "the system was not let report the crash";
+        EXPECT_THAT(ReadFileBytes(journal), testing::HasSubstr("\" " + processId + " "));
+    }
+
+    static constexpr char kDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
+    static constexpr char kCrashKey[] = R"(SOFTWARE\Microsoft\Windows NT\CurrentVersion\AeDebug)";
+
+private:
+    const Adapter m_adapter{kDevice};
+    const ScratchDirectory m_folder;
+    const std::string m_debugger = m_folder.At("debugger.exe");
+    const SavedValue m_savedDebugger{kCrashKey, "Debugger"};
+    const SavedValue m_savedAuto{kCrashKey, "Auto"};
+    const ErrorModeForTest m_errorMode;
+};
+
+TEST_F(ProcessorFault, AnAccessViolationOnTheMainThreadIsTracedReportedAndTheExitCode)
+{
+    ExpectTracedAndReported("prober", "access", 0xC0000005);
+}
+
+TEST_F(ProcessorFault, AnAccessViolationOnTheInstallThreadIsTracedReportedAndTheExitCode)
+{
+    ExpectTracedAndReported("install", "access", 0xC0000005);
+}
+
+TEST_F(ProcessorFault, ADivisionByZeroOnTheMainThreadIsTracedReportedAndTheExitCode)
+{
+    ExpectTracedAndReported("prober", "division", 0xC0000094);
+}
+
+TEST_F(ProcessorFault, ADivisionByZeroOnTheInstallThreadIsTracedReportedAndTheExitCode)
+{
+    ExpectTracedAndReported("install", "division", 0xC0000094);
 }
 } // namespace

@@ -10,6 +10,7 @@
 #include "EmulatedSystem.h"
 #include "Environment.h"
 #include "OwnInfs.h"
+#include "PlantedDirectory.h"
 #include "ProgramWindows.h"
 #include "RegistryKeys.h"
 #include "RestartWatch.h"
@@ -278,6 +279,21 @@ TEST_F(WindowsMeFlow, UpdatesTheDriverThenStagesThenClassifiesAndEndsASilentRunW
     EXPECT_THAT(HelperRuns(), IsEmpty());
     ExpectNoInterface();
     ExpectNoRestart(run);
+}
+
+TEST_F(WindowsMeFlow, TakesTheDriverUpdateNotFromTheCurrentDirectory)
+{
+    const Adapter adapter(kDevice);
+    AddAdapter();
+    const NativeLibrary driverUpdate("newdev");
+    const PlantedDirectory directory;
+    directory.Plant("newdev.dll");
+
+    const FinishedRun run = RunMorvixCalled(Folder().At("Morvix.exe"), "/s", directory.Path());
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.Traced("drivers upgraded\n"));
+    EXPECT_EQ(directory.Journal(), "");
 }
 
 TEST_F(WindowsMeFlow, WithADeviceOffersTheRestartToTheUser)

@@ -116,3 +116,21 @@ void DeleteRegistryTree(const std::string& key)
     }
     RegDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
 }
+
+SavedValue::SavedValue(std::string key, std::string name)
+    : m_key(std::move(key)), m_name(std::move(name)), m_before(ReadRegistryValue(m_key, m_name))
+{
+}
+
+SavedValue::~SavedValue()
+{
+    if (m_before) {
+        SetRegistryBytes(m_key, m_name, m_before->bytes, m_before->type);
+        return;
+    }
+    HKEY opened = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, m_key.c_str(), 0, KEY_SET_VALUE, &opened) == ERROR_SUCCESS) {
+        const UniqueRegKey key(opened);
+        RegDeleteValueA(key.get(), m_name.c_str());
+    }
+}

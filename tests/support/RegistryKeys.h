@@ -50,3 +50,18 @@ public:
 private:
     std::string m_key;
 };
+
+/// Puts a value, or its absence, back at the end of the object's life.
+class SavedValue
+{
+public:
+    SavedValue(std::string key, std::string name);
+    ~SavedValue();
+    SavedValue(const SavedValue&) = delete;
+    SavedValue& operator=(const SavedValue&) = delete;
+
+private:
+    std::string m_key;
+    std::string m_name;
+    std::optional<RegistryValue> m_before;
+};

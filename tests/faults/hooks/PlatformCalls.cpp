@@ -11,7 +11,8 @@ constexpr std::uint32_t kGeneralFailure = 31, kInvalidParameter = 87, kModuleNot
 constexpr std::uint32_t kNoMoreFiles = 18, kNoResources = 1450, kNotSupported = 50, kInvalidData = 13;
 constexpr std::uint64_t kInvalidHandleValue = ~std::uint64_t{0};
 constexpr std::uint64_t kWaitFailed = 0xFFFFFFFF;
-constexpr std::uint64_t kOutOfMemoryResult = 0x8007000E;
+constexpr std::uint32_t kOutOfMemoryStatus = 0x8007000E;
+constexpr std::uint64_t kOutOfMemoryResult = kOutOfMemoryStatus;
 
 constexpr Label Text(std::uint8_t argument)
 {
@@ -122,6 +123,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
 
     // Libraries and entry points
     Zero("LoadLibraryA", kModuleNotFound, Text(0)),
+    Zero("LoadLibraryExA", kModuleNotFound, Text(0)),
     Zero("LoadLibraryW", kModuleNotFound, WideText(0)),
     Zero("FreeLibrary", kInvalidHandle, Owned(0)),
     Zero("GetModuleHandleA", kModuleNotFound, Text(0)),
@@ -202,6 +204,11 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Sure, "IsDBCSLeadByte"),
     Of(Sure, "lstrcmpA"),
     Of(Sure, "OutputDebugStringA"),
+    Zero("SetDllDirectoryA", kNoMemory),
+    Zero("SetThreadStackGuarantee", kInvalidParameter),
+    Status("WerSetFlags", kOutOfMemoryStatus),
+    Of(Unused, "GetModuleFileNameA"),
+    Of(Unused, "GetModuleHandleExA"),
     Of(Sure, "SetErrorMode"),
     Of(Sure, "GetLastError"),
     Of(Sure, "SetLastError"),

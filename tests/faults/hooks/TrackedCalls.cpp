@@ -215,6 +215,11 @@ HMODULE WINAPI Load(LPCSTR path)
     return Opened(HandleKind::Library, LoadLibraryA(path), "library " + TextOr(path));
 }
 
+HMODULE WINAPI LoadFrom(LPCSTR path, HANDLE file, DWORD flags)
+{
+    return Opened(HandleKind::Library, LoadLibraryExA(path, file, flags), "library " + TextOr(path));
+}
+
 HMODULE WINAPI LoadWide(LPCWSTR path)
 {
     std::string narrow;
@@ -409,6 +414,7 @@ const std::array kRows = std::to_array<Row>({
     {"FindFirstFileA", Address(StartSearch)},
     {"FindClose", Address(EndSearch)},
     {"LoadLibraryA", Address(Load)},
+    {"LoadLibraryExA", Address(LoadFrom)},
     {"LoadLibraryW", Address(LoadWide)},
     {"FreeLibrary", Address(Unload)},
     {"GetProcAddress", Address(FindEntryPoint)},

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "DebugOutput.h"
+#include "ErrorMode.h"
 #include "ImportOverride.h"
 #include "ProcessStarts.h"
 #include "ScratchDirectory.h"
@@ -217,4 +218,48 @@ TEST(ProcessLaunch, ProgramsAreStartedPlainlyAndWaitedForWithoutALimit)
         EXPECT_THAT(starts.WaitLimits(), ElementsAre(DWORD{INFINITE}));
         EXPECT_EQ(0U, starts.OpenHandles()) << "the process's and the thread's";
     }
+}
+
+namespace {
+std::vector<UINT> inheritedErrorModes;
+
+UINT CurrentErrorMode()
+{
+    const UINT mode = SetErrorMode(0);
+    SetErrorMode(mode);
+    return mode;
+}
+
+BOOL WINAPI NoteErrorMode(LPCSTR, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD, LPVOID, LPCSTR,
+                          LPSTARTUPINFOA, LPPROCESS_INFORMATION)
+{
+    inheritedErrorModes.push_back(CurrentErrorMode());
+    return FALSE;
+}
+} // namespace
+
+TEST(ProcessLaunch, ProgramsInheritTheErrorModeThatThisProcessStartedWith)
+{
+    const UINT before = SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    ReportCriticalErrorsToTheProgram();
+    inheritedErrorModes.clear();
+    {
+        const ImportOverride note("CreateProcessA", reinterpret_cast<void*>(NoteErrorMode));
+        LaunchAppandWait("program.exe");
+        UninstallAppandWait("program.exe");
+    }
+    EXPECT_THAT(inheritedErrorModes, ElementsAre(SEM_NOOPENFILEERRORBOX, SEM_NOOPENFILEERRORBOX));
+    EXPECT_EQ(CurrentErrorMode(), UINT{SEM_NOOPENFILEERRORBOX | SEM_FAILCRITICALERRORS}) << "this one keeps its own";
+    SetErrorMode(before);
+}
+
+TEST(ProcessLaunch, AModeThatTheProcessAlreadyHadIsInherited)
+{
+    const UINT before = SetErrorMode(SEM_FAILCRITICALERRORS);
+    ReportCriticalErrorsToTheProgram();
+    {
+        const StartErrorMode inherited;
+        EXPECT_EQ(CurrentErrorMode(), UINT{SEM_FAILCRITICALERRORS});
+    }
+    SetErrorMode(before);
 }

@@ -3,9 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <bit>
 #include <cstring>
 
+#include "ImportOverride.h"
 #include "LibraryTrace.h"
 
 using ::testing::ElementsAre;
@@ -120,54 +121,101 @@ TEST(SafeCat, TheFormsFor1024And260BytesTraceTheirEntryAndTheirResult)
 }
 
 namespace {
+constexpr char kCopyInstalls[] = R"(..\..\Common\Src\OrvSecure (98): Setting invalid parameter handler to: )"
+                                 "OrvSecureInvalidParameterHandler";
+constexpr char kAppendInstalls[] = R"(..\..\Common\Src\OrvSecure (150): Setting invalid parameter handler to: )"
+                                   "OrvSecureInvalidParameterHandler";
+
 void OtherHandler(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t) {}
 
+enum class RuntimeKind
+{
+    TakesHandlers,
+    TakesNone,
+};
+RuntimeKind runtimeKind = RuntimeKind::TakesHandlers;
+std::vector<OrvInvalidParameterHandlerFn> installedWithTheRuntime;
+
+OrvInvalidParameterHandlerFn TakeHandler(OrvInvalidParameterHandlerFn handler)
+{
+    installedWithTheRuntime.push_back(handler);
+    return OtherHandler;
+}
+
+const auto findEntry = &GetProcAddress;
+
+// Only the system's runtime answers otherwise than it does.
+FARPROC WINAPI FindInRuntime(HMODULE library, LPCSTR name)
+{
+    if (library != GetModuleHandleA("msvcrt.dll") || std::string_view(name) != "_set_invalid_parameter_handler") {
+        return findEntry(library, name);
+    }
+    return runtimeKind == RuntimeKind::TakesHandlers ? std::bit_cast<FARPROC>(&TakeHandler) : nullptr;
+}
+
 // A process in which nothing was copied yet, for the life of the object.
-class HandlerNotInstalled
+class NothingCopiedYet
 {
 public:
-    HandlerNotInstalled() : m_before(_set_invalid_parameter_handler(OtherHandler))
+    explicit NothingCopiedYet(RuntimeKind runtime)
+        : m_lookUp("GetProcAddress", reinterpret_cast<void*>(FindInRuntime)),
+          m_installedBefore(OrvSecureState.installed.exchange(nullptr)),
+          m_previousBefore(OrvSecureState.previous.exchange(nullptr))
     {
-        OrvSecureState.installed = nullptr;
+        runtimeKind = runtime;
+        installedWithTheRuntime.clear();
     }
-    ~HandlerNotInstalled()
+    ~NothingCopiedYet()
     {
-        _set_invalid_parameter_handler(m_before);
-        OrvSecureState.installed = OrvSecureInvalidParameterHandler;
+        OrvSecureState.installed = m_installedBefore;
+        OrvSecureState.previous = m_previousBefore;
     }
-    HandlerNotInstalled(const HandlerNotInstalled&) = delete;
-    HandlerNotInstalled& operator=(const HandlerNotInstalled&) = delete;
+    NothingCopiedYet(const NothingCopiedYet&) = delete;
+    NothingCopiedYet& operator=(const NothingCopiedYet&) = delete;
 
 private:
-    _invalid_parameter_handler m_before;
+    ImportOverride m_lookUp;
+    OrvInvalidParameterHandlerFn m_installedBefore;
+    OrvInvalidParameterHandlerFn m_previousBefore;
 };
 } // namespace
 
-TEST(InvalidParameterHandler, TheFirstCopyInstallsItOnceAndKeepsTheOneBefore)
+TEST(InvalidParameterHandler, TheFirstCopyInstallsItOnceWithTheSystemsRuntimeAndKeepsTheOneBefore)
 {
     const LibraryTrace trace;
-    const HandlerNotInstalled fresh;
+    const NothingCopiedYet fresh(RuntimeKind::TakesHandlers);
     char text[10] = "";
     OrvSafeCopy("caller.cpp", 7, text, sizeof(text), "a");
-    EXPECT_EQ(_get_invalid_parameter_handler(), OrvSecureInvalidParameterHandler);
+    EXPECT_THAT(installedWithTheRuntime, ElementsAre(&OrvSecureInvalidParameterHandler));
     EXPECT_EQ(OrvSecureState.previous, OtherHandler);
     OrvSafeCopy("caller.cpp", 7, text, sizeof(text), "b");
     OrvSafeCat("caller.cpp", 7, text, sizeof(text), "c");
-    EXPECT_THAT(trace.Messages(),
-                ElementsAre(R"(..\..\Common\Src\OrvSecure (98): Setting invalid parameter handler to: )"
-                            "OrvSecureInvalidParameterHandler"));
+    EXPECT_EQ(installedWithTheRuntime.size(), 1U);
+    EXPECT_THAT(trace.Messages(), ElementsAre(kCopyInstalls));
 }
 
 TEST(InvalidParameterHandler, AFirstAppendInstallsItWithItsOwnLine)
 {
     const LibraryTrace trace;
-    const HandlerNotInstalled fresh;
+    const NothingCopiedYet fresh(RuntimeKind::TakesHandlers);
     char text[10] = "";
     OrvSafeCat("caller.cpp", 7, text, sizeof(text), "a");
     OrvSafeCopy("caller.cpp", 7, text, sizeof(text), "b");
+    EXPECT_THAT(installedWithTheRuntime, ElementsAre(&OrvSecureInvalidParameterHandler));
+    EXPECT_THAT(trace.Messages(), ElementsAre(kAppendInstalls));
+}
+
+TEST(InvalidParameterHandler, ARuntimeThatTakesNoneIsLeftAloneAndTheLibraryStillReports)
+{
+    const LibraryTrace trace;
+    const NothingCopiedYet fresh(RuntimeKind::TakesNone);
+    char text[10] = "";
+    EXPECT_EQ(OrvSafeCopy("caller.cpp", 7, text, sizeof(text), "12345678901"), 34);
+    EXPECT_THAT(installedWithTheRuntime, IsEmpty());
+    EXPECT_EQ(OrvSecureState.previous, nullptr);
     EXPECT_THAT(trace.Messages(),
-                ElementsAre(R"(..\..\Common\Src\OrvSecure (150): Setting invalid parameter handler to: )"
-                            "OrvSecureInvalidParameterHandler"));
+                ElementsAre(kCopyInstalls, kHandlerLine,
+                            "caller.cpp (7): OrvSafeCopy ERROR: strDestination size 0, or too small"));
 }
 
 TEST(InvalidParameterHandler, WritesOneLineAndReturns)

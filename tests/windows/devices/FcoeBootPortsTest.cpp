@@ -10,9 +10,11 @@
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "EntryPoints.h"
 #include "ImportOverride.h"
 #include "LibraryDouble.h"
 #include "RegistryAccess.h"
+#include "SystemLibrary.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -234,6 +236,8 @@ TEST_F(FcoeBootPorts, ThousandCallsLeaveNoHandleOpen)
     const RegistryAdapter whole(kFirst, "9001", "{A}");
     const RegistryAdapter withoutDriver(kSecond, std::nullopt, std::nullopt);
     const RegistryAdapter withoutId(kThird, "9003", std::nullopt);
+    // As in the program, which has it loaded from its first question to NetInst on.
+    const UniqueLibrary setup = LoadSystemLibrary("setupapi.dll");
     {
         const LibraryDouble library = HbaLibrary();
         library.Answer("Quiet", "1");
@@ -254,14 +258,22 @@ struct ListRequest
 };
 ListRequest lastList;
 
+const auto findEntry = &GetProcAddress;
+
 HDEVINFO WINAPI NoteList(const GUID* deviceClass, PCSTR enumerator, HWND window, DWORD flags)
 {
-    static const auto list = std::bit_cast<decltype(&SetupDiGetClassDevsA)>(
-        GetProcAddress(GetModuleHandleA("setupapi.dll"), "SetupDiGetClassDevsA"));
+    const auto list =
+        std::bit_cast<SetupDiGetClassDevsFn>(findEntry(GetModuleHandleA("setupapi.dll"), "SetupDiGetClassDevsA"));
     lastList = {.deviceClass = deviceClass == nullptr ? GUID{} : *deviceClass,
                 .namesABus = enumerator != nullptr,
                 .flags = flags};
     return list(deviceClass, enumerator, window, flags);
+}
+
+FARPROC WINAPI FindEntryOrNoteList(HMODULE library, LPCSTR name)
+{
+    return std::string_view(name) == "SetupDiGetClassDevsA" ? std::bit_cast<FARPROC>(&NoteList)
+                                                            : findEntry(library, name);
 }
 } // namespace
 
@@ -274,7 +286,7 @@ TEST_F(FcoeBootPorts, OnlyPresentDevicesOfTheNetworkClassAreAsked)
     const LibraryDouble library = HbaLibrary();
     lastList = {};
     {
-        const ImportOverride note("SetupDiGetClassDevsA", reinterpret_cast<void*>(NoteList));
+        const ImportOverride note("GetProcAddress", reinterpret_cast<void*>(FindEntryOrNoteList));
         EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
     }
     EXPECT_NE(IsEqualGUID(lastList.deviceClass, kNetworkGuid), FALSE);

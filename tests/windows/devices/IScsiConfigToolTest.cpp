@@ -7,6 +7,7 @@
 
 #include "AdapterDevices.h"
 #include "DebugOutput.h"
+#include "ErrorMode.h"
 #include "Handles.h"
 #include "HelperPrograms.h"
 #include "ImportOverride.h"
@@ -133,8 +134,16 @@ struct Start
     DWORD flags = 0;
     bool hasEnvironment = true;
     bool hasDirectory = true;
+    UINT errorMode = 0; ///< the one that it would inherit
 };
 Start lastStart;
+
+UINT CurrentErrorMode()
+{
+    const UINT mode = SetErrorMode(0);
+    SetErrorMode(mode);
+    return mode;
+}
 
 BOOL WINAPI NoteStart(LPCSTR program, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL inherit, DWORD flags,
                       LPVOID environment, LPCSTR directory, LPSTARTUPINFOA, LPPROCESS_INFORMATION)
@@ -143,7 +152,8 @@ BOOL WINAPI NoteStart(LPCSTR program, LPSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_A
                  .inherits = inherit != FALSE,
                  .flags = flags,
                  .hasEnvironment = environment != nullptr,
-                 .hasDirectory = directory != nullptr};
+                 .hasDirectory = directory != nullptr,
+                 .errorMode = CurrentErrorMode()};
     return FALSE;
 }
 } // namespace
@@ -167,4 +177,19 @@ TEST(IScsiConfigTool, IsWaitedForWithoutALimit)
     ASSERT_EQ(starts.Starts().size(), 1U);
     EXPECT_THAT(starts.WaitLimits(), ElementsAre(DWORD{INFINITE}));
     EXPECT_EQ(starts.OpenHandles(), 0U) << "the process's and the thread's";
+}
+
+TEST(IScsiConfigTool, InheritsTheErrorModeThatThisProcessStartedWith)
+{
+    const UINT before = SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    ReportCriticalErrorsToTheProgram();
+    EXPECT_EQ(CurrentErrorMode(), UINT{SEM_NOOPENFILEERRORBOX | SEM_FAILCRITICALERRORS});
+    lastStart = {};
+    {
+        const ImportOverride note("CreateProcessA", reinterpret_cast<void*>(NoteStart));
+        CalliSCSIConfigExe();
+    }
+    EXPECT_EQ(lastStart.errorMode, UINT{SEM_NOOPENFILEERRORBOX});
+    EXPECT_EQ(CurrentErrorMode(), UINT{SEM_NOOPENFILEERRORBOX | SEM_FAILCRITICALERRORS});
+    SetErrorMode(before);
 }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstring>
 #include <stdexcept>
 
@@ -47,9 +48,10 @@ public:
 
     [[nodiscard]] std::string TextAt(std::size_t address) const { return m_bytes.c_str() + PlaceOf(address); }
 
-    [[nodiscard]] std::size_t Imports() const
+    /// @return the address of a part of the file that the headers name; 0 when the file has none.
+    [[nodiscard]] std::size_t Directory(unsigned entry) const
     {
-        return m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+        return m_headers.OptionalHeader.DataDirectory[entry].VirtualAddress;
     }
 
 private:
@@ -59,24 +61,31 @@ private:
 };
 } // namespace
 
-std::vector<std::string> ImportsOf(const std::string& program, const std::string& without)
+std::vector<Import> ImportsOf(const std::string& file)
 {
-    const Image image(ReadFileBytes(program));
-    std::vector<std::string> names;
-    for (std::size_t place = image.PlaceOf(image.Imports());; place += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+    const Image image(ReadFileBytes(file));
+    if (image.Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT) != 0) {
+        throw std::runtime_error("the file has imports that are resolved at their first call");
+    }
+    std::vector<Import> imports;
+    const std::size_t table = image.Directory(IMAGE_DIRECTORY_ENTRY_IMPORT);
+    if (table == 0) {
+        return imports;
+    }
+    for (std::size_t place = image.PlaceOf(table);; place += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
         const auto library = image.At<IMAGE_IMPORT_DESCRIPTOR>(place);
         if (library.Name == 0) {
-            return names;
-        }
-        if (image.TextAt(library.Name) == without) {
-            continue;
+            return imports;
         }
         for (std::size_t name = image.PlaceOf(library.OriginalFirstThunk);; name += sizeof(std::uint64_t)) {
-            const auto address = image.At<std::uint64_t>(name);
-            if (address == 0) {
+            const auto entry = image.At<std::uint64_t>(name);
+            if (entry == 0) {
                 break;
             }
-            names.push_back(image.TextAt(address + offsetof(IMAGE_IMPORT_BY_NAME, Name)));
+            imports.push_back(
+                {image.TextAt(library.Name), IMAGE_SNAP_BY_ORDINAL64(entry)
+                                                 ? "#" + std::to_string(IMAGE_ORDINAL64(entry))
+                                                 : image.TextAt(entry + offsetof(IMAGE_IMPORT_BY_NAME, Name))});
         }
     }
 }

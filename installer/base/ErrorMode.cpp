@@ -1,0 +1,29 @@
+#include "ErrorMode.h"
+
+#include <windows.h>
+
+namespace {
+// What this file has added to the mode that the process started with.
+UINT added = 0;
+
+/// @return the mode before.
+UINT Change(UINT remove, UINT add) noexcept
+{
+    // No system before Vista can only read the mode.
+    const UINT before = SetErrorMode(SEM_FAILCRITICALERRORS);
+    SetErrorMode((before & ~remove) | add);
+    return before;
+}
+} // namespace
+
+void ReportCriticalErrorsToTheProgram() noexcept
+{
+    added = SEM_FAILCRITICALERRORS & ~Change(0, SEM_FAILCRITICALERRORS);
+}
+
+StartErrorMode::StartErrorMode() noexcept : m_before(Change(added, 0)) {}
+
+StartErrorMode::~StartErrorMode()
+{
+    SetErrorMode(m_before);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <windows.h>
+// msiquery.h needs windows.h first.
+#include <msiquery.h>
+
+#include "EntryPoints.h"
+#include "SystemLibrary.h"
+
+/// The functions of the Windows Installer engine that a step uses, taken from the system directory by full path: the
+/// engine's library is no known library of the system, and whoever loads this one need not be the engine.
+struct InstallerFunctions
+{
+    UniqueLibrary library = LoadSystemLibrary("msi.dll");
+    decltype(&MsiGetPropertyA) getProperty = FindEntry<decltype(&MsiGetPropertyA)>(library.get(), "MsiGetPropertyA");
+    decltype(&MsiSetMode) setMode = FindEntry<decltype(&MsiSetMode)>(library.get(), "MsiSetMode");
+    decltype(&MsiCreateRecord) createRecord = FindEntry<decltype(&MsiCreateRecord)>(library.get(), "MsiCreateRecord");
+    decltype(&MsiRecordSetStringA) recordSetString =
+        FindEntry<decltype(&MsiRecordSetStringA)>(library.get(), "MsiRecordSetStringA");
+    decltype(&MsiProcessMessage) processMessage =
+        FindEntry<decltype(&MsiProcessMessage)>(library.get(), "MsiProcessMessage");
+    decltype(&MsiCloseHandle) closeHandle = FindEntry<decltype(&MsiCloseHandle)>(library.get(), "MsiCloseHandle");
+
+    /// The engine has had all of them in every version.
+    [[nodiscard]] bool AreComplete() const
+    {
+        return getProperty != nullptr && setMode != nullptr && createRecord != nullptr && recordSetString != nullptr &&
+               processMessage != nullptr && closeHandle != nullptr;
+    }
+};

@@ -1,0 +1,31 @@
+#include "SystemLibrary.h"
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+UniqueLibrary LoadSystemLibrary(const char* fileName) noexcept
+{
+    std::array<char, MAX_PATH> path{};
+    const UINT directoryChars = GetSystemDirectoryA(path.data(), static_cast<UINT>(path.size()));
+    if (directoryChars == 0) {
+        return nullptr;
+    }
+    const std::size_t nameBytes = std::strlen(fileName) + 1;
+    if (directoryChars + 1 + nameBytes > path.size()) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        return nullptr;
+    }
+    path[directoryChars] = '\\';
+    std::memcpy(path.data() + directoryChars + 1, fileName, nameBytes);
+    return UniqueLibrary(LoadLibraryExA(path.data(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+}
+
+void TakeCurrentDirectoryOutOfLibrarySearch() noexcept
+{
+    std::array<char, MAX_PATH> directory{};
+    const UINT chars = GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size()));
+    // A named directory takes the current one's place in the search; the system's is searched anyway. An empty text
+    // says the same on Windows, but Wine takes it for the default search.
+    SetDllDirectoryA(chars < directory.size() ? directory.data() : "");
+}
