@@ -25,4 +25,6 @@ using UpdateDriverForPlugAndPlayDevicesFn = decltype(&UpdateDriverForPlugAndPlay
 using SetupCopyOEMInfFn = decltype(&SetupCopyOEMInfA);
 using LocateDevNodeFn = decltype(&CM_Locate_DevNodeA);
 using ReenumerateDevNodeFn = decltype(&CM_Reenumerate_DevNode);
+using GetDevNodeStatusFn = decltype(&CM_Get_DevNode_Status);
+using SetupSetNonInteractiveModeFn = decltype(&SetupSetNonInteractiveMode);
 using SetRestorePointFn = decltype(&SRSetRestorePointW);
