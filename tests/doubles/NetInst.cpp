@@ -14,11 +14,14 @@
 //   InstallStatus<n>, LastError<n>, DebugKey<n>
 //                              for the n-th install call, from 1: its status, the last error it leaves, and "create" or
 //                              "delete" to switch the installer's trace during the call
+//   TellWhoIsAsked=1           each install call journals whether the process's set-up functions ask nobody
 //   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release stands beside the library
 
 #include "NetInst.h"
 
 #include <windows.h>
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
 
 #include <cstring>
 #include <string>
@@ -152,6 +155,9 @@ public:
         const uint32_t status = AnswerNumber("InstallStatus" + call);
         WriteJournal("InstallForRecord " + DescribeRecord(record) + " flags=" + std::to_string(flags) + " source=[" +
                      SourcePath() + "]");
+        if (AnswerNumber("TellWhoIsAsked") != 0) {
+            WriteJournal("SetupGetNonInteractiveMode " + std::to_string(SetupGetNonInteractiveMode()));
+        }
         SwitchTrace(Answer("DebugKey" + call));
         if (AnswerNumber("HoldInstall" + call) != 0) {
             HoldUntilReleased();

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <objbase.h>
+#include <setupapi.h>
 
 #include <algorithm>
 
@@ -12,6 +13,7 @@
 #include "RunOptions.h"
 #include "RunState.h"
 #include "TestFiles.h"
+#include "WindowStations.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -169,4 +171,23 @@ TEST(InstallRun, AFinishedRunLeavesNeitherComNorTheRestorePointLibrary)
     // S_FALSE would say that this thread still had COM.
     EXPECT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     CoUninitialize();
+}
+
+TEST(InstallRun, ThePlatformAsksOnlyWhereSomebodyIsThereToAnswer)
+{
+    DriverInstallRecord record = RecordWithoutAFlow();
+    SetupSetNonInteractiveMode(FALSE);
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_FALSE(SetupGetNonInteractiveMode()) << "an interactive run";
+    {
+        const HiddenWindowStation hidden;
+        EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    }
+    EXPECT_TRUE(SetupGetNonInteractiveMode()) << "where nobody sees a window";
+    SetupSetNonInteractiveMode(FALSE);
+    RunOptions.silent = 1;
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_TRUE(SetupGetNonInteractiveMode()) << "a silent run";
+    RunOptions = {};
+    SetupSetNonInteractiveMode(FALSE);
 }
