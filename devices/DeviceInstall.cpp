@@ -19,6 +19,8 @@
 #include "PostInstall.h"
 #include "Trace.h"
 
+static_assert(kRememberedInstallError == kNetInstRefused);
+
 namespace {
 constexpr int kProgressControl = 1000;
 constexpr std::size_t kInstanceIdChars = 260;
@@ -76,7 +78,8 @@ private:
 InterfaceAnswer CallInterface(DriverInstallRecord& record, IDriverInstallInterface* driverInstall)
 {
     if (driverInstall == nullptr) {
-        return {.status = E_POINTER, .lastError = ERROR_INVALID_PARAMETER};
+        // Nobody installed anything: an older driver file must not make it look like a success.
+        return {.status = static_cast<int32_t>(kNetInstRefused), .lastError = ERROR_INVALID_PARAMETER};
     }
     InterfaceAnswer answer;
     answer.status = driverInstall->InstallForRecord(&record, 0);

@@ -13,7 +13,7 @@
 /// the walk over the devices.
 /// @param record         Names the matched INF and the hardware ID.
 /// @param deviceId       Name of the device's key below the PCI key.
-/// @param driverInstall  Used on the driver-interface route. Without one that route's install fails with E_POINTER.
+/// @param driverInstall  Used on the driver-interface route. Without one that route's install counts as refused.
 /// @param dialog         Progress dialog, may be null.
 void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, const std::string& deviceId,
                           IDriverInstallInterface* driverInstall, HWND dialog);

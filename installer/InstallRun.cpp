@@ -2,7 +2,9 @@
 
 #include <objbase.h>
 
+#include <array>
 #include <cstdint>
+#include <cstdio>
 
 #include "CloseRequest.h"
 #include "DevicePass.h"
@@ -21,8 +23,10 @@
 #include "RunFlow.h"
 #include "RunOptions.h"
 #include "RunState.h"
+#include "SetupQuestions.h"
 #include "Staging.h"
 #include "Trace.h"
+#include "WindowStation.h"
 
 namespace {
 bool InitializeCom()
@@ -53,11 +57,23 @@ UniqueLibrary LoadRestorePointLibrary()
     return library;
 }
 
+void TraceMissingInterface(uint32_t status)
+{
+    std::array<char, 64> line{};
+    static_cast<void>(std::snprintf(line.data(), line.size(), "no driver-install interface: status %x\n",
+                                    static_cast<unsigned>(status)));
+    Trace(line.data());
+}
+
 bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface* driverInstall, HWND dialog)
 {
     ScanForHardwareChanges();
     if (EnumerateRegistryForPCIDevices(record, driverInstall, dialog) == kDevicePassFailed) {
         return false;
+    }
+    if (driverInstall == nullptr) {
+        // Matched, but not installed: no restart for it.
+        DevicePassState.qdatInstalled = 0;
     }
     ScanForHardwareChanges();
     return true;
@@ -95,9 +111,12 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         AskToClose(dialog);
         return true;
     }
-    // Without an interface the walk still runs: every install then fails, and the results tell what is on the machine.
+    // Without an interface the walk still runs: every matched device then counts as refused.
     uint32_t status = 0;
     const auto driverInstall = CreateDriverInstall(&record, status);
+    if (!driverInstall) {
+        TraceMissingInterface(status);
+    }
 
     if (IsUnattended(RunOptions)) {
         if (!DevicePassBetweenScans(record, driverInstall.get(), dialog)) {
@@ -169,6 +188,9 @@ bool RunFlowFor(DriverInstallRecord& record, HWND dialog)
 int InstallDrivers(DriverInstallRecord& record, HWND dialog)
 {
     Trace("Enter -> InstallDrivers()\n");
+    if (RunOptions.silent != 0 || !WindowsAreSeen()) {
+        RefuseSetupQuestions();
+    }
     const bool comInitialized = InitializeCom();
     UniqueLibrary restoreLibrary = comInitialized ? LoadRestorePointLibrary() : nullptr;
     RESTOREPOINTINFOW restorePoint{};

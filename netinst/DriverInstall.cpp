@@ -4,34 +4,12 @@
 
 #include <new>
 
-#include "EntryPoints.h"
-#include "Handles.h"
-#include "InstallStatus.h"
+#include "DriverBinding.h"
 #include "NetInst.h"
 #include "ObjectCount.h"
 #include "RecordFields.h"
-#include "ServedDevice.h"
 
 namespace {
-/// Binds every device of a hardware ID to an INF, also when its present driver is as good or better.
-/// @return 0, or the platform's error number; a failure for which it gave no number answers ERROR_GEN_FAILURE.
-DWORD ForceDriver(const char* hardwareId, const char* infPath) noexcept
-{
-    if (const DWORD error = CheckServedDevice(hardwareId, infPath); error != ERROR_SUCCESS) {
-        return error;
-    }
-    const UniqueLibrary library(LoadLibraryA("newdev.dll"));
-    const auto update =
-        library ? FindEntry<UpdateDriverForPlugAndPlayDevicesFn>(library.get(), "UpdateDriverForPlugAndPlayDevicesA")
-                : nullptr;
-    BOOL restartWanted = FALSE;
-    if (update != nullptr && update(nullptr, hardwareId, infPath, INSTALLFLAG_FORCE, &restartWanted)) {
-        return ERROR_SUCCESS;
-    }
-    const DWORD error = GetLastError();
-    return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
-}
-
 class DriverInstall final : public Counted<DriverInstall, IDriverInstallInterface>
 {
 public:
@@ -47,10 +25,10 @@ public:
         }
         const FieldText infPath = ReadField(record, kInfPathField);
         const FieldText hardwareId = ReadField(record, kHardwareIdField);
-        const DWORD error = ForceDriver(hardwareId.data(), infPath.data());
+        const BindingAnswer answer = BindDriver(hardwareId.data(), infPath.data());
         // The caller reads the last error beside the status, and takes 0 for "nothing went wrong on the way".
-        SetLastError(error);
-        return error == ERROR_SUCCESS ? S_OK : StatusForError(error);
+        SetLastError(answer.lastError);
+        return answer.status;
     }
 };
 

@@ -7,6 +7,7 @@
 #include "NetInst.h"
 #include "ObjectCount.h"
 #include "RecordFields.h"
+#include "RestartRecord.h"
 #include "SystemFamily.h"
 
 namespace {
@@ -28,6 +29,8 @@ public:
         if (record == nullptr) {
             return static_cast<uint32_t>(E_POINTER);
         }
+        // A run begins here: what an earlier one recorded is no longer true of it.
+        ForgetRestartNeeded();
         const SystemFamily family = FamilyOfThisSystem();
         WriteField(record, kFamilyField, family.name);
         return family.status;

@@ -1,5 +1,6 @@
 // Stands for newdev.dll. Answers (section Answers of newdev.answers.ini, all optional):
 //   Fail=1      the update is refused
+//   Error       last error of a refused update, 0 when not given
 //   Restart=1   the update wants a restart
 
 #include <windows.h>
@@ -19,5 +20,7 @@ extern "C" __declspec(dllexport) BOOL WINAPI
     if (AnswerNumber("Restart") != 0) {
         *restart = TRUE;
     }
-    return AnswerNumber("Fail") != 0 ? FALSE : TRUE;
+    const bool refused = AnswerNumber("Fail") != 0;
+    SetLastError(refused ? AnswerNumber("Error") : ERROR_SUCCESS);
+    return refused ? FALSE : TRUE;
 }

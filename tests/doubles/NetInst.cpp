@@ -16,11 +16,14 @@
 //                              "delete" to switch the installer's trace during the call
 //   FaultIn                    "prober" or "install": the call that raises a fault, which Fault names: "access" for a
 //                              write to address 0, "division" for a division by 0
+//   TellWhoIsAsked=1           each install call journals whether the process's set-up functions ask nobody
 //   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release stands beside the library
 
 #include "NetInst.h"
 
 #include <windows.h>
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
 
 #include <cstring>
 #include <string>
@@ -165,6 +168,9 @@ public:
         WriteJournal("InstallForRecord " + DescribeRecord(record) + " flags=" + std::to_string(flags) + " source=[" +
                      SourcePath() + "]");
         FaultWhenAskedFor("install");
+        if (AnswerNumber("TellWhoIsAsked") != 0) {
+            WriteJournal("SetupGetNonInteractiveMode " + std::to_string(SetupGetNonInteractiveMode()));
+        }
         SwitchTrace(Answer("DebugKey" + call));
         if (AnswerNumber("HoldInstall" + call) != 0) {
             HoldUntilThereIs("NetInst.release");

@@ -146,15 +146,38 @@ TEST_F(InstallAnswers, AnInfOfNoFamilyIsReportedInTheTraceOnly)
     EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
 }
 
-TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryDeviceIsStillVisitedAndTheRunEnds)
+TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryMatchedDeviceCountsAsRefused)
 {
     Answer("DriverInstallFactoryStatus", "0x80004005");
 
     const FinishedRun run = RunMorvix("/s /nr");
 
     EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.Count("no driver-install interface: status 80004005\n"), 1u);
     EXPECT_EQ(run.Count("==>installing driver(s)\n"), 2u);
+    EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 57\n"), 2u);
     EXPECT_TRUE(Installs().empty());
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_FALSE(ReadRegistryValue(kResults, "Version"));
+}
+
+TEST_F(InstallAnswers, WithADriverInstallInterfaceNothingIsSaidOfIt)
+{
+    EXPECT_EQ(RunMorvix("/s /nr").Count("no driver-install interface: status 0\n"), 0u);
+}
+
+TEST_F(InstallAnswers, OnlyARunThatAsksNobodySilencesThePlatform)
+{
+    Answer("TellWhoIsAsked", "1");
+    RunMorvix("/m");
+    EXPECT_THAT(Folder().JournalLines("SetupGetNonInteractiveMode"),
+                ElementsAre("SetupGetNonInteractiveMode 0", "SetupGetNonInteractiveMode 0"));
+    RunMorvix("/s /m");
+    EXPECT_THAT(Folder().JournalLines("SetupGetNonInteractiveMode"),
+                ElementsAre("SetupGetNonInteractiveMode 0", "SetupGetNonInteractiveMode 0",
+                            "SetupGetNonInteractiveMode 1", "SetupGetNonInteractiveMode 1"));
 }
 
 TEST_F(InstallAnswers, ADriverInstallInterfaceThatComesWithAFailureIsReleasedAndNotUsed)

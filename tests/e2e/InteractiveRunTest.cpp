@@ -104,6 +104,19 @@ TEST_F(InteractiveRun, SaysThatADriverCouldNotBeInstalled)
     EXPECT_EQ(run->Finish().exitCode, 0);
 }
 
+TEST_F(InteractiveRun, SaysThatADriverCouldNotBeInstalledWhereNothingCanInstallOne)
+{
+    const Adapter adapter(kDevice);
+    Folder().Answer("NetInst", "DriverInstallFactoryStatus", "0x80004005");
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+
+    EXPECT_EQ(RunToTheEnd(window), ResourceText(24));
+    window.Press(ProgressWindow::kFinish);
+    EXPECT_EQ(run->Finish().exitCode, 0);
+}
+
 TEST_F(InteractiveRun, IgnoresTheRestartOptions)
 {
     const auto run = StartMorvix("/r");

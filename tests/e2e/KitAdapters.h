@@ -8,7 +8,7 @@
 struct KitAdapter
 {
     const char* deviceId;
-    const char* driver;       ///< start of the driver file's name, before the system's number
+    const char* driver;       ///< start of the names of its files
     const char* resultPrefix; ///< start of the names of the result values
     int pass;                 ///< the pass that finds it
 };
@@ -21,15 +21,17 @@ inline const std::vector<KitAdapter> kKitAdapters = {
     {"VEN_5D1A&DEV_1D5E&SUBSYS_00015D1A&REV_04", "ngp1", "TAVG_", 2},
 };
 
-/// A kit folder and the number in its driver files' names.
+/// A kit folder and the number in the names of its INF files.
 struct KitSystem
 {
     const char* folder;
     const char* number;
 };
 
-/// @return the file name of a kit driver, such as "ngea62x64.sys".
-[[nodiscard]] inline std::string KitDriverFile(const KitAdapter& adapter, const KitSystem& system)
+/// @param driver  Start of the name, such as "ngea".
+/// @return the file name of a kit driver: "ngea62x64.sys" for the 6.1 systems, "ngea.sys" for all others.
+[[nodiscard]] inline std::string KitDriverFile(const std::string& driver, const KitSystem& system)
 {
-    return std::string(adapter.driver) + system.number + "x64.sys";
+    const std::string number = system.number;
+    return driver + (number == "62" ? "62x64.sys" : ".sys");
 }

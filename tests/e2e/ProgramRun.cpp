@@ -9,6 +9,7 @@
 
 namespace {
 constexpr std::string_view kPrefix = "Morvix: ";
+constexpr std::string_view kNetInstPrefix = "NetInst: ";
 } // namespace
 
 std::vector<std::string> FinishedRun::Messages() const
@@ -90,7 +91,9 @@ FinishedRun ProgramRun::Finish()
 FinishedRun ProgramRun::SoFar() const
 {
     FinishedRun run;
-    run.lines = m_output.LinesOf(m_started.processId);
+    for (std::string& line : m_output.LinesOf(m_started.processId)) {
+        (line.starts_with(kNetInstPrefix) ? run.netInstLines : run.lines).push_back(std::move(line));
+    }
     return run;
 }
 

@@ -14,6 +14,8 @@ struct FinishedRun
     int exitCode = 0;
     /// The debugger output, line by line as it was sent: each begins with "Morvix: ".
     std::vector<std::string> lines;
+    /// The lines that NetInst.dll sent itself: each begins with "NetInst: ".
+    std::vector<std::string> netInstLines;
 
     /// How often `message` (without "Morvix: ") was traced.
     [[nodiscard]] size_t Count(const std::string& message) const;

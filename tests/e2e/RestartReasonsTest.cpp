@@ -225,6 +225,20 @@ TEST_F(RestartReason, MissingLeavesTheMachineAndThePendingOperationsAlone)
     ExpectNoRebootNeeded();
 }
 
+TEST_F(RestartReason, IsNoDmaEngineThatNothingCouldInstall)
+{
+    LayDown(Reason::DmaEngine);
+    Folder().Answer("NetInst", "DriverInstallFactoryStatus", "0x80004005");
+
+    const FinishedRun run = RunMorvix("/s");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.Traced(kQdatInstalled));
+    ExpectUninstallerStillOnTheList(run);
+    ExpectNoRestart(run);
+    ExpectNoRebootNeeded();
+}
+
 struct StackCase
 {
     const char* name;

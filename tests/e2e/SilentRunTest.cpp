@@ -10,6 +10,7 @@
 #include "EmulatedSystem.h"
 #include "Environment.h"
 #include "KitAdapters.h"
+#include "ProgramWindows.h"
 #include "RegistryKeys.h"
 
 namespace {
@@ -77,10 +78,10 @@ TEST_P(SilentRun, InstallsEveryAdapterAndReportsIt)
     EXPECT_EQ(run.Count(system.detectionLine), kKitAdapters.size());
     EXPECT_TRUE(run.Traced(std::string("section names from ini: ") + system.modelSection + "\n"));
     for (size_t i = 0; i < kKitAdapters.size(); ++i) {
-        const std::string file = Folder().At(kitFolder + "\\" + KitDriverFile(kKitAdapters[i], system.kit));
+        const std::string file = Folder().At(kitFolder + "\\" + KitDriverFile(kKitAdapters[i].driver, system.kit));
         ExpectInstalled(kKitAdapters[i], *m_adapters[i], file);
     }
-    const std::string lastFile = Folder().At(kitFolder + "\\" + KitDriverFile(kKitAdapters.back(), system.kit));
+    const std::string lastFile = Folder().At(kitFolder + "\\" + KitDriverFile(kKitAdapters.back().driver, system.kit));
     EXPECT_NE(FileVersionOf(lastFile), "<none>");
     EXPECT_EQ(ReadRegistryText(kResults, "Version"), FileVersionOf(lastFile));
     EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
@@ -146,6 +147,116 @@ INSTANTIATE_TEST_SUITE_P(EverySystem, SilentRun,
                          [](const testing::TestParamInfo<SystemCase>& tested) {
                              return std::string(tested.param.name);
                          });
+
+/// A file in the system's driver directory, gone at the end of the object's life.
+class OldDriverFile
+{
+public:
+    OldDriverFile(const std::string& source, const std::string& name) : m_path(DriverPath(name))
+    {
+        CopyFileTo(source, m_path);
+    }
+    ~OldDriverFile() { DeleteFileA(m_path.c_str()); }
+    OldDriverFile(const OldDriverFile&) = delete;
+    OldDriverFile& operator=(const OldDriverFile&) = delete;
+
+private:
+    std::string m_path;
+};
+
+class KitOnAnUpgradedSystem : public CleanMachine
+{
+protected:
+    // Whatever names the drivers of older systems and kits have had lie there with another version.
+    void ExpectTheNewVersion(const SystemVersion& version, const KitSystem& kit)
+    {
+        SCOPED_TRACE(kit.folder);
+        const EmulatedSystem emulated(version);
+        const Adapter adapter(kKitAdapters[0].deviceId);
+        const std::string old = DistFolder() + "\\Drv\\WinXPx64\\ngea.sys";
+        std::vector<std::unique_ptr<OldDriverFile>> left;
+        for (const char* name : {"ngea.sys", "ngea51x64.sys", "ngea60x64.sys", "ngea62x64.sys", "ngea63x64.sys"}) {
+            left.push_back(std::make_unique<OldDriverFile>(old, name));
+        }
+        const std::string own =
+            DistFolder() + "\\Drv\\" + kit.folder + "\\" + KitDriverFile(kKitAdapters[0].driver, kit);
+        ASSERT_NE(FileVersionOf(own), FileVersionOf(old));
+
+        EXPECT_EQ(RunMorvix("/s /nr").exitCode, 0);
+        EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
+        EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Version"), FileVersionOf(own));
+    }
+};
+
+TEST_F(KitOnAnUpgradedSystem, TheResultTellsTheVersionOfTheNewDriverBesideWhatOlderSystemsLeft)
+{
+    ExpectTheNewVersion({"vista", "6.0", "6002", "WinNT"}, {"WinVistax64", "60"});
+    ExpectTheNewVersion({nullptr, "6.1", "7601", "WinNT"}, {"Win7x64", "62"});
+    ExpectTheNewVersion({"win8", "6.2", "9200", "WinNT"}, {"Win8x64", "63"});
+}
+
+class RefusedDriver : public CleanMachine
+{
+protected:
+    const EmulatedSystem m_windows8{{"win8", "6.2", "9200", "WinNT"}};
+    const Adapter m_adapter{kKitAdapters[0].deviceId};
+    const OldDriverFile m_old{DistFolder() + "\\Drv\\WinXPx64\\ngea.sys", "ngea.sys"};
+};
+
+TEST_F(RefusedDriver, IsAFailureAlsoWhereAnOlderDriverFileLies)
+{
+    Folder().Remove("Drv\\Win8x64\\ngea.sys");
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 2\n"), 1u);
+    EXPECT_EQ(run.Count("Driver sys file NOT found in \\system32\\drivers"), 1u);
+    EXPECT_THAT(run.netInstLines, testing::ElementsAre("NetInst: PCI\\" + std::string(kKitAdapters[0].deviceId) +
+                                                       ": driver refused, error 00000002\n"));
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Version"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_EQ(m_adapter.Driver(), "<none>");
+}
+
+TEST_F(RefusedDriver, IsToldToTheUser)
+{
+    Folder().Remove("Drv\\Win8x64\\ngea.sys");
+    const auto run = StartMorvix("");
+    const ProgressWindow window(*run);
+    window.WaitUntilOffered(IDOK);
+    window.Press(IDOK);
+    window.WaitUntilOffered(ProgressWindow::kFinish);
+    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), ResourceText(24));
+    window.Press(ProgressWindow::kFinish);
+    EXPECT_EQ(run->Finish().exitCode, 0);
+}
+
+class AnotherInstallerLibrary : public CleanMachine
+{
+};
+
+TEST_F(AnotherInstallerLibrary, ThatKeepsTheContractServesARunAsWell)
+{
+    const EmulatedSystem windows8({"win8", "6.2", "9200", "WinNT"});
+    Folder().UseDouble("PlainNetInst.dll", "NetInst.dll");
+    const Adapter first(kKitAdapters[0].deviceId);
+    const Adapter second(kKitAdapters[1].deviceId);
+    Folder().Remove("Drv\\Win8x64\\nxga.sys");
+    SetRegistryNumber(R"(SOFTWARE\Norda\NetInst)", "RestartNeeded", 1);
+
+    const FinishedRun run = RunMorvix("/s /nr");
+
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: 0 ---> GetLastError = 0\n"), 1u);
+    EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 2\n"), 1u);
+    EXPECT_EQ(first.Service(), "NGEA");
+    EXPECT_EQ(second.Service(), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "FAILURE");
+    EXPECT_FALSE(ReadRegistryValue(R"(SOFTWARE\Norda\NetInst)", "RestartNeeded"));
+}
 
 class UnsupportedSystem : public CleanMachine
 {

@@ -136,7 +136,7 @@ failed_upgrade() {
     install "$package"
     kit=$work/no-driver
     package_kit "$newer"
-    rm -f -- "$drive/windows/system32/drivers/ngea62x64.sys"
+    # The older version's driver file stays where it is: that it is there is no success of the new one.
     install "$kit_package" FAILONFAILURE=1
     promise "an upgrade that fails ends with 1603" ends_with 1603
     # The engine of Windows brings the old version back. The one here takes it away in a transaction of its own, so that

@@ -26,7 +26,7 @@ versions_and_hashes() {
             <(rows MsiFileHash File_ | LC_ALL=C sort) | complain 'file with version and hash' &&
         is "$(version_of 'Morvix.exe')" "$version.0" && is "$(version_of 'MorvixRes.dll')" "$version.0" &&
         is "$(version_of 'NetInst.dll')" "$version.0" &&
-        is "$(version_of 'ngea62x64.sys')" 11.4.62.0 && is "$(version_of 'nxga51x64.sys')" 3.2.51.0 &&
+        is "$(version_of 'ngea62x64.sys')" 11.4.62.0 && is "$(version_of 'nxga62x64.sys')" 3.2.62.0 &&
         is "$(version_of 'ngea62x64.inf')" '' && is "$(version_of 'Morvix.ini')" ''
 }
 

@@ -4,15 +4,17 @@
 
 #include "ImportSlot.h"
 
-/// Has this program's own calls of an imported function go to another one for the life of the object, as a platform
+/// Has a module's own calls of an imported function go to another one for the life of the object, as a platform
 /// would answer that is in a state which a test cannot bring about. Calls made inside other libraries are not touched.
 class ImportOverride
 {
 public:
     /// @param function     Name of the imported function.
     /// @param replacement  Address of a function of the same type.
-    /// Throws std::runtime_error when this program does not import the function.
-    ImportOverride(const std::string& function, void* replacement) : m_slot(function), m_before(m_slot.Target())
+    /// @param module       The calling module, which must outlive the object; null for this program.
+    /// Throws std::runtime_error when the module does not import the function.
+    ImportOverride(const std::string& function, void* replacement, HMODULE module = nullptr)
+        : m_slot(function, module), m_before(m_slot.Target())
     {
         m_slot.Redirect(replacement);
     }

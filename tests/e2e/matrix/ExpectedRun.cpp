@@ -51,14 +51,9 @@ std::vector<std::string> LinesAbout(const MatrixOptions& options)
     return lines;
 }
 
-std::string DriverFile(const char* driver, const KitSystem& kit)
-{
-    return std::string(driver) + kit.number + "x64.sys";
-}
-
 ExpectedFile KitFile(const char* driver, const KitSystem& kit)
 {
-    const std::string name = DriverFile(driver, kit);
+    const std::string name = KitDriverFile(driver, kit);
     return {name, std::string("Drv\\") + kit.folder + "\\" + name};
 }
 
@@ -96,10 +91,10 @@ ExpectedDriver DriverFor(const MatrixRow& row)
     const KitSystem& kit = row.system->kit;
     if (row.options->forceInfScan) {
         // The excluded INF counts too, and its directory comes first.
-        return {std::string("Spare\\") + row.system->section + "\\" + kSpareInf, "NXGA", DriverFile("nxga", kit),
+        return {std::string("Spare\\") + row.system->section + "\\" + kSpareInf, "NXGA", KitDriverFile("nxga", kit),
                 "TAVX_"};
     }
-    return {std::string("Drv\\") + kit.folder + "\\ngea" + kit.number + "x64.inf", "NGEA", DriverFile("ngea", kit),
+    return {std::string("Drv\\") + kit.folder + "\\ngea" + kit.number + "x64.inf", "NGEA", KitDriverFile("ngea", kit),
             "TAVG_PCIE_"};
 }
 
@@ -120,28 +115,14 @@ std::vector<std::string> StoredInfs(const MatrixRow& row)
     return all;
 }
 
-// The result says whether a driver file of the family is on the system, and the answer that nothing could be installed
-// makes a failure of any. 6.1 systems take only the files that are named for them.
+// A driver that could not be installed is a failure, also where an older one's file is on the system.
 void ExpectResult(const MatrixRow& row, ExpectedRun& expected)
 {
-    const KitSystem& kit = row.system->kit;
-    const char* driver = row.options->forceInfScan ? "nxga" : "ngea";
-    switch (row.machine) {
-        case Machine::Match:
-            expected.result = "SUCCESS";
-            expected.versionFile = KitFile(driver, kit);
-            break;
-        case Machine::FilesMissing:
-            if (std::string(row.system->version.version) == "6.1") {
-                expected.result = "FAILURE";
-            } else {
-                expected.result = "SUCCESS";
-                expected.versionFile = KitFile(driver, OtherKit(kit));
-            }
-            break;
-        default:
-            expected.result = "FAILURE";
-            break;
+    if (row.machine == Machine::Match) {
+        expected.result = "SUCCESS";
+        expected.versionFile = KitFile(row.options->forceInfScan ? "nxga" : "ngea", row.system->kit);
+    } else {
+        expected.result = "FAILURE";
     }
 }
 
@@ -177,7 +158,7 @@ void ExpectWindowsNT(const MatrixRow& row, ExpectedRun& expected)
         return;
     }
     expected.end = End::FinishButton;
-    const bool refused = row.machine == Machine::InterfaceRefuses;
+    const bool refused = row.machine == Machine::InterfaceRefuses || row.machine == Machine::FilesMissing;
     expected.lastText = expected.driver.empty() ? kTextNoAdapter : refused ? kTextSomeFailed : kTextDone;
 }
 

@@ -72,7 +72,8 @@ void AddSpareInf(const RunFolder& folder, const MatrixSystem& system)
     }
     const std::string spare = SpareFolder(system) + "\\";
     folder.Write(spare + kSpareInf, inf);
-    CopyFileTo(folder.At(kit + ".sys"), folder.At(spare + "nxga" + system.kit.number + "x64.sys"));
+    const std::string driver = KitDriverFile("nxga", system.kit);
+    CopyFileTo(folder.At(std::string("Drv\\") + system.kit.folder + "\\" + driver), folder.At(spare + driver));
 }
 
 void RemoveDriverFiles(const RunFolder& folder)

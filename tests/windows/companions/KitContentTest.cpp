@@ -162,11 +162,14 @@ TEST(KitContent, EachSystemDirectoryHoldsTheFourFamiliesAndTheDmaEngine)
         const std::string tail = std::string(directory.generation) + "x64";
         const std::vector<std::string> names = {"nf6a" + tail, "ngea" + tail, "ngp1" + tail, "nxga" + tail, "qdatdma"};
         std::vector<std::string> infs;
-        std::vector<std::string> drivers;
         for (const std::string& name : names) {
             infs.push_back(name + ".inf");
-            drivers.push_back(name + ".sys");
         }
+        // Only the 6.1 systems have driver files with names of their own.
+        const std::string driverTail = std::string(directory.generation) == "62" ? tail : "";
+        const std::vector<std::string> drivers = {"nf6a" + driverTail + ".sys", "ngea" + driverTail + ".sys",
+                                                  "ngp1" + driverTail + ".sys", "nxga" + driverTail + ".sys",
+                                                  "qdatdma.sys"};
         EXPECT_EQ(FilesIn(KitFile(std::string("Drv\\") + directory.name), "*.inf"), infs);
         EXPECT_EQ(FilesIn(KitFile(std::string("Drv\\") + directory.name), "*.sys"), drivers);
     }
@@ -257,7 +260,7 @@ TEST(KitContent, AnAdapterInfAndItsDriverBeginWithTheFamilyPrefix)
 {
     for (const KitInf& inf : AllInfs()) {
         SCOPED_TRACE(inf.path);
-        EXPECT_EQ(inf.name.substr(0, inf.name.rfind('.')), DriverFileOf(inf).substr(0, DriverFileOf(inf).rfind('.')));
+        EXPECT_EQ(inf.name.substr(0, 4), DriverFileOf(inf).substr(0, 4));
     }
     for (const char* prefix : {"ngea", "nxga", "nf6a", "ngp1"}) {
         // Windows 7 and Server 2008 R2 look for a driver name with this number.

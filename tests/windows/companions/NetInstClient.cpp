@@ -7,14 +7,16 @@
 #include "CompanionFiles.h"
 #include "EntryPoints.h"
 
-NetInstLibrary::NetInstLibrary() : m_library(LoadLibraryA(NetInstPath().c_str()))
+NetInstLibrary::NetInstLibrary() : NetInstLibrary(NetInstPath()) {}
+
+NetInstLibrary::NetInstLibrary(const std::string& path) : m_library(LoadLibraryA(path.c_str()))
 {
     if (!m_library) {
-        throw std::runtime_error("cannot load " + NetInstPath());
+        throw std::runtime_error("cannot load " + path);
     }
     m_entryPoint = FindEntry<DllGetClassFactoryObjectFn>(m_library.get(), kNetInstEntryPoint);
     if (m_entryPoint == nullptr) {
-        throw std::runtime_error("NetInst.dll has no entry point");
+        throw std::runtime_error(path + " has no entry point");
     }
 }
 
@@ -48,13 +50,14 @@ Held<IDriverInstallInterface> NetInstLibrary::MakeInstaller(RawRecord& record) c
     return Held<IDriverInstallInterface>(installer);
 }
 
-InstallAnswer InstallThroughNetInst(const std::string& infPath, const std::string& hardwareId, DWORD lastErrorBefore)
+InstallAnswer NetInstLibrary::Install(const std::string& infPath, const std::string& hardwareId,
+                                      DWORD lastErrorBefore) const
 {
-    const NetInstLibrary library;
     RawRecord record;
+    record.SetFamily("Windows Vista");
     record.SetInfPath(infPath);
     record.SetHardwareId(hardwareId);
-    const Held<IDriverInstallInterface> installer = library.MakeInstaller(record);
+    const Held<IDriverInstallInterface> installer = MakeInstaller(record);
     if (!installer) {
         throw std::runtime_error("no driver-install interface");
     }
@@ -63,6 +66,11 @@ InstallAnswer InstallThroughNetInst(const std::string& infPath, const std::strin
     answer.status = installer->InstallForRecord(&record, 0);
     answer.lastError = GetLastError();
     return answer;
+}
+
+InstallAnswer InstallThroughNetInst(const std::string& infPath, const std::string& hardwareId, DWORD lastErrorBefore)
+{
+    return NetInstLibrary().Install(infPath, hardwareId, lastErrorBefore);
 }
 
 namespace {

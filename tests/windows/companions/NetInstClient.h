@@ -17,6 +17,7 @@ struct RawRecord
     std::array<char, 1280> bytes{};
 
     void SetInfPath(const std::string& path) { path.copy(bytes.data() + 204, 256); }
+    void SetFamily(const std::string& family) { family.copy(bytes.data(), 203); }
     void SetHardwareId(const std::string& id) { id.copy(bytes.data() + 716, 300); }
     [[nodiscard]] std::string Family() const { return bytes.data(); }
 };
@@ -32,11 +33,20 @@ struct Releaser
 template <class Object>
 using Held = std::unique_ptr<Object, Releaser>;
 
-/// NetInst.dll as it was built, loaded for the life of the object. Throws std::runtime_error when it cannot be loaded.
+/// What an install answered.
+struct InstallAnswer
+{
+    int32_t status = 0;
+    DWORD lastError = 0;
+};
+
+/// A library of the interface as it was built, loaded for the life of the object.
 class NetInstLibrary
 {
 public:
+    /// NetInst.dll, or the library at `path`. Throws std::runtime_error when it cannot be loaded.
     NetInstLibrary();
+    explicit NetInstLibrary(const std::string& path);
 
     /// @return the entry point's answer and what it left in the factory pointer, which held a wild address before.
     [[nodiscard]] std::pair<int32_t, void*> AskForFactory(const char* name) const;
@@ -47,18 +57,17 @@ public:
     [[nodiscard]] Held<ISysProberInterface> MakeProber() const;
     [[nodiscard]] Held<IDriverInstallInterface> MakeInstaller(RawRecord& record) const;
 
+    /// Binds `hardwareId` to `infPath` through an object of its own. The last error is set to `lastErrorBefore` first.
+    /// Throws std::runtime_error when there is no such object.
+    [[nodiscard]] InstallAnswer Install(const std::string& infPath, const std::string& hardwareId,
+                                        DWORD lastErrorBefore = ERROR_SUCCESS) const;
+
 private:
     UniqueLibrary m_library;
     DllGetClassFactoryObjectFn m_entryPoint = nullptr;
 };
 
-/// What an install answered.
-struct InstallAnswer
-{
-    int32_t status = 0;
-    DWORD lastError = 0;
-};
-/// Binds `hardwareId` to `infPath` through the library. The last error is set to `lastErrorBefore` first.
+/// The same through NetInst.dll, loaded for the call.
 [[nodiscard]] InstallAnswer InstallThroughNetInst(const std::string& infPath, const std::string& hardwareId,
                                                   DWORD lastErrorBefore = ERROR_SUCCESS);
 

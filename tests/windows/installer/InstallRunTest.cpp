@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <objbase.h>
+#include <setupapi.h>
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@
 #include "RunOptions.h"
 #include "RunState.h"
 #include "TestFiles.h"
+#include "WindowStations.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -181,4 +183,23 @@ TEST(InstallRun, ARestorePointLibraryWithoutItsFunctionIsFreedAtTheEnd)
     EXPECT_THAT(loads.Loaded(), ElementsAre("srclient.dll"));
     EXPECT_TRUE(loads.StillLoaded().empty());
     EXPECT_THAT(trace.Messages(), Contains("Failed to find SRSetRestorePointW."));
+}
+
+TEST(InstallRun, ThePlatformAsksOnlyWhereSomebodyIsThereToAnswer)
+{
+    DriverInstallRecord record = RecordWithoutAFlow();
+    SetupSetNonInteractiveMode(FALSE);
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_FALSE(SetupGetNonInteractiveMode()) << "an interactive run";
+    {
+        const HiddenWindowStation hidden;
+        EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    }
+    EXPECT_TRUE(SetupGetNonInteractiveMode()) << "where nobody sees a window";
+    SetupSetNonInteractiveMode(FALSE);
+    RunOptions.silent = 1;
+    EXPECT_EQ(0, InstallDrivers(record, nullptr));
+    EXPECT_TRUE(SetupGetNonInteractiveMode()) << "a silent run";
+    RunOptions = {};
+    SetupSetNonInteractiveMode(FALSE);
 }

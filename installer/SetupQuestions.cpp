@@ -1,0 +1,16 @@
+#include "SetupQuestions.h"
+
+#include "EntryPoints.h"
+#include "SystemLibrary.h"
+
+void RefuseSetupQuestions()
+{
+    UniqueLibrary library = LoadSystemLibrary("setupapi.dll");
+    const auto setMode =
+        library ? FindEntry<SetupSetNonInteractiveModeFn>(library.get(), "SetupSetNonInteractiveMode") : nullptr;
+    if (setMode != nullptr) {
+        setMode(TRUE);
+        // Stays loaded: the mode is forgotten with the library.
+        static_cast<void>(library.release());
+    }
+}

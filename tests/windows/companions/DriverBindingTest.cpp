@@ -1,0 +1,283 @@
+// What NetInst.dll, as it was built, makes of the system's answers. The system's driver update and its configuration
+// manager are doubles, since the ones at hand refuse nothing and know no device problems.
+
+#include <gmock/gmock.h>
+#include <windows.h>
+// The headers below need windows.h first.
+#include <newdev.h>
+#include <setupapi.h>
+
+#include "CompanionFiles.h"
+#include "DebugOutput.h"
+#include "NetInstClient.h"
+#include "RegistryKeys.h"
+#include "SimulatedAdapter.h"
+#include "SystemLibraryDoubles.h"
+#include "WindowStations.h"
+
+namespace {
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_0C0F5D1A&REV_07";
+constexpr char kConfigurationManager[] = "cfgmgr32.dll";
+constexpr char kDriverUpdate[] = "newdev.dll";
+constexpr auto kRefused = static_cast<int32_t>(0xE0000207);
+constexpr auto kNotThere = static_cast<int32_t>(0xE000020B);
+
+// A system that lists only devices that are not there: present ones are asked for and none comes.
+HDEVINFO WINAPI ListNoPresentDevice(const GUID* classGuid, PCSTR enumerator, HWND parent, DWORD flags)
+{
+    return (flags & DIGCF_PRESENT) != 0 ? SetupDiCreateDeviceInfoList(nullptr, nullptr)
+                                        : SetupDiGetClassDevsA(classGuid, enumerator, parent, flags);
+}
+
+std::string NumberOf(const std::string& key, const std::string& name)
+{
+    const auto value = ReadRegistryValue(key, name);
+    if (!value || value->type != REG_DWORD || value->bytes.size() != sizeof(DWORD)) {
+        return "<none>";
+    }
+    DWORD number = 0;
+    value->bytes.copy(reinterpret_cast<char*>(&number), sizeof(number));
+    return std::to_string(number);
+}
+
+class DriverBinding : public testing::Test
+{
+protected:
+    DriverBinding()
+    {
+        CreateRegistryKey(m_debugKey.Path());
+        m_doubles.Use(kDriverUpdate);
+        m_doubles.Use(kConfigurationManager);
+    }
+
+    [[nodiscard]] InstallAnswer Install() const
+    {
+        // An error of an earlier call must not show through.
+        return m_library.Install(KitFile("Drv\\Win7x64\\ngea62x64.inf"), m_adapter.HardwareId(), ERROR_ACCESS_DENIED);
+    }
+    void ExpectSuccess() const
+    {
+        const InstallAnswer answer = Install();
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_EQ(answer.lastError, 0U);
+    }
+    void ExpectRefusal(DWORD lastError) const
+    {
+        const InstallAnswer answer = Install();
+        EXPECT_EQ(answer.status, kRefused);
+        EXPECT_EQ(answer.lastError, lastError);
+    }
+    [[nodiscard]] std::string Line(const std::string& text) const
+    {
+        return "NetInst: " + m_adapter.HardwareId() + ": " + text + "\n";
+    }
+    [[nodiscard]] std::vector<std::string> Traced() { return m_output.OwnLines(); }
+    [[nodiscard]] std::string RestartRecord() const { return NumberOf(m_record.Path(), kNetInstRestartValue); }
+    void Refuse(const std::string& error)
+    {
+        m_doubles.Answer(kDriverUpdate, "Fail", "1");
+        m_doubles.Answer(kDriverUpdate, "Error", error);
+    }
+    void HaveProblem(unsigned problem, const std::string& call = {})
+    {
+        m_doubles.Answer(kConfigurationManager, "Status" + call, "0x400");
+        m_doubles.Answer(kConfigurationManager, "Problem" + call, std::to_string(problem));
+    }
+    [[nodiscard]] std::string UpdateCall(unsigned flags) const
+    {
+        return "UpdateDriverForPlugAndPlayDevicesA parent=none id=[" + m_adapter.HardwareId() + "] inf=[" +
+               KitFile("Drv\\Win7x64\\ngea62x64.inf") + "] flags=" + std::to_string(flags) + " restart=0";
+    }
+
+    const ScratchRegistryKey m_debugKey{R"(SOFTWARE\Norda\Basedrivers\Debug)"};
+    const ScratchRegistryKey m_record{kNetInstKey};
+    const SimulatedAdapter m_adapter{kDevice};
+    const NetInstLibrary m_library;
+    SystemLibraryDoubles m_doubles{m_library.Module()};
+    DebugOutput m_output;
+};
+
+/// This process's set-up functions ask nothing for the life of the object.
+class NonInteractiveMode
+{
+public:
+    NonInteractiveMode() { SetupSetNonInteractiveMode(TRUE); }
+    ~NonInteractiveMode() { SetupSetNonInteractiveMode(FALSE); }
+    NonInteractiveMode(const NonInteractiveMode&) = delete;
+    NonInteractiveMode& operator=(const NonInteractiveMode&) = delete;
+};
+
+TEST_F(DriverBinding, EveryRefusalOfTheSystemIsTheOneStatusWithTheSystemsCode)
+{
+    for (const char* error : {"0xE000022F", "0xE000023F", "0xE0000240", "0xE0000241", "0xE0000242", "0xE0000243",
+                              "0xE0000244", "0xE0000228", "0xE0000235", "0x800B0109", "2", "5", "259", "1223"}) {
+        SCOPED_TRACE(error);
+        Refuse(error);
+        ExpectRefusal(static_cast<DWORD>(std::stoul(error, nullptr, 0)));
+    }
+    EXPECT_THAT(Traced(), Contains(Line("driver refused, error e0000242")));
+    EXPECT_EQ(RestartRecord(), "<none>");
+}
+
+TEST_F(DriverBinding, ARefusalWithoutAReasonIsAGeneralFailure)
+{
+    Refuse("0");
+    ExpectRefusal(ERROR_GEN_FAILURE);
+}
+
+TEST_F(DriverBinding, ASystemWithoutDriverUpdateRefusesEveryDriver)
+{
+    m_doubles.Lack(kDriverUpdate);
+    ExpectRefusal(ERROR_MOD_NOT_FOUND);
+}
+
+TEST_F(DriverBinding, ADriverThatIsBoundAndDoesNotRunIsRefused)
+{
+    for (const unsigned problem : {52U, 39U, 10U, 28U}) {
+        SCOPED_TRACE(problem);
+        HaveProblem(problem);
+        ExpectRefusal(0x20000000U + problem);
+        EXPECT_THAT(Traced(),
+                    Contains(Line("driver bound, but the device has problem code " + std::to_string(problem))));
+    }
+}
+
+TEST_F(DriverBinding, AProblemThatTheDriverHasNothingToDoWithIsNoRefusal)
+{
+    HaveProblem(22);
+    ExpectSuccess();
+    EXPECT_THAT(Traced(), IsEmpty());
+}
+
+TEST_F(DriverBinding, OneOfTwoDevicesWithAProblemMakesARefusal)
+{
+    // The instance of the adapter, and a second card of the same kind.
+    SetRegistryList(R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&D0)",
+                    "HardwareID", {m_adapter.HardwareId()});
+    SetRegistryText(R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&D0)", "ClassGUID",
+                    "{4D36E972-E325-11CE-BFC1-08002BE10318}");
+    HaveProblem(14, "1");
+    HaveProblem(39, "2");
+    ExpectRefusal(0x20000027);
+    EXPECT_EQ(RestartRecord(), "1") << "the other one needs its restart nevertheless";
+}
+
+TEST_F(DriverBinding, AStateThatCannotBeAskedForIsNoRefusal)
+{
+    HaveProblem(52);
+    constexpr char kNotImplemented[] = "0x20";
+    m_doubles.Answer(kConfigurationManager, "StateResult", kNotImplemented);
+    ExpectSuccess();
+    m_doubles.Lack(kConfigurationManager);
+    ExpectSuccess();
+}
+
+TEST_F(DriverBinding, ARestartThatTheDeviceNeedsIsRecordedAndIsNoFailure)
+{
+    HaveProblem(14);
+    ExpectSuccess();
+    EXPECT_EQ(RestartRecord(), "1");
+    EXPECT_THAT(Traced(), ElementsAre(Line("restart needed, as the device says")));
+}
+
+TEST_F(DriverBinding, ARestartThatTheUpdateAsksForIsRecordedAndIsNoFailure)
+{
+    m_doubles.Answer(kDriverUpdate, "Restart", "1");
+    ExpectSuccess();
+    EXPECT_EQ(RestartRecord(), "1");
+    EXPECT_THAT(Traced(), ElementsAre(Line("restart needed, as the driver update says")));
+}
+
+TEST_F(DriverBinding, ABindingWithoutAProblemRecordsAndTracesNothing)
+{
+    ExpectSuccess();
+    EXPECT_FALSE(RegistryKeyExists(m_record.Path()));
+    EXPECT_THAT(Traced(), IsEmpty());
+    EXPECT_THAT(m_doubles.Journal(), Contains("CM_Get_DevNode_Status flags=0"));
+}
+
+TEST_F(DriverBinding, TheNextIdentificationForgetsTheRestart)
+{
+    HaveProblem(14);
+    ExpectSuccess();
+    SetRegistryText(m_record.Path(), "Other", "stays");
+    RawRecord record;
+    const Held<ISysProberInterface> prober = m_library.MakeProber();
+    EXPECT_EQ(static_cast<int32_t>(prober->IdentifySystem(&record)), 0);
+    EXPECT_EQ(RestartRecord(), "<none>");
+    EXPECT_EQ(ReadRegistryText(m_record.Path(), "Other"), "stays");
+}
+
+TEST_F(DriverBinding, NothingIsTracedWhileTheTraceIsOff)
+{
+    DeleteRegistryTree(m_debugKey.Path());
+    Refuse("0xE0000242");
+    ExpectRefusal(0xE0000242);
+    EXPECT_THAT(Traced(), IsEmpty());
+}
+
+TEST_F(DriverBinding, ARemovedCardIsMarkedForReinstallationAndIsNoRefusal)
+{
+    const std::string instance = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&C8)";
+    SetRegistryNumber(instance, "ConfigFlags", 0x4);
+    const ImportOverride devices("SetupDiGetClassDevsA", reinterpret_cast<void*>(&ListNoPresentDevice),
+                                 m_library.Module());
+    const InstallAnswer answer = Install();
+    EXPECT_EQ(answer.status, kNotThere);
+    EXPECT_EQ(answer.lastError, 0xE000020BU);
+    EXPECT_EQ(NumberOf(instance, "ConfigFlags"), std::to_string(0x24));
+    EXPECT_THAT(Traced(), ElementsAre(Line("device not there, 1 marked for re-installation")));
+    EXPECT_THAT(m_doubles.Journal(), IsEmpty()) << "there is nothing to bind";
+}
+
+TEST_F(DriverBinding, ACardThatGoesWhileItIsBoundIsMarkedToo)
+{
+    const std::string instance = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&C8)";
+    constexpr char kNoSuchNode[] = "0xD";
+    m_doubles.Answer(kConfigurationManager, "StateResult", kNoSuchNode);
+    EXPECT_EQ(Install().status, kNotThere);
+    EXPECT_EQ(NumberOf(instance, "ConfigFlags"), std::to_string(0x20));
+}
+
+TEST_F(DriverBinding, TheSystemsWordThatThereIsNoDeviceCountsAsOurs)
+{
+    Refuse("0xE000020B");
+    const InstallAnswer answer = Install();
+    EXPECT_EQ(answer.status, kNotThere);
+    EXPECT_EQ(answer.lastError, 0xE000020BU);
+}
+
+TEST_F(DriverBinding, WhereSomebodyIsWatchingTheSystemMayAsk)
+{
+    ExpectSuccess();
+    EXPECT_THAT(m_doubles.Journal(), Contains(UpdateCall(INSTALLFLAG_FORCE)));
+}
+
+TEST_F(DriverBinding, ASilentProcessIsNeverAsked)
+{
+    const NonInteractiveMode silent;
+    ExpectSuccess();
+    EXPECT_THAT(m_doubles.Journal(), Contains(UpdateCall(INSTALLFLAG_FORCE | INSTALLFLAG_NONINTERACTIVE)));
+}
+
+TEST_F(DriverBinding, WhereNobodySeesAWindowNobodyIsAsked)
+{
+    const HiddenWindowStation hidden;
+    ExpectSuccess();
+    EXPECT_THAT(m_doubles.Journal(), Contains(UpdateCall(INSTALLFLAG_FORCE | INSTALLFLAG_NONINTERACTIVE)));
+}
+
+TEST_F(DriverBinding, SystemLibrariesAreLoadedFromTheSystemDirectory)
+{
+    ExpectSuccess();
+    std::array<char, MAX_PATH> directory{};
+    GetSystemDirectoryA(directory.data(), MAX_PATH);
+    const std::string system = std::string(directory.data()) + "\\";
+    EXPECT_THAT(m_doubles.Loaded(), ElementsAre(system + kDriverUpdate, system + kConfigurationManager));
+}
+} // namespace
