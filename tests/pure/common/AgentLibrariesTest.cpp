@@ -16,6 +16,8 @@ TEST(AgentLibraries, AreFoundByShortNameWithoutRegardToLetterCase)
 {
     EXPECT_EQ(FindAgentLibrary(kLibraries, "NetShell"), kLibraries.data());
     EXPECT_EQ(FindAgentLibrary(kLibraries, "nETsHELL"), kLibraries.data());
+    constexpr std::array<AgentLibrary, 1> kFirstAndLastLetter{{{"aZ", "", "", ""}}};
+    EXPECT_EQ(FindAgentLibrary(kFirstAndLastLetter, "Az"), kFirstAndLastLetter.data());
 }
 
 TEST(AgentLibraries, TheFirstRowOfANameCounts)
@@ -39,7 +41,10 @@ TEST(AgentLibraries, ThePathTakesTheExtensionAndOneBackslash)
     EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "File"), R"(C:\Dir\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(C:\Dir\)", "File"), R"(C:\Dir\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(c:\)", "File"), R"(c:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(a:\)", "File"), R"(a:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(Z:\)", "File"), R"(Z:\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(\\server\share)", "File"), R"(\\server\share\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(\\s)", "File"), R"(\\s\File.DLL)");
 }
 
 TEST(AgentLibraries, ADirectoryThatIsNoFullPathGivesNoPath)

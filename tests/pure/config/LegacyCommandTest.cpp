@@ -19,6 +19,8 @@ TEST(LegacyCommand, TheProgramsDirectoryIsItsPathUpToTheLastBackslash)
     EXPECT_EQ(DriveAndDirectoryOf("C:\\Kit\\Setup\\Morvix.exe"), "C:\\Kit\\Setup\\");
     EXPECT_EQ(DriveAndDirectoryOf("Setup/Morvix.exe"), "Setup/");
     EXPECT_EQ(DriveAndDirectoryOf("C:Morvix.exe"), "C:");
+    EXPECT_EQ(DriveAndDirectoryOf("C:"), "C:");
+    EXPECT_EQ(DriveAndDirectoryOf("C"), "");
     EXPECT_EQ(DriveAndDirectoryOf("Morvix.exe"), "");
     EXPECT_EQ(DriveAndDirectoryOf(""), "");
     EXPECT_EQ(DriveAndDirectoryOf("\\Morvix.exe"), "\\");
