@@ -16,9 +16,9 @@ struct Decision
     /// What the fault changes, as EffectsOf() puts it.
     std::string_view effects;
     /// What the trace says in addition: the beginning of a line. Without it, the trace may differ in any way.
-    std::string_view says;
+    std::string_view says = {};
     /// The only scenario that the row is about.
-    std::string_view scenario;
+    std::string_view scenario = {};
 };
 
 [[nodiscard]] std::span<const Decision> AllDecisions();
