@@ -136,6 +136,7 @@ scripts_are_run() {
             scripts/setup | scripts/build | scripts/test) ;; # this run began with them
             scripts/demo) [[ -x $repo/tests/demo/shown.sh ]] ;;
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
+            scripts/promises) "$repo/scripts/promises" --check || return 1 ;;
             scripts/fuzz) run_limited 120 "$repo/scripts/fuzz" 1 || return 1 ;;
             # They take longer than a test may.
             scripts/pictures | scripts/package | scripts/coverage | scripts/mutations | scripts/faults | scripts/analyze | \

@@ -5,9 +5,8 @@
 
 #include "Modes.h"
 
-/// Without arguments: the tests, which make one call fail for each verdict. With --every-call each single call fails in
-/// turn, of all scenarios or of one, which takes long. With --write SCENARIO its verdicts are written down beside the
-/// kept ones, with --show SCENARIO what its run does.
+/// Without arguments: the tests, which make the first and the last call of each name fail. With --every-call each
+/// single call fails in turn, of all scenarios or of one, which takes long. With --show SCENARIO what its run does.
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
@@ -18,12 +17,9 @@ int main(int argc, char** argv)
     if (argc <= 3 && mode == "--every-call") {
         return EveryCall(argc == 3 ? argv[2] : "");
     }
-    if (argc == 3 && mode == "--write") {
-        return WriteDown(argv[2]);
-    }
     if (argc == 3 && mode == "--show") {
         return Show(argv[2]);
     }
-    std::cerr << "usage: morvix_faults [--every-call [SCENARIO] | --write SCENARIO | --show SCENARIO]\n";
+    std::cerr << "usage: morvix_faults [--every-call [SCENARIO] | --show SCENARIO]\n";
     return 2;
 }

@@ -5,9 +5,10 @@
 #include <memory>
 #include <set>
 
+#include "Decisions.h"
+#include "Effects.h"
 #include "Memory.h"
 #include "Scenario.h"
-#include "Verdicts.h"
 
 namespace {
 std::unique_ptr<Scenario> Make(const std::string& name)
@@ -19,65 +20,6 @@ std::unique_ptr<Scenario> Make(const std::string& name)
     }
     std::cerr << "there is no scenario " << name << "\n";
     return nullptr;
-}
-
-/// The calls for which scenarios before this one have verdicts.
-std::set<CallName> HeldBefore(const std::string& name)
-{
-    std::set<CallName> held;
-    for (const ScenarioRow& row : AllScenarios()) {
-        if (row.name == name) {
-            std::erase_if(held, [&](const CallName& call) {
-                return std::ranges::find(row.again, Describe(call)) != row.again.end();
-            });
-            break;
-        }
-        for (const Verdict& verdict : ReadVerdicts(row.name)) {
-            held.insert(verdict.call);
-        }
-    }
-    return held;
-}
-
-/// @return which of `count` calls of the same name are looked at: those between are like the ones before them.
-std::vector<unsigned> Picked(const CallName& call, unsigned count)
-{
-    constexpr unsigned kFirst = 1;
-    std::vector<unsigned> picked;
-    for (unsigned ordinal = 1; ordinal <= std::min(count, kFirst); ++ordinal) {
-        picked.push_back(ordinal);
-    }
-    if (count > kFirst && !ComesByChance(call)) {
-        picked.push_back(count);
-    }
-    return picked;
-}
-
-/// Calls that fare alike share a verdict.
-void Add(std::vector<Verdict>& verdicts, const CallName& call, unsigned ordinal, std::vector<std::string> words)
-{
-    const auto same = std::ranges::find_if(
-        verdicts, [&](const Verdict& verdict) { return verdict.call == call && verdict.expected == words; });
-    if (same == verdicts.end()) {
-        verdicts.push_back({call, {ordinal}, std::move(words)});
-    } else {
-        same->ordinals.push_back(ordinal);
-    }
-}
-
-const Verdict* VerdictFor(const std::vector<Verdict>& verdicts, const CallName& call, unsigned ordinal)
-{
-    const auto own = std::ranges::find_if(verdicts, [&](const Verdict& verdict) {
-        return verdict.call == call && std::ranges::find(verdict.ordinals, ordinal) != verdict.ordinals.end();
-    });
-    return own == verdicts.end() ? nullptr : &*own;
-}
-
-/// What every run must do, whichever call fails: come to an end that the program has chosen.
-bool EndsByItself(const Outcome& outcome)
-{
-    const auto code = static_cast<int>(outcome.exitCode);
-    return outcome.ended && (code == 0 || code == -1);
 }
 
 unsigned Report(const std::string& what, const std::vector<std::string>& lines)
@@ -93,18 +35,15 @@ unsigned EveryCallOf(const ScenarioRow& row, unsigned& runs)
 {
     const std::unique_ptr<Scenario> scenario = row.make();
     const Outcome clean = scenario->Run({}, true);
-    const std::vector<Verdict> verdicts = ReadVerdicts(row.name);
     unsigned wrong = 0;
     for (const auto& [call, count] : clean.calls) {
         for (unsigned ordinal = 1; ordinal <= count; ++ordinal) {
             const Outcome faulted = scenario->Run({.call = call, .ordinal = ordinal});
             ++runs;
-            const Verdict* const verdict = VerdictFor(verdicts, call, ordinal);
-            const std::vector<std::string> words = WordsFor(Difference(clean.lines, faulted.lines));
-            const bool asExpected =
-                verdict == nullptr || words == verdict->expected || (!faulted.reached && ComesByChance(call));
-            if (!asExpected || !EndsByItself(faulted)) {
-                wrong += Report(std::string(row.name) + ": " + Describe(call) + " " + std::to_string(ordinal), words);
+            const std::vector<std::string> complaints = BrokenInvariants(call, clean, faulted);
+            if (!complaints.empty()) {
+                wrong +=
+                    Report(std::string(row.name) + ": " + Describe(call) + " " + std::to_string(ordinal), complaints);
             }
         }
     }
@@ -139,31 +78,6 @@ int EveryCall(const std::string& scenario)
         std::cout << row.name << ": " << runs << " runs so far, " << wrong << " wrong\n" << std::flush;
     }
     return runs != 0 && wrong == 0 ? 0 : 1;
-}
-
-int WriteDown(const std::string& name)
-{
-    const std::unique_ptr<Scenario> scenario = Make(name);
-    if (!scenario) {
-        return 2;
-    }
-    const std::set<CallName> held = HeldBefore(name);
-    const Outcome clean = scenario->Run();
-    std::vector<Verdict> verdicts;
-    for (const auto& [call, count] : clean.calls) {
-        if (held.contains(call)) {
-            continue;
-        }
-        for (const unsigned ordinal : Picked(call, count)) {
-            const Outcome faulted = scenario->Run({.call = call, .ordinal = ordinal});
-            Add(verdicts, call, ordinal,
-                faulted.reached ? WordsFor(Difference(clean.lines, faulted.lines))
-                                : std::vector<std::string>{"not reached"});
-        }
-        std::cerr << Describe(call) << " " << count << "\n";
-        WriteVerdicts(name, verdicts);
-    }
-    return 0;
 }
 
 int Show(const std::string& name)

@@ -7,7 +7,7 @@
 
 #include "FaultChannel.h"
 
-/// One call of a run that can fail, as the verdicts name it.
+/// One call of a run that can fail.
 struct CallName
 {
     CallThread thread = CallThread::Main;

@@ -48,9 +48,9 @@ private:
 
 struct ScenarioRow
 {
-    const char* name; ///< name of its file of verdicts, without extension
+    const char* name;
     std::unique_ptr<Scenario> (*make)();
-    /// Calls for which an earlier scenario has verdicts and which end otherwise here, as Describe() puts them.
+    /// Calls that an earlier scenario makes too and that end differently in this one, as Describe() puts them.
     std::vector<std::string> again;
 };
 [[nodiscard]] std::span<const ScenarioRow> AllScenarios();

@@ -1,16 +1,11 @@
 #pragma once
 
-// Put in front of every source that mutate.py has put faults into: one build holds them all, and the environment
-// variable MORVIX_MUTANT chooses the one that is alive.
+// Included by every source that mutate.py has put faults into: one build holds them all, and the environment variable
+// MORVIX_MUTANT chooses the one that takes effect.
 #include <cstdlib>
 #include <type_traits>
 
-#pragma GCC diagnostic ignored "-Wconversion"
-#pragma GCC diagnostic ignored "-Wextra"
-#pragma GCC diagnostic ignored "-Wsign-compare"
-#pragma GCC diagnostic ignored "-Wunused-function"
-
-inline bool MutantLives(int number)
+inline bool MutantWasChosen(int number)
 {
     static const int chosen = [] {
         const char* const text = std::getenv("MORVIX_MUTANT");
@@ -19,8 +14,8 @@ inline bool MutantLives(int number)
     return chosen == number;
 }
 
-// What the compiler works out itself has no faults.
+// What the compiler evaluates has no faults.
 constexpr bool MutantIs(int number)
 {
-    return !std::is_constant_evaluated() && MutantLives(number);
+    return !std::is_constant_evaluated() && MutantWasChosen(number);
 }

@@ -1,134 +1,157 @@
 #!/usr/bin/env python3
-"""Puts the faults of mutations.txt into a copy of the sources, and runs the tests that must notice them.
+"""Puts small faults into a copy of the sources, and runs the tests that must notice them.
 
-mutate.py check                         every fault fits the sources
-mutate.py apply TREE                    makes TREE a copy of the sources with all faults in it; MORVIX_MUTANT=N makes N live
-mutate.py run BUILD RESULTS LANE [...]  runs the faults' tests of this lane (pure, windows, e2e); further arguments are
-                                        words of which a fault's first line must contain one
-mutate.py report RESULTS                tells which faults survived; fails when one did or a test was red without a fault
+mutate.py check                     every entry of chosen.txt and equivalent.txt finds its place in the sources
+mutate.py list                      every fault with its number
+mutate.py apply TREE                makes TREE a copy of the sources with all faults in it; MORVIX_MUTANT=N chooses one
+mutate.py run BUILD RESULTS LANE [WORD...]
+                                    runs the tests of this lane (pure, windows, e2e), with words only for faults whose
+                                    description holds one of them
+mutate.py report RESULTS            prints the faults that no test noticed; fails when there are any, and when a test
+                                    failed without a fault
+
+The faults are those that operators.py makes in the files without platform calls, without equivalent.txt, and those of
+chosen.txt.
 """
+import concurrent.futures
 import os
 import pathlib
 import re
+import resource
 import signal
 import subprocess
 import sys
 import time
 
+import operators
+
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 LANES = {"pure": "pure_", "windows": "windows_", "e2e": "morvix_e2e"}
+MOST_CHOSEN = 60
+# The suite of each folder's files without platform calls.
+SUITES = {
+    "Common/Src": "pure_common",
+    "Common/Src/settings": "pure_settings",
+    "config": "pure_config",
+    "devices": "pure_devices",
+    "installer": "pure_installer",
+    "installer/base": "pure_base",
+    "packaging/actions": "pure_actions",
+}
 
 
 class Mutation:
-    def __init__(self, number, title, place):
-        file, _, tests = title.partition(": ")
-        name, _, occurrence = file.partition(" ")
+    def __init__(self, number, file, fault, tests):
         self.number = number
-        self.place = place
-        self.file = name
-        self.occurrence = int(occurrence or 0)
-        self.tests = tests.split()
-        self.old = []
-        self.new = []
-
-    def finish(self):
-        self.old = "\n".join(self.old)
-        self.new = "\n".join(self.new)
-        if not self.old or not self.tests or self.old == self.new:
-            sys.exit(f"mutations.txt:{self.place}: not a fault")
+        self.file = file
+        self.fault = fault
+        self.tests = tests
 
     def describe(self):
-        new = self.new or "(nothing)"
-        return f"{self.number} {self.file}: {self.old}  ->  {new}".replace("\n", " ")
-
-    def position(self, text):
-        """Where the old text stands in `text`; exactly one place is meant."""
-        places = [match.start() for match in re.finditer(re.escape(self.old), text)]
-        if self.occurrence:
-            if len(places) < self.occurrence:
-                sys.exit(f"mutations.txt:{self.place}: {self.file} holds this {len(places)} times")
-            return places[self.occurrence - 1]
-        if len(places) != 1:
-            sys.exit(f"mutations.txt:{self.place}: {self.file} holds this {len(places)} times")
-        return places[0]
-
-    def replacement(self):
-        """Old and new text side by side, chosen while the program runs."""
-        if not self.old.rstrip().endswith(";"):
-            return f"(MutantIs({self.number}) ? ({self.new}) : ({self.old}))"
-        if self.old.lstrip().startswith("constexpr"):
-            head, old = self.old.rstrip(";").split(" = ", 1)
-            new = self.new.rstrip(";").split(" = ", 1)[1]
-            head = head.replace("constexpr", "const", 1)
-            return f"{head} = MutantLives({self.number}) ? {new} : {old};"
-        return f"if (MutantIs({self.number})) {{ {self.new} }} else {{ {self.old} }}"
+        fault = self.fault
+        return f"{self.number} {self.file}:{fault.line} {fault.function} {fault.operator}: {fault.change}"
 
 
-def read_mutations():
+class Sources:
+    """The sources and their faults, each file read once."""
+
+    def __init__(self):
+        self.files = {}
+
+    def __getitem__(self, file):
+        if file not in self.files:
+            self.files[file] = operators.Source((ROOT / file).read_text())
+        return self.files[file]
+
+
+def pure_files():
+    """The files that the rooms build without platform calls, each with its header."""
+    for room, suite in SUITES.items():
+        text = (ROOT / room / "CMakeLists.txt").read_text()
+        names = re.search(r"PURE((?:\s+\w+\.cpp)+)", text).group(1).split()
+        for name in names:
+            yield f"{room}/{name}", suite
+            header = f"{room}/{pathlib.Path(name).stem}.h"
+            if (ROOT / header).exists():
+                yield header, suite
+
+
+def entries(name):
+    """The lines of a list: FILE FUNCTION OPERATOR /REGEX/ [NUMBER]: TEXT, where OPERATOR may be "any"."""
+    for place, line in enumerate((HERE / name).read_text().splitlines(), 1):
+        if not line or line.startswith("#"):
+            continue
+        match = re.fullmatch(r"(\S+) (\S+) (\w+) /(.+)/(?: (\d+))?: (.+)", line)
+        if not match:
+            sys.exit(f"{name}:{place}: cannot be read")
+        yield f"{name}:{place}", match.groups()
+
+
+def found(sources, place, entry):
+    """The faults that an entry names."""
+    file, function, operator, text, _, _ = entry
+    if not (ROOT / file).exists():
+        sys.exit(f"{place}: there is no {file}")
+    faults = [
+        fault
+        for fault in sources[file].faults()
+        if fault.function == function and operator in ("any", fault.operator) and re.search(text, fault.change)
+    ]
+    if not faults:
+        sys.exit(f"{place}: {file} has no such place in {function}")
+    return faults
+
+
+def read_mutations(sources):
+    chosen = list(entries("chosen.txt"))
+    if len(chosen) > MOST_CHOSEN:
+        sys.exit(f"chosen.txt: {len(chosen)} faults, {MOST_CHOSEN} at most")
     mutations = []
-    current = None
-    for place, line in enumerate((HERE / "mutations.txt").read_text().splitlines(), 1):
-        if line.startswith("- ") and current:
-            current.old.append(line[2:])
-        elif line.startswith("+ ") and current:
-            current.new.append(line[2:])
-        elif not line or line.startswith("#"):
-            if current:
-                current.finish()
-            current = None
-        elif ": " in line and current is None:
-            current = Mutation(len(mutations) + 1, line, place)
-            mutations.append(current)
-        else:
-            sys.exit(f"mutations.txt:{place}: cannot be read")
-    if current:
-        current.finish()
+    for place, entry in chosen:
+        faults = found(sources, place, entry)
+        number = int(entry[4] or 0)
+        if number > len(faults) or (not number and len(faults) > 1):
+            sys.exit(f"{place}: {len(faults)} places: " + "; ".join(fault.change for fault in faults))
+        mutations.append(Mutation(len(mutations) + 1, entry[0], faults[number - 1], entry[5].split()))
+    same = {id(fault) for place, entry in entries("equivalent.txt") for fault in found(sources, place, entry)}
+    for file, suite in pure_files():
+        for fault in sources[file].faults():
+            if id(fault) not in same:
+                mutations.append(Mutation(len(mutations) + 1, file, fault, [suite]))
     return mutations
-
-
-def mutated_sources(tree):
-    """The sources of `tree` with all faults in them, by file name."""
-    files = {}
-    for mutation in read_mutations():
-        files.setdefault(mutation.file, []).append(mutation)
-    sources = {}
-    for file, mutations in files.items():
-        text = (tree / file).read_text()
-        end = len(text)
-        for position, mutation in sorted(((m.position(text), m) for m in mutations), key=lambda p: -p[0]):
-            behind = position + len(mutation.old)
-            if behind > end:
-                sys.exit(f"mutations.txt:{mutation.place}: two faults in one place")
-            text = text[:position] + mutation.replacement() + text[behind:]
-            end = position
-        sources[file] = f'#include "{HERE / "Mutant.h"}"\n#line 1\n{text}'
-    return sources
 
 
 def apply(tree):
     """Makes `tree` a copy of the sources with the faults in it; what has not changed since the last time stays untouched."""
-    mutated = mutated_sources(ROOT)
+    sources = Sources()
+    mutations = read_mutations(sources)
+    numbers = {id(mutation.fault): mutation.number for mutation in mutations}
+    mutated = {mutation.file for mutation in mutations}
     wanted = set()
     for folder, folders, files in os.walk(ROOT):
         if pathlib.Path(folder) == ROOT:
             folders[:] = [name for name in folders if name not in ("build", ".git")]
         for name in files:
             source = pathlib.Path(folder) / name
-            file = source.relative_to(ROOT)
-            content = mutated[str(file)].encode() if str(file) in mutated else source.read_bytes()
+            file = str(source.relative_to(ROOT))
+            content = source.read_bytes()
+            if file in mutated:
+                text = sources[file].with_faults(numbers)
+                content = f'#include "{HERE / "Mutant.h"}"\n#line 1\n{text}'.encode()
             target = tree / file
             wanted.add(target)
             if not target.exists() or target.read_bytes() != content:
                 target.parent.mkdir(parents=True, exist_ok=True)
                 target.write_bytes(content)
+                target.chmod(source.stat().st_mode)
     for folder, folders, files in os.walk(tree):
         if pathlib.Path(folder) == tree:
             folders[:] = [name for name in folders if name != "build"]
         for name in files:
             if pathlib.Path(folder) / name not in wanted:
                 (pathlib.Path(folder) / name).unlink()
-    print(f"{len(read_mutations())} faults in {len(mutated_sources(ROOT))} files")
+    print(f"{len(mutations)} faults in {len(mutated)} files")
 
 
 class Runner:
@@ -149,16 +172,24 @@ class Runner:
 
     def run(self, test, number, limit):
         """@return 'passed', 'failed' or 'stopped', and the last lines that the program wrote."""
-        environment = dict(os.environ, MORVIX_MUTANT=str(number))
+        environment = dict(os.environ, MORVIX_MUTANT=str(number), ASAN_OPTIONS="hard_rss_limit_mb=1500")
+
+        def limit_processor_time():
+            # A loaded machine does not use it up. What waits in Wine uses none.
+            if self.lane == "pure":
+                resource.setrlimit(resource.RLIMIT_CPU, (limit, limit))
+
         with subprocess.Popen(self.command(test), env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              start_new_session=True) as process:
+                              start_new_session=True, preexec_fn=limit_processor_time) as process:
             try:
-                text = process.communicate(timeout=limit)[0].decode(errors="replace")
+                text = process.communicate(timeout=None if self.lane == "pure" else limit)[0].decode(errors="replace")
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, signal.SIGKILL)
                 process.communicate()
                 self.clean_up()
                 return "stopped", ""
+        if process.returncode in (-signal.SIGXCPU, -signal.SIGKILL):
+            return "stopped", text
         # A program that crashes in Wine may leave 0 all the same, but it does not come to its last lines.
         if process.returncode != 0 or "[  PASSED  ]" not in text:
             return "failed", text
@@ -168,9 +199,8 @@ class Runner:
 
     def clean_up(self):
         """What a stopped program has left running must not disturb the next one."""
-        if self.lane != "pure":
-            subprocess.run(["wineserver", "-k"], check=False)
-            subprocess.run(["wineserver", "-w"], check=False, timeout=60)
+        subprocess.run(["wineserver", "-k"], check=False)
+        subprocess.run(["wineserver", "-w"], check=False, timeout=60)
 
     def limit(self, test, record):
         """Seconds that the test may take: many times what it takes without a fault, which it must pass."""
@@ -178,7 +208,9 @@ class Runner:
             started = time.monotonic()
             verdict, text = self.run(test, 0, 900)
             record("baseline", verdict, test, text)
-            self.limits[test] = 60 + 5 * (time.monotonic() - started) if verdict == "passed" else None
+            taken = time.monotonic() - started
+            longest = 10 + 5 * taken if self.lane == "pure" else 60 + 5 * taken
+            self.limits[test] = int(longest) if verdict == "passed" else None
         return self.limits[test]
 
 
@@ -189,6 +221,14 @@ def first_failure(text):
 
 def run(build, results, lane, words):
     runner = Runner(pathlib.Path(build), lane)
+    noticed = noticed_so_far(results)
+    mutations = [
+        (mutation, test)
+        for mutation in read_mutations(Sources())
+        for test in mutation.tests
+        if test.startswith(LANES[lane]) and mutation.number not in noticed
+        and (not words or any(word in mutation.describe() for word in words))
+    ]
     with open(f"{results}/{lane}.tsv", "a", encoding="utf-8") as out:
 
         def record(kind, verdict, test, text):
@@ -197,22 +237,19 @@ def run(build, results, lane, words):
             if kind == "baseline" and verdict != "passed":
                 pathlib.Path(f"{results}/baseline-{lane}.log").write_text(text)
 
-        noticed = noticed_so_far(results)
-        for mutation in read_mutations():
-            tests = [test for test in mutation.tests if test.startswith(LANES[lane])]
-            if mutation.number in noticed or words and not any(word in mutation.describe() for word in words):
-                continue
-            for test in tests:
-                limit = runner.limit(test, record)
-                if limit is None:
-                    continue
-                verdict, text = runner.run(test, mutation.number, limit)
-                record(mutation.number, verdict, test, text)
-                print(f"{verdict:8} {mutation.describe()} {first_failure(text)}", flush=True)
-                if verdict != "passed":
-                    break
-        # A fault may leave something behind that makes every later test red: then nothing here means anything.
-        for test in [test for test, limit in runner.limits.items() if limit is not None]:
+        def attempt(mutation, test):
+            verdict, text = runner.run(test, mutation.number, runner.limits[test])
+            record(mutation.number, verdict, test, text)
+            print(f"{verdict:8} {mutation.describe()} {first_failure(text)}", flush=True)
+
+        tests = {test: runner.limit(test, record) for test in dict.fromkeys(test for _, test in mutations)}
+        # Programs of Windows share a machine; the others share nothing.
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count() if lane == "pure" else 1) as pool:
+            attempts = [pool.submit(attempt, *pair) for pair in mutations if tests[pair[1]] is not None]
+            for done in attempts:
+                done.result()
+        # A fault may leave something that makes every later test fail: then nothing here means anything.
+        for test in [test for test, limit in tests.items() if limit is not None]:
             verdict, text = runner.run(test, 0, 900)
             record("baseline", verdict, test, text)
 
@@ -224,11 +261,11 @@ def rows(results):
 
 
 def noticed_so_far(results):
-    return {int(kind) for kind, verdict, *_ in rows(results) if kind != "baseline" and verdict != "passed"}
+    return {int(kind) for kind, verdict, *_ in rows(results) if kind != "baseline" and verdict in ("failed", "stopped")}
 
 
 def report(results):
-    mutations = {mutation.number: mutation for mutation in read_mutations()}
+    mutations = {mutation.number: mutation for mutation in read_mutations(Sources())}
     tried = {int(kind) for kind, *_ in rows(results) if kind != "baseline"}
     noticed = noticed_so_far(results)
     red = [(verdict, test, case) for kind, verdict, test, case in rows(results)
@@ -244,7 +281,16 @@ def report(results):
 
 def main(arguments):
     if arguments == ["check"]:
-        print(f"{len(read_mutations())} faults in {len(mutated_sources(ROOT))} files")
+        sources = Sources()
+        mutations = read_mutations(sources)
+        numbers = {id(mutation.fault): mutation.number for mutation in mutations}
+        for file in {mutation.file for mutation in mutations}:
+            sources[file].with_faults(numbers)
+        print(f"{len(mutations)} faults, {sum(1 for _ in entries('chosen.txt'))} of them chosen, "
+              f"{sum(1 for _ in entries('equivalent.txt'))} entries of faults without effect")
+    elif arguments == ["list"]:
+        for mutation in read_mutations(Sources()):
+            print(mutation.describe())
     elif len(arguments) == 2 and arguments[0] == "apply":
         apply(pathlib.Path(arguments[1]))
     elif len(arguments) >= 4 and arguments[0] == "run" and arguments[3] in LANES:

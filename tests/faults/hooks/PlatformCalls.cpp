@@ -230,6 +230,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     // The language runtime
     Of(Runtime, "AddVectoredExceptionHandler"),
     Of(Runtime, "CreateSemaphoreA"),
+    Of(Runtime, "CreateSemaphoreW"),
     Of(Runtime, "DeleteCriticalSection"),
     Of(Runtime, "DuplicateHandle"),
     Of(Runtime, "EnterCriticalSection"),
@@ -265,6 +266,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Runtime, "Sleep"),
     Of(Runtime, "SuspendThread"),
     Of(Runtime, "TlsAlloc"),
+    Of(Runtime, "TlsFree"),
     Of(Runtime, "TlsGetValue"),
     Of(Runtime, "TlsSetValue"),
     Of(Runtime, "TryEnterCriticalSection"),

@@ -19,6 +19,8 @@ TEST(AgentLibraries, AreFoundByShortNameWithoutRegardToLetterCase)
 {
     EXPECT_EQ(FindAgentLibrary(kLibraries, "NetShell"), kLibraries.data());
     EXPECT_EQ(FindAgentLibrary(kLibraries, "nETsHELL"), kLibraries.data());
+    constexpr std::array<AgentLibrary, 1> kFirstAndLastLetter{{{"aZ", "", "", ""}}};
+    EXPECT_EQ(FindAgentLibrary(kFirstAndLastLetter, "Az"), kFirstAndLastLetter.data());
 }
 
 TEST(AgentLibraries, TheFirstRowOfANameCounts)
@@ -42,7 +44,10 @@ TEST(AgentLibraries, ThePathTakesTheExtensionAndOneBackslash)
     EXPECT_EQ(AgentLibraryPath(R"(C:\Dir)", "File", NoLeadBytes), R"(C:\Dir\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(C:\Dir\)", "File", NoLeadBytes), R"(C:\Dir\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(c:\)", "File", NoLeadBytes), R"(c:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(a:\)", "File", NoLeadBytes), R"(a:\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(Z:\)", "File", NoLeadBytes), R"(Z:\File.DLL)");
     EXPECT_EQ(AgentLibraryPath(R"(\\server\share)", "File", NoLeadBytes), R"(\\server\share\File.DLL)");
+    EXPECT_EQ(AgentLibraryPath(R"(\\s)", "File", NoLeadBytes), R"(\\s\File.DLL)");
 }
 
 TEST(AgentLibraries, ADirectoryThatIsNoFullPathGivesNoPath)

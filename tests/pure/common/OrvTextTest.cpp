@@ -58,6 +58,7 @@ TEST(DecimalText, NineCharactersFit)
 {
     std::array<char, kOrvDecimalBytes> text{};
     for (const int32_t value : {0, 7, -1, 42, 999999999, -99999999}) {
+        text.fill('x');
         EXPECT_TRUE(OrvDecimalText(value, text)) << value;
         EXPECT_EQ(std::string(text.data()), std::to_string(value));
     }

@@ -67,7 +67,8 @@ TEST(TraceLine, AMessageIsFollowedByALineFeed)
 {
     Line line{};
     EXPECT_EQ(Compose(line, 5, "hello", 5), "ppppphello\n");
-    EXPECT_EQ(Compose(line, 5, "", 0).substr(0, 6), "ppppp\n");
+    line.fill('x');
+    EXPECT_EQ(Compose(line, 5, "", 0), "ppppp\n");
 }
 
 TEST(TraceLine, AMessageHasRoomForExactly1023Characters)
@@ -112,12 +113,14 @@ TEST(MessageAsFormat, ATextWithoutPercentSignStaysAsItIs)
 TEST(MessageAsFormat, ConversionsStayInterpreted)
 {
     EXPECT_EQ(OrvMessageAsFormat("%d of %-5.2s%%", 4), "%d of %-5.2s%%");
+    EXPECT_EQ(OrvMessageAsFormat("100%%", 0), "100%%");
     EXPECT_EQ(OrvMessageAsFormat("%I64X %hs", 4), "%I64X %hs");
 }
 
 TEST(MessageAsFormat, ConversionsBehindTheLastArgumentPrintAsThemselves)
 {
     EXPECT_EQ(OrvMessageAsFormat("%d%d%d", 2), "%d%d%%d");
+    EXPECT_EQ(OrvMessageAsFormat("%d%d%d", 1), "%d%%d%%d");
     EXPECT_EQ(OrvMessageAsFormat("%*.*d", 2), "%%*.*d");
     EXPECT_EQ(OrvMessageAsFormat("%*.*d", 3), "%*.*d");
 }

@@ -22,6 +22,8 @@ TEST(LegacyCommand, TheProgramsDirectoryIsItsPathUpToTheLastBackslash)
     EXPECT_EQ(DriveAndDirectoryOf("C:\\Kit\\Setup\\Morvix.exe", NoLeadBytes), "C:\\Kit\\Setup\\");
     EXPECT_EQ(DriveAndDirectoryOf("Setup/Morvix.exe", NoLeadBytes), "Setup/");
     EXPECT_EQ(DriveAndDirectoryOf("C:Morvix.exe", NoLeadBytes), "C:");
+    EXPECT_EQ(DriveAndDirectoryOf("C:", NoLeadBytes), "C:");
+    EXPECT_EQ(DriveAndDirectoryOf("C", NoLeadBytes), "");
     EXPECT_EQ(DriveAndDirectoryOf("Morvix.exe", NoLeadBytes), "");
     EXPECT_EQ(DriveAndDirectoryOf("", NoLeadBytes), "");
     EXPECT_EQ(DriveAndDirectoryOf("\\Morvix.exe", NoLeadBytes), "\\");

@@ -130,6 +130,7 @@ TEST(OSCode, CodesZeroToSixAndUnknownNumbersAreNotServed)
         EXPECT_FALSE(IsServed(static_cast<OSCode>(code))) << code;
         EXPECT_EQ(RowOf(static_cast<OSCode>(code)).sectionKey, "") << code;
         EXPECT_EQ(RowOf(static_cast<OSCode>(code)).detectionLine, "unsupported os detected\n") << code;
+        EXPECT_EQ(RowOf(static_cast<OSCode>(code)).code, code < kSystems.size() ? code : osUNSUPPORTED);
     }
 }
 

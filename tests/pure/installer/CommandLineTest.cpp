@@ -121,9 +121,11 @@ TEST(CommandLine, HelpEndsTheRunBeforeForcedScanIsLookedAt)
 
 TEST(CommandLine, SlashAndDigitIsAValueNotAnOption)
 {
-    int count = -1;
-    EXPECT_THAT(Parse({"/1"}, &count), IsEmpty());
-    EXPECT_EQ(0, count);
+    for (const char* value : {"/0", "/1", "/9"}) {
+        int count = -1;
+        EXPECT_THAT(Parse({value}, &count), IsEmpty());
+        EXPECT_EQ(0, count);
+    }
     EXPECT_THAT(Decide({"/1"}).traceLines, ElementsAre("command line: no options, install in GUI mode\n"));
 }
 
@@ -148,6 +150,7 @@ TEST(CommandLine, RepeatedOptionKeepsItsFirstEntryAndDropsTheValueTakenWithTheRe
     const OptionMap optionMap = Parse({"/a", "1", "/a", "2", "3"}, &count);
     EXPECT_EQ(1, count);
     EXPECT_THAT(optionMap.at("/a"), ElementsAre("1", "3"));
+    EXPECT_THAT(Parse({"/a", "1", "/a", "2"}).at("/a"), ElementsAre("1"));
 }
 
 TEST(CommandLine, LoneSlashAndEmptyTokenAreValues)

@@ -11,8 +11,8 @@ TEST(InsertRules, AnInsertWithANumberFormatIsANumber)
 
 TEST(InsertRules, APlainInsertOrATextFormatIsNoNumber)
 {
-    for (const char* message :
-         {"%1", "in %1 seconds", "%1!s!", "%1!S!", "%1!ls!", "%1!u! and %2", "%12", "%1!u", "%1!", "%1!!", "%%%1"}) {
+    for (const char* message : {"%1", "in %1 seconds", "%1!s!", "%1!S!", "%1!ls!", "%1!u! and %2", "%12", "%1!u", "%1!",
+                                "%1!!", "%1!!u!", "%9", "%%%1"}) {
         EXPECT_FALSE(InsertsAreNumbers(message)) << message;
     }
 }

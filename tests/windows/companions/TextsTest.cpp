@@ -55,6 +55,37 @@ TEST(Texts, EveryLanguageHasExactlyTheTextsOfTheProgram)
     }
 }
 
+TEST(Texts, TheEnglishTextsMeanWhatTheirNumbersMean)
+{
+    constexpr uint16_t kEnglish = 0x409;
+    const std::vector<std::pair<uint32_t, std::wstring>> kTellingWords = {
+        {1, L"Click OK"},
+        {2, L"version 16.2"},
+        {3, L"installation failed"},
+        {4, L"installed now"},
+        {5, L"No supported"},
+        {6, L"Windows NT"},
+        {7, L"version of Windows"},
+        {8, L"administrator rights"},
+        {9, L"successfully"},
+        {10, L"Installing %s"},
+        {13, L"management software is running"},
+        {15, L"Cancel"},
+        {17, L"Installation of"},
+        {20, L"close all other programs"},
+        {21, L"Please wait"},
+        {22, L"restart it now?"},
+        {23, L"Seconds until"},
+        {24, L"could not be installed"},
+        {1008, L"Norda Morvix Setup"},
+    };
+    const TextLibrary library;
+    for (const auto& [id, words] : kTellingWords) {
+        EXPECT_NE(library.Text(kEnglish, id).value_or(L"").find(words), std::wstring::npos) << id;
+    }
+    EXPECT_EQ(kTellingWords.size(), kTextIds.size());
+}
+
 TEST(Texts, EveryTextFitsTheMessageBufferInItsCodePageAndInUtf8)
 {
     const TextLibrary library;
