@@ -116,10 +116,12 @@ watcher() {
     promise "a restart that NetInst recorded ends the quiet run with 3010" ends_with 3010
     promise "a restart that NetInst recorded is logged" logged 'NetInst has recorded a restart: it is asked for'
     rm -- "$program_folder/Morvix.exe.journal.txt"
+    remove "$kit_package"
     rm -- "$kit/Morvix.exe.hold"
     package_kit
-    install "$kit_package" REINSTALL=ALL
+    install "$kit_package"
     promise "a mark of NetInst's from an earlier run asks for no restart" ends_with 0
+    rm -- "$program_folder/Morvix.exe.journal.txt"
     remove "$kit_package"
 }
 

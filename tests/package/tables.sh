@@ -109,10 +109,10 @@ texts_for_the_steps() {
 
 # What the room calls; the compiler's own runtime is not looked at.
 no_library_is_loaded_at_run_time() {
-    local room=$build_dir/windows/packaging/actions/libactions.a
-    x86_64-w64-mingw32-nm "$room" | grep -q ' __imp_CreateProcessA$' || { say "  cannot see what $room calls"; return 1; }
-    x86_64-w64-mingw32-nm "$room" | grep -oE '__imp_(LoadLibrary|ShellExecute|WinExec|Terminate)[A-Za-z]*' | sort -u |
-        complain 'call of'
+    local calls
+    calls=$(x86_64-w64-mingw32-nm "$build_dir/windows/packaging/actions/libactions.a" | sed -n 's/.* U __imp_//p')
+    missing CreateProcessA "$calls" | complain 'the calls of the room cannot be seen, such as' &&
+        sed -nE '/^(LoadLibrary|ShellExecute|WinExec|TerminateProcess)/p' <<<"$calls" | sort -u | complain 'call of'
 }
 
 product_properties() {
