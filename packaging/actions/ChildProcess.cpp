@@ -1,29 +1,51 @@
 #include "ChildProcess.h"
 
+#include <windows.h>
+
+#include <algorithm>
+
 #include "Handles.h"
 
 namespace {
-// A process that was told to end needs a moment before its files can be removed.
-constexpr DWORD kEndMilliseconds = 10000;
-} // namespace
+constexpr DWORD kMillisecondsPerSecond = 1000;
 
-ProgramEnd RunAndWait(std::string commandLine, const std::string& directory, DWORD milliseconds)
+/// @param error  Receives the system's error when the answer is null.
+UniqueHandle Start(const ProgramStart& start, DWORD& error)
 {
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started{};
-    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                       directory.empty() ? nullptr : directory.c_str(), &startup, &started) == FALSE) {
-        return {ProgramEnd::Kind::NotStarted, GetLastError()};
+    // The platform may write into the command line.
+    std::string commandLine = "\"" + start.program + "\" " + start.arguments;
+    if (CreateProcessA(start.program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                       start.directory.c_str(), &startup, &started) == FALSE) {
+        error = GetLastError();
+        return nullptr;
     }
-    const UniqueHandle process(started.hProcess);
     const UniqueHandle thread(started.hThread);
-    if (WaitForSingleObject(process.get(), milliseconds) != WAIT_OBJECT_0) {
-        TerminateProcess(process.get(), 1);
-        WaitForSingleObject(process.get(), kEndMilliseconds);
-        return {ProgramEnd::Kind::StoppedForTime, 0};
+    return UniqueHandle(started.hProcess);
+}
+} // namespace
+
+ProgramEnd RunAndWait(const ProgramStart& start, std::uint32_t limitSeconds, const WaitObserver& observer)
+{
+    DWORD error = ERROR_SUCCESS;
+    const UniqueHandle process = Start(start, error);
+    if (!process) {
+        return {ProgramEnd::Kind::NotStarted, error};
     }
-    DWORD exitCode = 0;
-    GetExitCodeProcess(process.get(), &exitCode);
-    return {ProgramEnd::Kind::Ended, exitCode};
+    const DWORD begin = GetTickCount();
+    const DWORD limit = limitSeconds * kMillisecondsPerSecond;
+    // The difference is right even when the count of milliseconds starts over.
+    for (DWORD elapsed = 0; elapsed < limit; elapsed = GetTickCount() - begin) {
+        if (WaitForSingleObject(process.get(), std::min(kMillisecondsPerSecond, limit - elapsed)) == WAIT_OBJECT_0) {
+            DWORD exitCode = 0;
+            GetExitCodeProcess(process.get(), &exitCode);
+            return {ProgramEnd::Kind::Ended, exitCode};
+        }
+        if (!observer((GetTickCount() - begin) / kMillisecondsPerSecond)) {
+            return {ProgramEnd::Kind::Cancelled, 0};
+        }
+    }
+    return {ProgramEnd::Kind::StillRunning, 0};
 }

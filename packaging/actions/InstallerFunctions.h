@@ -13,10 +13,13 @@ struct InstallerFunctions
 {
     UniqueLibrary library = LoadSystemLibrary("msi.dll");
     decltype(&MsiGetPropertyA) getProperty = FindEntry<decltype(&MsiGetPropertyA)>(library.get(), "MsiGetPropertyA");
+    decltype(&MsiSetPropertyA) setProperty = FindEntry<decltype(&MsiSetPropertyA)>(library.get(), "MsiSetPropertyA");
     decltype(&MsiSetMode) setMode = FindEntry<decltype(&MsiSetMode)>(library.get(), "MsiSetMode");
     decltype(&MsiCreateRecord) createRecord = FindEntry<decltype(&MsiCreateRecord)>(library.get(), "MsiCreateRecord");
     decltype(&MsiRecordSetStringA) recordSetString =
         FindEntry<decltype(&MsiRecordSetStringA)>(library.get(), "MsiRecordSetStringA");
+    decltype(&MsiRecordSetInteger) recordSetInteger =
+        FindEntry<decltype(&MsiRecordSetInteger)>(library.get(), "MsiRecordSetInteger");
     decltype(&MsiProcessMessage) processMessage =
         FindEntry<decltype(&MsiProcessMessage)>(library.get(), "MsiProcessMessage");
     decltype(&MsiCloseHandle) closeHandle = FindEntry<decltype(&MsiCloseHandle)>(library.get(), "MsiCloseHandle");
@@ -24,7 +27,8 @@ struct InstallerFunctions
     /// The engine has had all of them in every version.
     [[nodiscard]] bool AreComplete() const
     {
-        return getProperty != nullptr && setMode != nullptr && createRecord != nullptr && recordSetString != nullptr &&
-               processMessage != nullptr && closeHandle != nullptr;
+        return getProperty != nullptr && setProperty != nullptr && setMode != nullptr && createRecord != nullptr &&
+               recordSetString != nullptr && recordSetInteger != nullptr && processMessage != nullptr &&
+               closeHandle != nullptr;
     }
 };

@@ -2,8 +2,16 @@
 
 #include <stdexcept>
 
+#include "WaitProgress.h"
+
 // GCOVR_EXCL_START: needs the Windows Installer engine, which runs no counting build; package_lifetime runs it
 namespace {
+// Kinds of progress messages.
+constexpr int kTicksDone = 2;
+constexpr int kMoreTicks = 3;
+// The text is an insert: brackets in a path would otherwise be read as property names.
+constexpr char kLineFormat[] = "Morvix: [1]";
+
 /// Owns a handle of the Windows Installer library.
 class InstallerHandle
 {
@@ -46,14 +54,38 @@ std::string InstallerSession::StepData() const
     return text;
 }
 
+void InstallerSession::SetProperty(const char* name, const std::string& text) const
+{
+    m_functions.setProperty(m_handle, name, text.c_str());
+}
+
+void InstallerSession::AnnounceWait() const
+{
+    SendProgress(kMoreTicks, kWaitTicks);
+}
+
+ProgramEnd InstallerSession::RunAndReport(const ProgramStart& start, std::uint32_t limitSeconds) const
+{
+    WaitProgress progress(limitSeconds);
+    const ProgramEnd end = RunAndWait(start, limitSeconds, [&](std::uint32_t seconds) {
+        // The package has a template for the text; either message tells whether the user has cancelled.
+        return Send(INSTALLMESSAGE_ACTIONDATA, nullptr, progress.Text(seconds)) != IDCANCEL &&
+               SendProgress(kTicksDone, progress.TicksAfter(seconds)) != IDCANCEL;
+    });
+    if (end.kind == ProgramEnd::Kind::Ended) {
+        SendProgress(kTicksDone, progress.Rest());
+    }
+    return end;
+}
+
 void InstallerSession::Log(std::string_view line) const
 {
-    Send(INSTALLMESSAGE_INFO, line);
+    Send(INSTALLMESSAGE_INFO, kLineFormat, line);
 }
 
 void InstallerSession::ReportError(std::string_view line) const
 {
-    Send(INSTALLMESSAGE_ERROR, line);
+    Send(INSTALLMESSAGE_ERROR, kLineFormat, line);
 }
 
 UINT InstallerSession::AskForRestart() const
@@ -61,12 +93,21 @@ UINT InstallerSession::AskForRestart() const
     return m_functions.setMode(m_handle, MSIRUNMODE_REBOOTATEND, TRUE);
 }
 
-void InstallerSession::Send(INSTALLMESSAGE kind, std::string_view line) const
+int InstallerSession::Send(INSTALLMESSAGE kind, const char* format, std::string_view text) const
 {
     const InstallerHandle record(m_functions, m_functions.createRecord(1));
-    // The text is an insert: brackets in a path would otherwise be read as property names.
-    m_functions.recordSetString(record.Get(), 0, "Morvix: [1]");
-    m_functions.recordSetString(record.Get(), 1, std::string(line).c_str());
-    m_functions.processMessage(m_handle, kind, record.Get());
+    if (format != nullptr) {
+        m_functions.recordSetString(record.Get(), 0, format);
+    }
+    m_functions.recordSetString(record.Get(), 1, std::string(text).c_str());
+    return m_functions.processMessage(m_handle, kind, record.Get());
+}
+
+int InstallerSession::SendProgress(int kind, std::uint32_t ticks) const
+{
+    const InstallerHandle record(m_functions, m_functions.createRecord(2));
+    m_functions.recordSetInteger(record.Get(), 1, kind);
+    m_functions.recordSetInteger(record.Get(), 2, static_cast<int>(ticks));
+    return m_functions.processMessage(m_handle, INSTALLMESSAGE_PROGRESS, record.Get());
 }
 // GCOVR_EXCL_STOP

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "ChildProcess.h"
 #include "InstallerFunctions.h"
 
 /// One step of an installation, as the Windows Installer engine hands it to the library. The engine owns the handle.
@@ -12,8 +13,17 @@ public:
     /// Throws std::runtime_error when this process cannot reach the engine.
     explicit InstallerSession(MSIHANDLE handle);
 
-    /// @return the text that the package has laid down for this step; empty when there is none.
+    /// @return the text that the package passes to this deferred step; empty when there is none.
     [[nodiscard]] std::string StepData() const;
+
+    /// Sets a property of the installation. Only steps that run while the script is written can do that.
+    void SetProperty(const char* name, const std::string& text) const;
+
+    /// Lengthens the progress bar by the ticks of one wait, also while the script is written.
+    void AnnounceWait() const;
+
+    /// Runs a program as RunAndWait does, moves the progress bar meanwhile, and ends waiting when the user cancels.
+    [[nodiscard]] ProgramEnd RunAndReport(const ProgramStart& start, std::uint32_t limitSeconds) const;
 
     /// Writes a line "Morvix: ..." into the installation log.
     void Log(std::string_view line) const;
@@ -26,7 +36,8 @@ public:
     [[nodiscard]] UINT AskForRestart() const;
 
 private:
-    void Send(INSTALLMESSAGE kind, std::string_view line) const;
+    int Send(INSTALLMESSAGE kind, const char* format, std::string_view text) const;
+    int SendProgress(int kind, std::uint32_t ticks) const;
 
     InstallerFunctions m_functions;
     MSIHANDLE m_handle;

@@ -7,17 +7,18 @@
 #include <vector>
 
 #include "Handles.h"
+#include "NetInst.h"
+#include "RecordNames.h"
 
 namespace {
-constexpr char kResultKey[] = R"(SOFTWARE\Norda\Basedrivers)";
 constexpr char kRestartValue[] = "RebootNeeded";
 // The longest name that a value can have, with its terminator.
 constexpr DWORD kValueNameChars = 16384;
 
-UniqueRegKey OpenResultKey(REGSAM access)
+UniqueRegKey OpenMachineKey(const char* path, REGSAM access)
 {
     HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kResultKey, 0, access, &key) != ERROR_SUCCESS) {
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, access, &key) != ERROR_SUCCESS) {
         return nullptr;
     }
     return UniqueRegKey(key);
@@ -57,39 +58,44 @@ std::vector<std::string> FailureRecords(HKEY key)
     }
 }
 
-bool RestartIsNeeded(HKEY key)
+bool IsNumberOtherThanZero(HKEY key, const char* name)
 {
     DWORD needed = 0;
     DWORD type = 0;
     DWORD bytes = sizeof(needed);
-    return RegQueryValueExA(key, kRestartValue, nullptr, &type, reinterpret_cast<BYTE*>(&needed), &bytes) ==
-               ERROR_SUCCESS &&
+    return RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&needed), &bytes) == ERROR_SUCCESS &&
            type == REG_DWORD && needed != 0;
 }
 } // namespace
 
 void ForgetEarlierFailures()
 {
-    if (const UniqueRegKey key = OpenResultKey(KEY_QUERY_VALUE | KEY_SET_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
         for (const std::string& name : FailureRecords(key.get())) {
             RegDeleteValueA(key.get(), name.c_str());
         }
         RegDeleteValueA(key.get(), kRestartValue);
+    }
+    if (const UniqueRegKey key = OpenMachineKey(kNetInstKey, KEY_SET_VALUE)) {
+        RegDeleteValueA(key.get(), kNetInstRestartValue);
     }
 }
 
 ResultRecords ReadResultRecords()
 {
     ResultRecords records;
-    if (const UniqueRegKey key = OpenResultKey(KEY_QUERY_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE)) {
         records.install = ReadText(key.get(), "Install");
         records.version = ReadText(key.get(), "Version");
-        records.restartNeeded = RestartIsNeeded(key.get());
+        records.restartNeeded = IsNumberOtherThanZero(key.get(), kRestartValue);
         for (const std::string& name : FailureRecords(key.get())) {
             if (std::string family = FamilyOfRecord(name); !family.empty()) {
                 records.failedFamilies.push_back(std::move(family));
             }
         }
+    }
+    if (const UniqueRegKey key = OpenMachineKey(kNetInstKey, KEY_QUERY_VALUE)) {
+        records.libraryNeedsRestart = IsNumberOtherThanZero(key.get(), kNetInstRestartValue);
     }
     return records;
 }

@@ -13,7 +13,10 @@ struct ResultRecords
     std::string version;
     /// The families that failed, such as "TAVG_PCIE".
     std::vector<std::string> failedFamilies;
+    /// "RebootNeeded" of the program.
     bool restartNeeded = false;
+    /// The installer library has recorded that a binding takes effect only after a restart.
+    bool libraryNeedsRestart = false;
 };
 
 /// Whether a value under the result key records a failure, of the run or of one family.

@@ -17,7 +17,31 @@ std::optional<std::string_view> TakePart(std::string_view& rest)
     return part;
 }
 
-std::uint32_t TimeLimit(std::string_view text)
+/// "C:\x\y.exe": a drive, a folder and a name. A kit is never installed on a share.
+bool IsFullPath(std::string_view path)
+{
+    constexpr size_t kDriveChars = 3;
+    return path.size() > kDriveChars && path.substr(1, 2) == ":\\" && !path.ends_with('\\');
+}
+} // namespace
+
+std::optional<StepRequest> ReadStepRequest(std::string_view data)
+{
+    const std::optional<std::string_view> program = TakePart(data);
+    const std::optional<std::string_view> oemVariant = TakePart(data);
+    const std::optional<std::string_view> failOnFailure = TakePart(data);
+    if (!failOnFailure || !IsFullPath(*program)) {
+        return std::nullopt;
+    }
+    StepRequest request;
+    request.program = *program;
+    request.oemVariant = *oemVariant == "1";
+    request.failOnFailure = *failOnFailure == "1";
+    request.timeLimitSeconds = ReadTimeLimit(data);
+    return request;
+}
+
+std::uint32_t ReadTimeLimit(std::string_view text)
 {
     std::uint32_t seconds = 0;
     const char* const end = text.data() + text.size();
@@ -25,29 +49,13 @@ std::uint32_t TimeLimit(std::string_view text)
     const bool isNumber = error == std::errc() && stop == end;
     return isNumber && seconds >= 1 && seconds <= kLongestTimeLimitSeconds ? seconds : kDefaultTimeLimitSeconds;
 }
-} // namespace
 
-std::optional<StepRequest> ReadStepRequest(std::string_view data)
+std::string StepArguments(const StepRequest& request)
 {
-    const std::optional<std::string_view> oemVariant = TakePart(data);
-    const std::optional<std::string_view> failOnFailure = TakePart(data);
-    const std::optional<std::string_view> timeLimit = TakePart(data);
-    // A folder from a package ends in a backslash.
-    while (data.ends_with('\\')) {
-        data.remove_suffix(1);
-    }
-    if (!timeLimit || data.empty()) {
-        return std::nullopt;
-    }
-    StepRequest request;
-    request.oemVariant = *oemVariant == "1";
-    request.failOnFailure = *failOnFailure == "1";
-    request.timeLimitSeconds = TimeLimit(*timeLimit);
-    request.folder = data;
-    return request;
+    return request.oemVariant ? "/s /md" : "/s /m";
 }
 
-std::string StepCommandLine(const StepRequest& request)
+std::string FolderOfProgram(const std::string& program)
 {
-    return "\"" + request.folder + "\\Morvix.exe\" /s " + (request.oemVariant ? "/md" : "/m");
+    return program.substr(0, program.rfind('\\'));
 }

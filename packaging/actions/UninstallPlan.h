@@ -1,16 +1,21 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// What a removal does in the system directory.
 struct UninstallPlan
 {
-    /// The maker's uninstaller and the command that runs it without its user interface.
+    /// Full path of the maker's uninstaller.
     std::string uninstaller;
-    std::string command;
-    /// The copy of the kit's uninstall data that the program has laid down for it.
+    /// Makes it run without its user interface.
+    std::string arguments;
+    /// The copy of the kit's uninstall data that the program has put there for it.
     std::string dataFile;
 };
 
 /// @param systemDirectory  Without a trailing backslash.
 [[nodiscard]] UninstallPlan PlanUninstall(const std::string& systemDirectory);
+
+/// The error of a removal whose time limit has passed.
+[[nodiscard]] std::string UninstallTimeError(std::uint32_t limitSeconds);

@@ -1,40 +1,44 @@
 #include "UninstallStep.h"
 
-#include <array>
 #include <string>
 
 #include "ChildProcess.h"
 #include "Handles.h"
+#include "RecordNames.h"
+#include "SystemDirectory.h"
 #include "UninstallPlan.h"
 
 // GCOVR_EXCL_START: needs the Windows Installer engine, which runs no counting build; package_lifetime runs it
 namespace {
-constexpr char kRegistrationKey[] = R"(SOFTWARE\Norda\Tavunstl\Dins)";
-constexpr char kRegistrationValue[] = "Morvix.din";
-
-std::string SystemDirectory()
-{
-    std::array<char, MAX_PATH> path{};
-    GetSystemDirectoryA(path.data(), MAX_PATH);
-    return path.data();
-}
-
 bool Exists(const std::string& path)
 {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-void RunUninstaller(const InstallerSession& session, const UninstallPlan& plan)
+StepOutcome RunUninstaller(const InstallerSession& session, const UninstallPlan& plan, std::uint32_t limitSeconds)
 {
     if (!Exists(plan.uninstaller)) {
         session.Log("there is no uninstaller " + plan.uninstaller);
-        return;
+        return StepOutcome::Done;
     }
-    session.Log("running " + plan.command);
-    const ProgramEnd end = RunAndWait(plan.command, {}, INFINITE);
-    session.Log(end.kind == ProgramEnd::Kind::Ended
-                    ? "the uninstaller ended with exit code " + std::to_string(static_cast<int>(end.code))
-                    : "the uninstaller cannot be started: error " + std::to_string(end.code));
+    session.Log("running \"" + plan.uninstaller + "\" " + plan.arguments + ", at most " + std::to_string(limitSeconds) +
+                " seconds");
+    const ProgramEnd end = session.RunAndReport({plan.uninstaller, plan.arguments, SystemDirectory()}, limitSeconds);
+    switch (end.kind) {
+        case ProgramEnd::Kind::Ended:
+            session.Log("the uninstaller ended with exit code " + std::to_string(static_cast<int>(end.code)));
+            return StepOutcome::Done;
+        case ProgramEnd::Kind::NotStarted:
+            session.Log("the uninstaller cannot be started: error " + std::to_string(end.code));
+            return StepOutcome::Done;
+        case ProgramEnd::Kind::Cancelled:
+            session.Log("the removal was cancelled and the uninstaller left running: it may still be removing drivers");
+            return StepOutcome::Cancelled;
+        case ProgramEnd::Kind::StillRunning:
+            break;
+    }
+    session.ReportError(UninstallTimeError(limitSeconds));
+    return StepOutcome::Failed;
 }
 
 void RemoveRegistration()
@@ -47,17 +51,20 @@ void RemoveRegistration()
 }
 } // namespace
 
-void UninstallDrivers(const InstallerSession& session)
+StepOutcome UninstallDrivers(const InstallerSession& session, std::uint32_t limitSeconds)
 {
     const UninstallPlan plan = PlanUninstall(SystemDirectory());
-    RunUninstaller(session, plan);
+    if (const StepOutcome outcome = RunUninstaller(session, plan, limitSeconds); outcome != StepOutcome::Done) {
+        return outcome;
+    }
     if (Exists(plan.dataFile)) {
         if (DeleteFileA(plan.dataFile.c_str()) == FALSE) {
             session.Log("cannot remove " + plan.dataFile + ": error " + std::to_string(GetLastError()));
-            return;
+            return StepOutcome::Done;
         }
         session.Log("removed " + plan.dataFile);
     }
     RemoveRegistration();
+    return StepOutcome::Done;
 }
 // GCOVR_EXCL_STOP

@@ -104,14 +104,23 @@ list_kit() {
 
 # Fills `queries` with what is to be changed in the tables that wixl has written: what it has no words for.
 list_changes() {
-    local path version id
+    local action path version id
     queries=(
-        "UPDATE \`Property\` SET \`Value\` = 'FAILONFAILURE;INSTALLDIR;KEPTFOLDER;NEWERFOUND;OEMVARIANT;OLDERFOUND;STEPTIMELIMIT' WHERE \`Property\` = 'SecureCustomProperties'"
+        # Users without administrator rights may set these: nothing that steers a step is among them.
+        "UPDATE \`Property\` SET \`Value\` = 'NEWERFOUND;OLDERFOUND' WHERE \`Property\` = 'SecureCustomProperties'"
         # Looked for where a 64-bit package writes.
         "UPDATE \`RegLocator\` SET \`Type\` = 18"
         # The one feature is neither advertised nor left out.
         "UPDATE \`Feature\` SET \`Attributes\` = 24"
+        # Library, in the script, with the rights of the system, for rollback: 1 + 1024 + 2048 + 256.
+        "UPDATE \`CustomAction\` SET \`Type\` = 3329 WHERE \`Target\` = 'RestoreRecords'"
     )
+    # There is no dialog: with any user interface, the engine's service decides everything, and nothing of what the user's
+    # side has worked out reaches it. One row at a time: a query that matches several deletes others.
+    for action in FindRelatedProducts AppSearch LaunchConditions ValidateProductID CostInitialize FileCost CostFinalize \
+        MigrateFeatureStates; do
+        queries+=("DELETE FROM \`InstallUISequence\` WHERE \`Action\` = '$action'")
+    done
     # A file with a version is known by it, another one by its hash.
     while read -r path; do
         version=$(file_version "$1/$path")
@@ -134,6 +143,26 @@ list_publisher() {
 ARPHELPLINK support_url
 ARPURLINFOABOUT product_url
 ARPURLUPDATEINFO update_url'
+}
+
+# list_permissions: the permissions of the kit's folder, as a table file. Whoever may write there owns the step: only
+# administrators, among them the system, may; everybody may read and run what is in it. These two names are the ones that
+# every engine knows in every language, and this is the table that every engine has: version 5 has another one, which the
+# older ones do not read, and it refuses a package that has both.
+list_permissions() {
+    local full=2032127 read_and_run=1179817
+    printf '%s\t%s\t%s\t%s\t%s\r\n' LockObject Table Domain User Permission s72 s32 S255 s255 I4
+    printf 'LockPermissions\tLockObject\tTable\tDomain\tUser\r\n'
+    printf '%s\t%s\t%s\t%s\t%s\r\n' INSTALLDIR CreateFolder '' Administrators "$full" \
+        INSTALLDIR CreateFolder '' Everyone "$read_and_run"
+}
+
+# list_action_texts: what the engine shows while the steps run, as a table file. [1] is the time that has passed.
+list_action_texts() {
+    printf '%s\t%s\t%s\r\n' Action Description Template s72 L0 L0
+    printf 'ActionText\tAction\r\n'
+    printf '%s\t%s\t%s\r\n' RunMorvix 'Installing network drivers' '[1]' RunUninstaller 'Removing network drivers' '[1]' \
+        UndoRunMorvix 'Rolling back the records of the drivers' '' UndoRunUninstaller 'Rolling back the records of the drivers' ''
 }
 
 # The package's summary, with the one date and with a code made of all that is in it: another content is another package.
@@ -163,15 +192,18 @@ make_msi() {
     list_changes "$parts/kit"
     list_publisher
     list_summary "$parts/kit" "$parts/MorvixActions.dll" "$version" >"$parts/_SummaryInformation.idt"
+    list_permissions >"$parts/LockPermissions.idt"
+    list_action_texts >"$parts/ActionText.idt"
     cp -- "$repo"/packaging/{Morvix.wxs,Morvix.ico,_Validation.idt} "$parts/"
     # wixl takes names relative to its folder only. The cabinet's times are local ones.
     if ! TZ=UTC run_limited 120 env -C "$parts" wixl --arch x64 -o package.msi -D "Version=$version" \
         -D "ProductCode=$(product_code "$version")" -D "UpgradeCode=$msi_upgrade_code" \
         -D "VendorComponent=$(named_guid 'folder norda')" -D "FolderComponent=$(named_guid 'value InstallDir')" \
-        -D Actions=MorvixActions.dll \
+        -D Actions=MorvixActions.dll -D "Program=$(table_id file Morvix.exe)" \
         Morvix.wxs kit.wxs >"$log" 2>&1 ||
         ! TZ=UTC run_limited 60 msibuild "$parts/package.msi" -i "$parts/_Validation.idt" \
-            -i "$parts/_SummaryInformation.idt" -q "${queries[@]}" >>"$log" 2>&1; then
+            -i "$parts/_SummaryInformation.idt" -i "$parts/LockPermissions.idt" -i "$parts/ActionText.idt" \
+            -q "${queries[@]}" >>"$log" 2>&1; then
         fail "the package cannot be made (see $log)"
     fi
     mv -- "$parts/package.msi" "$3"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # What becomes of the package when the driver step ends otherwise than well: no adapter, a broken kit, an adapter that
-# fails, a needed restart, a program that does not end; and what the OEM variant changes.
+# fails, a needed restart, a program or an uninstaller that does not end, Cancel; what is rolled back; and what the OEM
+# variant changes.
 set -euo pipefail
 # shellcheck source=lib/package.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
@@ -19,8 +20,6 @@ program_runs() {
     done
     return 1
 }
-
-no_program_runs() { ! program_runs; }
 
 # Notes in the work folder that the program was seen running.
 watch_for_program() {
@@ -166,6 +165,64 @@ needed_restart() {
     promise "a removal asks for no restart" ends_with 0
 }
 
+# What the uninstaller's data and the result values say; the machine's own before a run that is rolled back.
+records_are_the_earlier_ones() {
+    recorded Install SUCCESS && recorded TAVX_Install '' && recorded Version 1.2.3.4 && recorded RebootNeeded 0x1 &&
+        [[ $(registry_text 'HKLM\SOFTWARE\Norda\Tavunstl\Dins' Morvix.din) == Earlier.Uninstall ]] &&
+        [[ $(cat -- "$data_file") == 'of an earlier kit' ]]
+}
+
+no_records() {
+    [[ ! -e $data_file && -z $(registry_text 'HKLM\SOFTWARE\Norda\Tavunstl\Dins' Morvix.din) ]] &&
+        ! run_limited 60 wine reg query "$result_key" >/dev/null 2>&1
+}
+
+lay_earlier_records() {
+    {
+        printf 'REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norda\\Basedrivers]\n"Install"="SUCCESS"\n"Version"="1.2.3.4"\n'
+        printf '"RebootNeeded"=dword:00000001\n\n'
+        printf '[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norda\\Tavunstl\\Dins]\n"Morvix.din"="Earlier.Uninstall"\n'
+    } >"$work/earlier.reg"
+    import_registry "$work/earlier.reg"
+    printf 'of an earlier kit' >"$data_file"
+}
+
+# One adapter gets its driver, which leaves records; the other one fails.
+rolled_back() {
+    data_file=$drive/windows/system32/Morvix.din
+    run_limited 60 wine reg delete 'HKLM\SOFTWARE\Norda' /f >/dev/null 2>&1 || true
+    rm -f -- "$data_file"
+    plug_in "$gigabit" "$ten_gigabit"
+    copy_kit half
+    rm -- "$kit/Drv/Win7x64/nxga62x64.sys"
+    package_kit
+    install "$kit_package" FAILONFAILURE=1
+    promise "a package that fails ends with 1603" ends_with 1603
+    promise "a package that fails had bound the other adapter" bound "$gigabit" ngea62x64
+    promise "what was not there before the step is rolled back" no_records
+    promise "the rollback is logged" logged 'rolled back: the result values'
+    promise "what cannot be rolled back is logged" \
+        logged 'cannot be rolled back: a driver that was bound to an adapter, or removed from it'
+
+    lay_earlier_records
+    install "$kit_package" FAILONFAILURE=1
+    promise "what was there before the step is put back" records_are_the_earlier_ones
+    install "$kit_package"
+    promise "without a rollback the records are those of the run" recorded TAVX_Install FAILURE
+    remove "$kit_package"
+    unplug "$ten_gigabit"
+}
+
+end_programs() {
+    local pid
+    for pid in $(pgrep -f 'Morvix\.exe"? /s /m'); do
+        if grep -qzxF "WINEPREFIX=$WINEPREFIX" "/proc/$pid/environ" 2>/dev/null; then
+            kill -- "$pid"
+        fi
+    done
+    while program_runs; do sleep 0.1; done
+}
+
 endless_program() {
     copy_kit endless
     cp -- "$doubles/NetInst.dll" "$kit/"
@@ -176,15 +233,47 @@ endless_program() {
     at_exit end_quietly "$!"
     install "$kit_package" STEPTIMELIMIT=3
     promise "a program that does not end was running" test -e "$work/seen"
-    promise "a program that does not end does not block the package" ends_with 0
-    promise "a program that does not end is stopped and logged" \
-        logged 'the program did not end within 3 seconds and was stopped'
-    promise "a program that was stopped does not run on" no_program_runs
-    promise "the restart mark of an earlier run asks for no restart" logged 'RebootNeeded is not recorded: no restart'
-    rm -f -- "$program_folder/journal.txt"
+    promise "a program that does not end fails the package, also when failures do not" ends_with 1603
+    promise "a program that does not end is left running" program_runs
+    promise "the log says that the program is left running" \
+        logged 'the program did not end within 3 seconds and was left running'
+    promise "the log says what may still be going on" \
+        logged 'a device installation may still be going on: leave the machine on until Morvix.exe has ended'
+    promise "the error says what may still be going on" \
+        logged 'the program did not end within 3 seconds and was left running: a device installation may still be going on'
+    promise "a program that does not end leaves no product" only_product none
+    end_programs
+}
+
+cancelled() {
+    copy_kit cancelled
+    hold_program "$kit/Morvix.exe"
+    package_kit
+    call_installer cancel cancel "$(windows_path "$kit_package")" FAILONFAILURE=0
+    # 1602, by its lowest byte.
+    promise "Cancel during the step ends the run with 1602" ends_with $((1602 % 256))
+    promise "Cancel during the step is logged" logged 'the installation was cancelled and the program left running'
+    promise "Cancel during the step leaves no product" only_product none
+    rm -f -- "$program_folder/Morvix.exe.hold"
+    log=$work/msiexec.log
+}
+
+endless_uninstaller() {
+    local uninstaller=$drive/windows/system32/Tavunstl.exe
+    copy_kit plain
+    package_kit
+    install "$kit_package"
+    hold_program "$uninstaller"
+    remove "$kit_package" STEPTIMELIMIT=2
+    promise "an uninstaller that does not end fails the removal" ends_with 1603
+    promise "the error says that the uninstaller may go on" \
+        logged 'the uninstaller did not end within 2 seconds and was left running: it may still be removing drivers'
+    promise "an uninstaller that does not end is left running" test "$(grep -c '^command line: ' "$uninstaller.journal.txt")" = 1
+    promise "a failed removal leaves the product" only_product "$(product_version)"
+    rm -- "$uninstaller.hold"
     remove "$kit_package"
-    install "$kit_package" STEPTIMELIMIT=3 FAILONFAILURE=1
-    promise "a program that does not end fails the package when failures fail it" ends_with 1603
+    promise "the removal can be done once more" ends_with 0
+    promise "the removal that was done once more leaves no product" only_product none
 }
 
 start_machine outcomes
@@ -194,5 +283,8 @@ broken_ini
 failing_adapter
 failed_upgrade
 needed_restart
+rolled_back
 endless_program
+cancelled
+endless_uninstaller
 end_promises

@@ -82,19 +82,61 @@ unplug() {
 
 # run_msi ARGUMENT...: a quiet run of the engine; `exit_code` is its whole exit code, `log` its log.
 run_msi() {
-    local status=0 output
+    local status=0
     rm -f -- "$log"
-    # A shell of this machine sees the lowest byte of an exit code only.
-    output=$(run_limited 120 wine cmd /c "msiexec $* /qn /norestart /l*v $(windows_path "$log") & call echo exit=%^errorlevel%" \
-        2>/dev/null) || status=$?
-    exit_code=$(tr -d '\r' <<<"$output" | sed -n 's/^exit=//p')
+    # A shell of this machine sees the lowest byte of an exit code only. The output goes to a file: a program that is left
+    # running would keep a pipe open.
+    run_limited 120 wine cmd /c "msiexec $* /qn /norestart /l*v $(windows_path "$log") & call echo exit=%^errorlevel%" \
+        >"$work/output" 2>/dev/null || status=$?
+    exit_code=$(tr -d '\r' <"$work/output" | sed -n 's/^exit=//p')
     # The shell ends with a status of its own; without its line the engine has not ended.
     [[ -n $exit_code ]] || exit_code="none ($status)"
+}
+
+# start_msi ARGUMENT...: the same run beside the script; finish_msi waits for it.
+start_msi() {
+    rm -f -- "$work/exit-code"
+    {
+        run_msi "$@"
+        printf '%s' "$exit_code" >"$work/exit-code"
+    } &
+    running_msi=$!
+    at_exit end_quietly "$running_msi"
+}
+
+finish_msi() {
+    wait "$running_msi"
+    exit_code=$(cat -- "$work/exit-code")
+}
+
+# wait_for_file FILE: until a program has written it; the limit only guards against hanging.
+wait_for_file() {
+    local waited
+    for ((waited = 0; waited < 1200; ++waited)); do
+        [[ ! -e $1 ]] || return 0
+        sleep 0.1
+    done
+    return 1
+}
+
+# hold_program PROGRAM: puts the recorder in its place. It runs until its file ".hold" is removed.
+hold_program() {
+    cp -- "$build_dir/windows/tests/command_line_recorder.exe" "$1"
+    : >"$1.hold"
 }
 
 install() { run_msi /i "$(windows_path "$1")" "${@:2}"; }
 
 remove() { run_msi /x "$(windows_path "$1")" "${@:2}"; }
+
+# call_installer NAME ARGUMENT...: has the engine do what msiexec has no words for; `exit_code` is its answer's lowest byte,
+# `log` the run's log.
+call_installer() {
+    exit_code=0 log=$work/$1.log
+    shift
+    run_limited 120 wine "$build_dir/windows/tests/installer_caller.exe" "$(windows_path "$log")" "$@" >/dev/null 2>&1 ||
+        exit_code=$?
+}
 
 # ends_with CODE: the last run ended with this exit code.
 ends_with() {

@@ -13,51 +13,53 @@ StepRequest Read(const char* data)
 
 TEST(StepRequest, WithoutPropertiesEverySwitchIsOffAndTheTimeIsTheDefault)
 {
-    const StepRequest request = Read("|||C:\\Program Files\\Norda\\Morvix\\");
+    const StepRequest request = Read("C:\\Program Files\\Norda\\Morvix\\Morvix.exe|||");
     EXPECT_FALSE(request.oemVariant);
     EXPECT_FALSE(request.failOnFailure);
     EXPECT_EQ(request.timeLimitSeconds, 900U);
-    EXPECT_EQ(request.folder, "C:\\Program Files\\Norda\\Morvix");
-}
-
-TEST(StepRequest, EveryBackslashBehindTheFolderIsDropped)
-{
-    EXPECT_EQ(Read("|||D:\\kit\\\\").folder, "D:\\kit");
+    EXPECT_EQ(request.program, "C:\\Program Files\\Norda\\Morvix\\Morvix.exe");
 }
 
 TEST(StepRequest, OneSwitchesOn)
 {
-    const StepRequest request = Read("1|1|60|D:\\kit");
+    const StepRequest request = Read("D:\\kit\\Morvix.exe|1|1|60");
     EXPECT_TRUE(request.oemVariant);
     EXPECT_TRUE(request.failOnFailure);
     EXPECT_EQ(request.timeLimitSeconds, 60U);
-    EXPECT_EQ(request.folder, "D:\\kit");
+    EXPECT_EQ(request.program, "D:\\kit\\Morvix.exe");
 }
 
 TEST(StepRequest, EachSwitchStandsForItself)
 {
-    EXPECT_TRUE(Read("1|0|1|C:\\a").oemVariant);
-    EXPECT_FALSE(Read("1|0|1|C:\\a").failOnFailure);
-    EXPECT_FALSE(Read("0|1|1|C:\\a").oemVariant);
-    EXPECT_TRUE(Read("0|1|1|C:\\a").failOnFailure);
+    EXPECT_TRUE(Read("C:\\a.exe|1|0|1").oemVariant);
+    EXPECT_FALSE(Read("C:\\a.exe|1|0|1").failOnFailure);
+    EXPECT_FALSE(Read("C:\\a.exe|0|1|1").oemVariant);
+    EXPECT_TRUE(Read("C:\\a.exe|0|1|1").failOnFailure);
 }
 
 TEST(StepRequest, OnlyOneSwitchesOn)
 {
-    for (const char* data : {"0|0|1|C:\\a", "yes|yes|1|C:\\a", "11|11|1|C:\\a", " 1|1 |1|C:\\a"}) {
+    for (const char* data : {"C:\\a.exe|0|0|1", "C:\\a.exe|yes|yes|1", "C:\\a.exe|11|11|1", "C:\\a.exe| 1|1 |1"}) {
         EXPECT_FALSE(Read(data).oemVariant) << data;
         EXPECT_FALSE(Read(data).failOnFailure) << data;
     }
 }
 
+TEST(StepRequest, SeparatorsInAPropertyCannotChangeTheProgram)
+{
+    for (const char* data : {"C:\\kit\\Morvix.exe|C:\\other.exe|0|1|0|900", "C:\\kit\\Morvix.exe|0|1|C:\\other.exe|900",
+                             "C:\\kit\\Morvix.exe|||C:\\other.exe|1|1|900"}) {
+        EXPECT_EQ(Read(data).program, "C:\\kit\\Morvix.exe") << data;
+    }
+}
+
 TEST(StepRequest, ATimeThatIsNoUsableNumberMeansTheDefault)
 {
-    for (const char* data : {"||0|C:\\a", "||-1|C:\\a", "||10s|C:\\a", "||x|C:\\a", "||86401|C:\\a", "|| 5|C:\\a",
-                             "||99999999999999999999|C:\\a"}) {
-        EXPECT_EQ(Read(data).timeLimitSeconds, kDefaultTimeLimitSeconds) << data;
+    for (const char* text : {"", "0", "-1", "+1", "10s", "x", "86401", " 5", "99999999999999999999", "60|1"}) {
+        EXPECT_EQ(ReadTimeLimit(text), kDefaultTimeLimitSeconds) << text;
     }
-    EXPECT_EQ(Read("||1|C:\\a").timeLimitSeconds, 1U);
-    EXPECT_EQ(Read("||86400|C:\\a").timeLimitSeconds, kLongestTimeLimitSeconds);
+    EXPECT_EQ(ReadTimeLimit("1"), 1U);
+    EXPECT_EQ(ReadTimeLimit("86400"), kLongestTimeLimitSeconds);
 }
 
 TEST(StepRequest, TheLongestTimeFitsInMilliseconds)
@@ -67,18 +69,27 @@ TEST(StepRequest, TheLongestTimeFitsInMilliseconds)
 
 TEST(StepRequest, AMissingPartIsRefused)
 {
-    for (const char* data : {"", "C:\\kit", "1|C:\\kit", "1|1|C:\\kit", "1|1|60", "1|1|60|", "1|1|60|\\"}) {
+    for (const char* data :
+         {"", "C:\\kit\\Morvix.exe", "C:\\kit\\Morvix.exe|1", "C:\\kit\\Morvix.exe|1|1", "|1|1|60"}) {
         EXPECT_FALSE(ReadStepRequest(data).has_value()) << data;
     }
 }
 
-TEST(StepRequest, TheProgramIsCalledByItsFullQuotedPath)
+TEST(StepRequest, AProgramThatIsNotGivenByItsFullPathIsRefused)
 {
-    EXPECT_EQ(StepCommandLine(Read("|||C:\\Program Files\\Norda\\Morvix\\")),
-              R"("C:\Program Files\Norda\Morvix\Morvix.exe" /s /m)");
+    for (const char* data : {"Morvix.exe|||", "\\Morvix.exe|||", "kit\\Morvix.exe|||", "C:Morvix.exe|||", "C:\\|||",
+                             "C:\\kit\\|||", "\\\\server\\kit\\Morvix.exe|||"}) {
+        EXPECT_FALSE(ReadStepRequest(data).has_value()) << data;
+    }
 }
 
-TEST(StepRequest, TheOemVariantRunsWithMd)
+TEST(StepRequest, TheProgramRunsSilentlyAndTheOemVariantWithMd)
 {
-    EXPECT_EQ(StepCommandLine(Read("1|||C:\\kit\\")), R"("C:\kit\Morvix.exe" /s /md)");
+    EXPECT_EQ(StepArguments(Read("C:\\kit\\Morvix.exe|||")), "/s /m");
+    EXPECT_EQ(StepArguments(Read("C:\\kit\\Morvix.exe|1||")), "/s /md");
+}
+
+TEST(StepRequest, TheFolderOfAProgramHasNoTrailingBackslash)
+{
+    EXPECT_EQ(FolderOfProgram("C:\\Program Files\\Norda\\Morvix\\Morvix.exe"), "C:\\Program Files\\Norda\\Morvix");
 }

@@ -3,28 +3,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
-// tlhelp32.h needs windows.h first.
-#include <tlhelp32.h>
 
-#include "Handles.h"
+#include "HeldProgram.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
+using testing::ElementsAre;
+using testing::Ge;
 using testing::HasSubstr;
 
 namespace {
-/// @return the number of programs that this one has started and that still run.
-int RunningChildren()
+// Only guards against hanging.
+constexpr std::uint32_t kLongEnough = 300;
+
+bool Continue(std::uint32_t)
 {
-    const UniqueHandle processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32 process{};
-    process.dwSize = sizeof(process);
-    int children = 0;
-    for (BOOL more = Process32First(processes.get(), &process); more != FALSE;
-         more = Process32Next(processes.get(), &process)) {
-        children += process.th32ParentProcessID == GetCurrentProcessId() ? 1 : 0;
-    }
-    return children;
+    return true;
 }
 } // namespace
 
@@ -34,7 +28,7 @@ TEST(ChildProcess, TellsTheExitCodeOfAProgramThatEnded)
     const std::string program = scratch.At("a program.exe");
     CopyFileTo(TestFile("command_line_recorder.exe"), program);
 
-    const ProgramEnd end = RunAndWait("\"" + program + "\" /s /m", scratch.Path(), 60000);
+    const ProgramEnd end = RunAndWait({program, "/s /m", scratch.Path()}, kLongEnough, Continue);
 
     EXPECT_EQ(end.kind, ProgramEnd::Kind::Ended);
     EXPECT_EQ(end.code, 7U);
@@ -46,17 +40,40 @@ TEST(ChildProcess, TellsTheExitCodeOfAProgramThatEnded)
 TEST(ChildProcess, AProgramThatIsNotThereIsNotStarted)
 {
     const ScratchDirectory scratch;
-    const ProgramEnd end = RunAndWait("\"" + scratch.At("none.exe") + "\"", {}, 60000);
+    const ProgramEnd end = RunAndWait({scratch.At("none.exe"), "", scratch.Path()}, kLongEnough, Continue);
     EXPECT_EQ(end.kind, ProgramEnd::Kind::NotStarted);
     EXPECT_EQ(end.code, DWORD{ERROR_FILE_NOT_FOUND});
 }
 
-TEST(ChildProcess, AProgramThatTakesTooLongIsEnded)
+TEST(ChildProcess, NoDirectoryIsSearchedForAProgram)
 {
-    // Waits for a minute, far longer than it is given.
-    const DWORD begin = GetTickCount();
-    const ProgramEnd end = RunAndWait("ping -n 61 127.0.0.1", {}, 500);
-    EXPECT_EQ(end.kind, ProgramEnd::Kind::StoppedForTime);
-    EXPECT_LT(GetTickCount() - begin, DWORD{30000});
-    EXPECT_EQ(RunningChildren(), 0);
+    // The command interpreter would be found in the system directory by its name.
+    const ScratchDirectory scratch;
+    const ProgramEnd end = RunAndWait({"cmd.exe", "/c exit 3", scratch.Path()}, kLongEnough, Continue);
+    EXPECT_EQ(end.kind, ProgramEnd::Kind::NotStarted);
+}
+
+TEST(ChildProcess, AProgramThatTakesTooLongIsLeftRunning)
+{
+    const HeldProgram program;
+
+    const ProgramEnd end = RunAndWait(program.Start(), 1, Continue);
+
+    EXPECT_EQ(end.kind, ProgramEnd::Kind::StillRunning);
+    EXPECT_EQ(HeldProgram::RunningChildren().size(), 1U);
+}
+
+TEST(ChildProcess, TheObserverIsCalledInSlicesUntilItCancelsAndTheProgramIsLeftRunning)
+{
+    const HeldProgram program;
+    std::vector<std::uint32_t> seconds;
+
+    const ProgramEnd end = RunAndWait(program.Start(), kLongEnough, [&](std::uint32_t elapsed) {
+        seconds.push_back(elapsed);
+        return seconds.size() < 3;
+    });
+
+    EXPECT_EQ(end.kind, ProgramEnd::Kind::Cancelled);
+    EXPECT_THAT(seconds, ElementsAre(Ge(1U), Ge(2U), Ge(3U)));
+    EXPECT_EQ(HeldProgram::RunningChildren().size(), 1U);
 }

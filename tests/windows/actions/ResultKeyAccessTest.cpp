@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "NetInst.h"
 #include "RegistryKeys.h"
 
 using testing::ElementsAre;
@@ -36,12 +37,32 @@ TEST_F(ResultKeyAccess, WithoutTheKeyNothingIsRecorded)
     EXPECT_EQ(records.version, "");
     EXPECT_THAT(records.failedFamilies, IsEmpty());
     EXPECT_FALSE(records.restartNeeded);
+    EXPECT_FALSE(records.libraryNeedsRestart);
 }
 
 TEST_F(ResultKeyAccess, ForgettingDoesNotMakeTheKey)
 {
     ForgetEarlierFailures();
     EXPECT_FALSE(RegistryKeyExists(kKey));
+    EXPECT_FALSE(RegistryKeyExists(kNetInstKey));
+}
+
+TEST_F(ResultKeyAccess, ReadsTheRestartThatTheInstallerLibraryHasRecorded)
+{
+    SetRegistryNumber(kNetInstKey, kNetInstRestartValue, 1);
+    EXPECT_TRUE(ReadResultRecords().libraryNeedsRestart);
+    EXPECT_FALSE(ReadResultRecords().restartNeeded);
+    SetRegistryNumber(kNetInstKey, kNetInstRestartValue, 0);
+    EXPECT_FALSE(ReadResultRecords().libraryNeedsRestart);
+}
+
+TEST_F(ResultKeyAccess, TheRestartMarkOfTheInstallerLibraryIsForgotten)
+{
+    SetRegistryNumber(kNetInstKey, kNetInstRestartValue, 1);
+    SetRegistryNumber(kNetInstKey, "Other", 1);
+    ForgetEarlierFailures();
+    EXPECT_FALSE(ReadRegistryValue(kNetInstKey, kNetInstRestartValue).has_value());
+    EXPECT_TRUE(ReadRegistryValue(kNetInstKey, "Other").has_value());
 }
 
 TEST_F(ResultKeyAccess, ReadsWhatARunHasRecorded)

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "RecordSnapshot.h"
+
+/// Reads what a step may change.
+/// @param dataFile  Full path of the uninstaller's data file for this kit.
+/// Throws std::runtime_error when a key or a value is there and cannot be read: a rollback would remove it.
+[[nodiscard]] RecordSnapshot TakeSnapshot(const std::string& dataFile);
+
+/// Makes the records what they were: puts back what is missing or was changed, and removes what was added.
+/// @return lines for the log: what was put back, and what cannot be.
+[[nodiscard]] std::vector<std::string> RestoreSnapshot(const RecordSnapshot& snapshot, const std::string& dataFile);

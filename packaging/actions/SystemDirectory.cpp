@@ -1,0 +1,12 @@
+#include "SystemDirectory.h"
+
+#include <windows.h>
+
+#include <array>
+
+std::string SystemDirectory()
+{
+    std::array<char, MAX_PATH> path{};
+    GetSystemDirectoryA(path.data(), MAX_PATH);
+    return path.data();
+}

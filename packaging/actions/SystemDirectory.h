@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+/// @return full path of the system directory, without a trailing backslash.
+[[nodiscard]] std::string SystemDirectory();
