@@ -28,6 +28,12 @@ def properties_of(command_line):
     return dict(each.split("=", 1) for each in words + [word] if each)
 
 
+def looks_at(path):
+    """How often the results have been read so far."""
+    with machine(path) as state:
+        return state.get("journal", []).count("read keys")
+
+
 module = AnsibleModule(
     {
         "path": {"required": True},
@@ -53,6 +59,10 @@ if module.check_mode or not wanted:
     module.exit_json(changed=wanted, reboot_required=False)
 
 time.sleep(recorded.get("seconds", 0))
+# It may last until the results were looked at so often; the limit only guards against hanging.
+end = time.monotonic() + 300
+while looks_at(PATH) < recorded.get("until_looks", 0) and time.monotonic() < end:
+    time.sleep(0.1)
 with machine(PATH) as state:
     # The program takes the request of an earlier run back when it starts.
     if recorded.get("program_runs", True):
