@@ -78,7 +78,7 @@ TEST_F(WindowsNT4, RunningManagementSoftwareStopsEvenASilentRunWithABox)
 
 TEST_F(WindowsNT4, OnATerminalServerItsMutexIsLookedForInTheGlobalNamespace)
 {
-    const SavedValue suite(kProductOptions, "ProductSuite");
+    const SavedRegistryValue suite(kProductOptions, "ProductSuite");
     SetRegistryList(kProductOptions, "ProductSuite", {"Small Business", "Terminal Server"});
     const UniqueHandle running(CreateMutexA(nullptr, FALSE, R"(Global\TaviskMutex)"));
     ExpectRefusalWithABox();
@@ -151,8 +151,8 @@ private:
     const Adapter m_adapter{kDevice};
     const ScratchDirectory m_folder;
     const std::string m_debugger = m_folder.At("debugger.exe");
-    const SavedValue m_savedDebugger{kCrashKey, "Debugger"};
-    const SavedValue m_savedAuto{kCrashKey, "Auto"};
+    const SavedRegistryValue m_savedDebugger{kCrashKey, "Debugger"};
+    const SavedRegistryValue m_savedAuto{kCrashKey, "Auto"};
     const ErrorModeForTest m_errorMode;
 };
 

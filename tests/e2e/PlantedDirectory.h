@@ -26,5 +26,5 @@ private:
     static constexpr char kMode[] = "SafeDllSearchMode";
 
     ScratchDirectory m_folder;
-    SavedValue m_searchMode{kKey, kMode};
+    SavedRegistryValue m_searchMode{kKey, kMode};
 };

@@ -117,12 +117,12 @@ void DeleteRegistryTree(const std::string& key)
     RegDeleteKeyA(HKEY_LOCAL_MACHINE, key.c_str());
 }
 
-SavedValue::SavedValue(std::string key, std::string name)
+SavedRegistryValue::SavedRegistryValue(std::string key, std::string name)
     : m_key(std::move(key)), m_name(std::move(name)), m_before(ReadRegistryValue(m_key, m_name))
 {
 }
 
-SavedValue::~SavedValue()
+SavedRegistryValue::~SavedRegistryValue()
 {
     if (m_before) {
         SetRegistryBytes(m_key, m_name, m_before->bytes, m_before->type);

@@ -52,13 +52,13 @@ private:
 };
 
 /// Puts a value, or its absence, back at the end of the object's life.
-class SavedValue
+class SavedRegistryValue
 {
 public:
-    SavedValue(std::string key, std::string name);
-    ~SavedValue();
-    SavedValue(const SavedValue&) = delete;
-    SavedValue& operator=(const SavedValue&) = delete;
+    SavedRegistryValue(std::string key, std::string name);
+    ~SavedRegistryValue();
+    SavedRegistryValue(const SavedRegistryValue&) = delete;
+    SavedRegistryValue& operator=(const SavedRegistryValue&) = delete;
 
 private:
     std::string m_key;
