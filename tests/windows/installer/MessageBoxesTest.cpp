@@ -132,7 +132,7 @@ TEST_F(MessageBoxes, TheRestartQuestionHasYesAndNoAndNoIcon)
         boxes.clear();
         pressed = button;
         EXPECT_EQ(AskRestartQuestion(), button);
-        EXPECT_THAT(boxes, ElementsAre(Box{"text 1008", "text 22", MB_YESNO, nullptr}));
+        EXPECT_THAT(boxes, ElementsAre(Box{"caption", "text 22", MB_YESNO, nullptr}));
     }
     pressed = IDOK;
 }
