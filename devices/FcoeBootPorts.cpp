@@ -39,7 +39,8 @@ struct DeviceListFunctions
 class AdapterList
 {
 public:
-    explicit AdapterList(HDEVINFO list) : m_list(m_functions.AreComplete() ? list : INVALID_HANDLE_VALUE) {}
+    /// @param functions  Complete when the list is open; must outlive this object.
+    AdapterList(const DeviceListFunctions& functions, HDEVINFO list) : m_functions(functions), m_list(list) {}
     ~AdapterList()
     {
         if (IsOpen()) {
@@ -73,7 +74,7 @@ public:
     }
 
 private:
-    DeviceListFunctions m_functions;
+    const DeviceListFunctions& m_functions;
     HDEVINFO m_list;
 };
 
@@ -126,20 +127,18 @@ bool IsBootPort(const AdapterList& adapters, SP_DEVINFO_DATA& device)
     }
     return AskFcoeLibrary(*adapterName);
 }
-} // namespace
 
-bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters)
+bool BootPortIsAmong(const AdapterList& adapters)
 {
-    const AdapterList list(adapters);
-    if (!list.IsOpen()) {
+    if (!adapters.IsOpen()) {
         Trace("Failed to enumerate any PCI devices");
         return false;
     }
     bool found = false;
     SP_DEVINFO_DATA device;
     // Every adapter is asked, also after one that is a boot port.
-    for (DWORD index = 0; list.At(index, device); ++index) {
-        found = IsBootPort(list, device) || found;
+    for (DWORD index = 0; adapters.At(index, device); ++index) {
+        found = IsBootPort(adapters, device) || found;
     }
     const DWORD endedBy = GetLastError();
     if (!found) {
@@ -147,14 +146,21 @@ bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters)
     }
     return found;
 }
+} // namespace
+
+bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters)
+{
+    const DeviceListFunctions functions;
+    return BootPortIsAmong(AdapterList(functions, functions.AreComplete() ? adapters : INVALID_HANDLE_VALUE));
+}
 
 bool AreFCoEBootEnabledPortsPresent()
 {
     Trace("Entering -> AreFCoEBootEnabledPortsPresent()");
     const DeviceListFunctions functions;
-    const bool found = AreFCoEBootEnabledPortsAmong(
-        functions.AreComplete() ? functions.list(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT)
-                                : INVALID_HANDLE_VALUE);
+    const bool found = BootPortIsAmong(AdapterList(
+        functions, functions.AreComplete() ? functions.list(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT)
+                                           : INVALID_HANDLE_VALUE));
     Trace("Exiting -> AreFCoEBootEnabledPortsPresent()");
     return found;
 }

@@ -1,6 +1,7 @@
 #include "InstallerSession.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "WaitProgress.h"
 
@@ -29,7 +30,8 @@ private:
 };
 } // namespace
 
-InstallerSession::InstallerSession(MSIHANDLE handle) : m_handle(handle)
+InstallerSession::InstallerSession(MSIHANDLE handle, InstallerFunctions functions)
+    : m_functions(std::move(functions)), m_handle(handle)
 {
     if (!m_functions.AreComplete()) {
         throw std::runtime_error("the Windows Installer library cannot be used");

@@ -10,8 +10,9 @@
 class InstallerSession
 {
 public:
+    /// @param functions  The engine's functions.
     /// Throws std::runtime_error when this process cannot reach the engine.
-    explicit InstallerSession(MSIHANDLE handle);
+    explicit InstallerSession(MSIHANDLE handle, InstallerFunctions functions = {});
 
     /// @return the text that the package passes to this deferred step; empty when there is none.
     [[nodiscard]] std::string StepData() const;

@@ -12,7 +12,7 @@ constexpr char kRestorePoint[] = "-its end, -restore point";
 constexpr char kIScsiTool[] = "-iSCSI tool";
 constexpr char kFcoe[] = "-FCoE library";
 constexpr char kVersions[] = "~Version, ~family Version";
-constexpr char kSecondDevice[] = "-second device, -status";
+constexpr char kSecondDevice[] = "-second INF, -second device, -status";
 constexpr char kSecondDeviceAfterMorePasses[] = "+open search <KIT>\\Inf\\*.inf, -second device, -status";
 constexpr char kFirstDevice[] =
     "-Install, -Reboot, -Version, -family Install, -family Version, -first device, "
@@ -20,13 +20,26 @@ constexpr char kFirstDevice[] =
 constexpr char kFirstDeviceAfterMorePasses[] =
     "-Install, -Reboot, -Version, -family Install, -family Version, -first device, -iSCSI tool, "
     "+open search <KIT>\\Inf\\*.inf, -registration, -status, -uninstall file";
-constexpr char kBothDevices[] = "-NetInst, -first device, -iSCSI tool, -second device";
+constexpr char kBothDevices[] =
+    "~Install, -NetInst, -Version, ~family Install, -family Version, -first device, -iSCSI tool, -second device";
 constexpr char kFamilyFailure[] = "~Install, -Version, ~family Install, -family Version";
 constexpr char kStagedAside[] = "+staged aside, -staged file";
-constexpr char kInstallation[] = "?";
-constexpr char kManagementCheck[] = "?";
+constexpr char kNoAdapterAsked[] = "-FCoE library, -Reboot";
+constexpr char kNotStarted[] =
+    "-FCoE library, -Install, -NetInst, -Reboot, -Version, ~exit code, -family Install, -family Version, -first INF, "
+    "-first device, -iSCSI tool, -iSCSI version, -its end, +pending uninstall, -registration, -rescan, -restart, "
+    "-restore point, -second INF, -second device, -status, -uninstall file";
+constexpr char kManagementCheck[] =
+    "+NetInst, -box, ~exit code, +open library <KIT>\\NetInst.dll, +open library <SYSTEM>\\setupapi.dll, "
+    "+open library cfgmgr32.dll, +status";
+constexpr char kOldExtension[] =
+    "-Install, -NetInst, -Reboot, -Version, -family Install, -family Version, -first INF, -first device, -iSCSI tool, "
+    "+pending uninstall, -registration, -rescan, -restart, -second INF, -second device, -status, -uninstall file";
 
 constexpr std::array kDecisions = std::to_array<Decision>({
+    // What is closed is not asked again.
+    {"* RegCloseKey(*) *", kNothing},
+
     // Without a restore point the run goes on.
     {"install CoInitializeEx() 1", kRestorePoint, "Unexpected error: CoInitializeEx() failed"},
     {"install CoInitializeSecurity() 1", kNothing, "CoInitializeSecurity() failed"},
@@ -108,7 +121,8 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {"main RegOpenKeyExA(9001*) *", kIScsiTool},
     {"main RegQueryValueExA(DumpMiniPort, data) 1", kIScsiTool},
     {"main RegQueryValueExA(MatchingDeviceId, data) *", kIScsiTool},
-    {"main GetSystemDirectoryA() 1", kIScsiTool, "Failed to call iSCSI command line utility."},
+    {"main GetSystemDirectoryA() 1", kNothing},
+    {"main GetSystemDirectoryA() *", kIScsiTool, "Failed to call iSCSI command line utility."},
     {R"(main CreateProcessA(<SYSTEM>\iscsivrf.exe*) 1)", kIScsiTool, "Failed to call iSCSI command line utility."},
 
     // Now that the boot mode is known: the first reading of this device's keys.
@@ -127,13 +141,19 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {"install RegQueryValueExA(NetCfgInstanceId, *) 1", kFcoe, "Failed to get NetCfgInstanceID from PCI device"},
     {"install SetupDiGetDeviceRegistryPropertyA(9) *", kFcoe, "Failed to get driver key from PCI device"},
     {"install SetupDiEnumDeviceInfo(1) 1", kFcoe},
-    {"install SetupDiEnumDeviceInfo(0) 1", "-FCoE library, -Reboot", "Failed to enumerate all PCI devices"},
-    {"install SetupDiGetClassDevsA() 1", "-FCoE library, -Reboot", "Failed to enumerate any PCI devices"},
+    {"install SetupDiEnumDeviceInfo(0) 1", kNoAdapterAsked, "Failed to enumerate all PCI devices"},
+    {"install SetupDiGetClassDevsA() 1", kNoAdapterAsked, "Failed to enumerate any PCI devices"},
+    {"install GetProcAddress(SetupDi*) *", kNoAdapterAsked, "Failed to enumerate any PCI devices"},
+
+    // Without the set-up library the platform asks as it does by itself.
+    {R"(* LoadLibraryExA(<SYSTEM>\setupapi.dll) 1)", kNothing},
+    {"install GetProcAddress(SetupSetNonInteractiveMode) 1", kNothing},
+    {R"(install LoadLibraryExA(<SYSTEM>\setupapi.dll) *)", kNoAdapterAsked, "Failed to enumerate any PCI devices"},
 
     // Without the installer library no device is installed, and each is reported.
     {R"(install LoadLibraryA(<KIT>\NetInst.dll) 1)", kBothDevices, R"(unable to load: <KIT>\NetInst.dll)"},
     {"install GetProcAddress(DllGetClassFactoryObject) 1", kBothDevices, R"(unable to load: <KIT>\NetInst.dll)"},
-    {"install DllGetClassFactoryObject(*) 1", kBothDevices, " 2K/XP UpdateDriver() returned: 80004003"},
+    {"install DllGetClassFactoryObject(*) 1", kBothDevices, " 2K/XP UpdateDriver() returned: e0000207"},
     {"install RegSetValueExA(Tavunstl_source_path) 1", "~first device"},
     {"install RegSetValueExA(Tavunstl_source_path) 2", "~second device"},
     {"install RegDeleteValueA(Tavunstl_source_path) 2", "+source path"},
@@ -141,7 +161,10 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     // A result whose file is not found is a failure; one whose version is not known has an empty version.
     {R"(install FindFirstFileA(<SYSTEM>\drivers\NGEA*.sys) 1)", kFamilyFailure,
      R"(Driver sys file NOT found in \system32\drivers)"},
-    {"install GetSystemDirectoryA() 1", kFamilyFailure, R"(Driver sys file NOT found in \system32\drivers)"},
+    {"install GetSystemDirectoryA() 1", kNothing},
+    {R"(install LoadLibraryExA(<SYSTEM>\version.dll) 1)", kVersions},
+    {"install GetProcAddress(GetFileVersionInfo*) 1", kVersions},
+    {"install GetProcAddress(VerQueryValueA) 1", kVersions},
     {R"(install FindFirstFileA(<SYSTEM>\drivers\ngea62x64.sys) 1)", kVersions},
     {R"(install GetFileVersionInfo*(<SYSTEM>\drivers\ngea62x64.sys) 1)", kVersions},
     {"install VerQueryValueA() 1", kVersions},
@@ -187,26 +210,51 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {"main CreateMutexA(Morvix) 1", kNothing},
 
     // What the run cannot do without ends it before anything is installed.
-    {R"(main GetFileAttributesA(<KIT>\Morvix.ini) 1)", kInstallation, R"(ini file: <KIT>\Morvix.ini, NOT FOUND)"},
-    {R"(main LoadLibraryA(<KIT>\MorvixRes.dll) 1)", kInstallation, R"(unable to load: <KIT>\MorvixRes.dll)"},
-    {R"(main LoadLibraryA(<KIT>\NetInst.dll) 1)", kInstallation, R"(unable to load: <KIT>\NetInst.dll)"},
-    {"main GetProcAddress(DllGetClassFactoryObject) 1", kInstallation, R"(unable to load: <KIT>\NetInst.dll)"},
-    {"main DllGetClassFactoryObject(*) 1", kInstallation},
-    {"main OpenThreadToken() 1", kInstallation, "You need administrator rights"},
-    {"main OpenProcessToken(8) 1", kInstallation, "You need administrator rights"},
-    {"main GetTokenInformation(*) 1", kInstallation, "You need administrator rights"},
-    {"main AllocateAndInitializeSid() 1", kInstallation, "You need administrator rights"},
-    {"main CreateDialogParamA() 1", kInstallation, "unable to create the dialog"},
-    {"main RegisterClassA() 1", kInstallation},
-    {"main CreateThread() 1", kInstallation},
-    {R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI) 1)", kInstallation},
+    {R"(main GetFileAttributesA(<KIT>\Morvix.ini) 1)", kNotStarted, R"(ini file: <KIT>\Morvix.ini, NOT FOUND)"},
+    {R"(main LoadLibraryA(<KIT>\MorvixRes.dll) 1)", kNotStarted, R"(unable to load: <KIT>\MorvixRes.dll)"},
+    {R"(main LoadLibraryA(<KIT>\NetInst.dll) 1)", kNotStarted, R"(unable to load: <KIT>\NetInst.dll)"},
+    {"main GetProcAddress(DllGetClassFactoryObject) 1", kNotStarted, R"(unable to load: <KIT>\NetInst.dll)"},
+    {"main DllGetClassFactoryObject(*) 1", kNotStarted},
+    {"main OpenThreadToken() 1", kNotStarted, "You need administrator rights"},
+    {"main OpenProcessToken(8) 1", kNotStarted, "You need administrator rights"},
+    {"main GetTokenInformation(*) 1", kNotStarted, "You need administrator rights"},
+    {"main AllocateAndInitializeSid() 1", kNotStarted, "You need administrator rights"},
+    {"main CreateDialogParamA() 1", kNotStarted, "unable to create the dialog"},
+    {"main RegisterClassA() 1",
+     "-FCoE library, -Install, -NetInst, -Reboot, -Version, +box, -family Install, -family Version, -first INF, "
+     "-first device, -iSCSI tool, -iSCSI version, -its end, +pending uninstall, -registration, -rescan, -restart, "
+     "-restore point, -second INF, -second device, -status, -uninstall file"},
+
+    // A dialog whose thread does not start, or cannot read the device keys, stays.
+    {"main CreateThread() 1",
+     "-FCoE library, -Install, -NetInst, -Reboot, -Version, -family Install, -family Version, -first INF, "
+     "-first device, -iSCSI tool, -its end, +open dialog, +pending uninstall, -registration, -rescan, -restart, "
+     "-restore point, -second INF, -second device, -status, -uninstall file",
+     "", "silent-network-boot"},
+    {"main CreateThread() 1",
+     "-FCoE library, -Install, -NetInst, -Reboot, -Version, -box, -family Install, -family Version, -first INF, "
+     "-first device, -iSCSI tool, -its end, +open dialog, +pending uninstall, -registration, -rescan, -restart, "
+     "-restore point, -second INF, -second device, -status, -timer, -uninstall file",
+     "", "interactive-network-boot"},
+    {R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI) 1)",
+     "+open COM COM, +open library srclient.dll, ~status", "", "interactive"},
+    {R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI) 1)",
+     "-Install, -Reboot, -Version, -family Install, -family Version, -first INF, -first device, -iSCSI tool, "
+     "-its end, +open COM COM, +open dialog, +open library srclient.dll, -registration, -rescan, -second INF, "
+     "-second device, -status, -uninstall file",
+     "", "silent-network-boot"},
+    {R"(install RegOpenKeyExA(SYSTEM\CurrentControlSet\Enum\PCI) 1)",
+     "-Install, -Reboot, -Version, -family Install, -family Version, -first INF, -first device, -iSCSI tool, "
+     "-its end, +open COM COM, +open dialog, +open library srclient.dll, -registration, -rescan, -restart, "
+     "-second INF, -second device, -status, -timer, -uninstall file",
+     "", "interactive-network-boot"},
 
     // Management software that cannot be looked for is not there.
     {R"(main CreateMutexA(Global\TaviskMutex) 1)", kManagementCheck, "", "management-software"},
     {R"(main RegOpenKeyExA(System\CurrentControlSet\Control\ProductOptions) 1)", kManagementCheck},
     {"main RegQueryValueExA(ProductSuite, *) 1", kManagementCheck},
-    {R"(install RegOpenKeyExA(SOFTWARE\Norda\Network_Services\TERN) 1)", kInstallation},
-    {"install RegQueryValueExA(OEMVersion, data) 1", kInstallation},
+    {R"(install RegOpenKeyExA(SOFTWARE\Norda\Network_Services\TERN) 1)", kOldExtension},
+    {"install RegQueryValueExA(OEMVersion, data) 1", kOldExtension},
 
     // The 9x family.
     {R"(install CopyFileA(<KIT>\Inf\ngeatest.inf) 1)", kStagedAside, "text of error 5"},
@@ -222,19 +270,27 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {R"(install SetCurrentDirectoryA(<KIT-SHORT>\) 1)", kNothing, "current directory:  <KIT><LF>"},
     {R"(install RegCreateKeyExA(Software\Norda\MSI) 1)", "-legacy helper"},
     {R"(install RegCreateKeyExA(Software\Norda\MSI) 2)", "~RegPCIpath, -legacy helper"},
-    {"install RegSetValueExA(RegPCIpath) 1", "-legacy helper"},
-    {"install RegSetValueExA(RegPCIpath) 2", "~RegPCIpath, -legacy helper"},
+    {"install RegSetValueExA(RegPCIpath) 1", kNothing},
+    {"install RegSetValueExA(RegPCIpath) 2", "~RegPCIpath"},
     {"install LoadLibraryA(newdev.dll) 1", "-first device"},
     {"install GetProcAddress(UpdateDriverForPlugAndPlayDevicesA) 1", "-first device"},
     {"install UpdateDriverForPlugAndPlayDevicesA() 1", "-first device", "drivers *not* upgraded"},
-    {R"(install RegEnumKeyExA(Enum\PCI, 0) 1)", "?"},
+    {R"(install RegEnumKeyExA(Enum\PCI, 0) 1)",
+     "-Install, -Reboot, -Version, -family Install, -family Version, -first INF, -first device, -registration, "
+     "-status, -uninstall file"},
     {R"(install RegEnumKeyExA(Enum\PCI, 1) 1)", kNothing, "Enter -> IsNordaNetworkDevice()"},
-    {R"(install RegEnumKeyExA(Enum\PCI\, 0) 1)", "?"},
+    {R"(install RegEnumKeyExA(Enum\PCI\, 0) 1)",
+     "-Install, -Reboot, -RegPCIpath, -Version, -family Install, -family Version, -first INF, -legacy helper, "
+     "-registration, -status, -uninstall file"},
     {R"(install RegEnumKeyExA(Enum\PCI\, 1) 1)", kNothing, "Enter -> IsNordaNetworkDevice()"},
     {R"(install RegEnumKeyExA(Enum\PCI\VEN_*, 0) 1)", "-legacy helper"},
     {R"(install RegEnumKeyExA(Enum\PCI\VEN_*, 1) 1)", "~RegPCIpath, -legacy helper"},
-    {R"(install RegOpenKeyExA(Enum\PCI) 1)", "?"},
-    {R"(install RegOpenKeyExA(Enum\PCI\) 1)", "?"},
+    {R"(install RegOpenKeyExA(Enum\PCI) 1)",
+     "-Install, -Reboot, -Version, -family Install, -family Version, -first INF, -first device, +open COM COM, "
+     "+open dialog, +open library srclient.dll, -registration, -staged file, -status, -uninstall file"},
+    {R"(install RegOpenKeyExA(Enum\PCI\) 1)",
+     "-Install, -Reboot, -RegPCIpath, -Version, -family Install, -family Version, -first INF, -legacy helper, "
+     "+open COM COM, +open dialog, +open library srclient.dll, -registration, -staged file, -status, -uninstall file"},
     {R"(install RegOpenKeyExA(Enum\PCI\VEN_*) 1)", "-RegPCIpath, -legacy helper"},
 });
 
@@ -257,12 +313,14 @@ bool IsWhole(const std::string& line, const Outcome& clean)
            std::ranges::find(clean.lines, line) != clean.lines.end();
 }
 
-/// What a run leaves open by design: one search for each pass over a directory, and, when it stops halfway, what it has
-/// begun. Everything else stays open only if the clean run keeps it too.
+/// What a run leaves open by design: one search for each pass over a directory, the libraries whose objects or texts may
+/// still be in use, and, when it stops halfway, what it has begun. Everything else stays open only if the clean run keeps
+/// it too.
 bool MayStay(const std::string& line, const Outcome& clean)
 {
     constexpr std::array kByDesign = std::to_array<std::string_view>(
-        {R"(search <KIT>\Inf\*.inf)", "COM COM", "library srclient.dll", "library cfgmgr32.dll"});
+        {R"(search <KIT>\Inf\*.inf)", "COM COM", "library srclient.dll", "library cfgmgr32.dll",
+         R"(library <KIT>\NetInst.dll)", R"(library <SYSTEM>\setupapi.dll)", R"(library <KIT>\MorvixRes.dll)"});
     constexpr std::string_view kOpen = "still open: ";
     return !line.starts_with(kOpen) || std::ranges::find(kByDesign, line.substr(kOpen.size())) != kByDesign.end() ||
            std::ranges::find(clean.lines, line) != clean.lines.end();

@@ -14,7 +14,7 @@ source "$lib/release.sh"
 # holds_sums_of FOLDER COUNT: SHA256SUMS has the sums of so many files, which are all but itself and its signature.
 holds_sums_of() {
     (
-        cd -- "$1"
+        cd -- "$1" || exit
         sha256sum --check --quiet --strict SHA256SUMS && (($(wc -l <SHA256SUMS) == $2)) &&
             (($(find . -type f ! -name 'SHA256SUMS*' | wc -l) == $2))
     )

@@ -5,7 +5,6 @@
 #include <msiquery.h>
 
 #include "HeldProgram.h"
-#include "ImportOverride.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 #include "WaitProgress.h"
@@ -46,20 +45,24 @@ class InstallerSessionWait : public testing::Test
 {
 protected:
     void SetUp() override { engine = {}; }
-
-private:
-    ImportOverride m_messages{"MsiProcessMessage", reinterpret_cast<void*>(&TakeMessage)};
 };
+
+InstallerSession SessionWithEngine()
+{
+    InstallerFunctions functions;
+    functions.processMessage = &TakeMessage;
+    return InstallerSession(0, std::move(functions));
+}
 
 ProgramEnd RunReported(const ProgramStart& start, std::uint32_t limitSeconds)
 {
-    return InstallerSession(0).RunAndReport(start, limitSeconds);
+    return SessionWithEngine().RunAndReport(start, limitSeconds);
 }
 } // namespace
 
 TEST_F(InstallerSessionWait, TheProgressBarGrowsByTheTicksOfOneWait)
 {
-    InstallerSession(0).AnnounceWait();
+    SessionWithEngine().AnnounceWait();
     EXPECT_THAT(engine.progress, ElementsAre(std::pair(3, static_cast<int>(kWaitTicks))));
 }
 

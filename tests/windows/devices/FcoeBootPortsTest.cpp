@@ -12,6 +12,7 @@
 #include "DebugOutput.h"
 #include "EntryPoints.h"
 #include "ImportOverride.h"
+#include "ImportSlot.h"
 #include "LibraryDouble.h"
 #include "RegistryAccess.h"
 #include "SystemLibrary.h"
@@ -258,7 +259,8 @@ struct ListRequest
 };
 ListRequest lastList;
 
-const auto findEntry = &GetProcAddress;
+// The platform's own, while the call goes to the replacement.
+decltype(&GetProcAddress) findEntry = nullptr;
 
 HDEVINFO WINAPI NoteList(const GUID* deviceClass, PCSTR enumerator, HWND window, DWORD flags)
 {
@@ -285,6 +287,7 @@ TEST_F(FcoeBootPorts, OnlyPresentDevicesOfTheNetworkClassAreAsked)
     SetRegistryText(ofAnotherClass.Instance(), "ClassGUID", "{4D36E97D-E325-11CE-BFC1-08002BE10318}");
     const LibraryDouble library = HbaLibrary();
     lastList = {};
+    findEntry = std::bit_cast<decltype(findEntry)>(ImportSlot("GetProcAddress").Target());
     {
         const ImportOverride note("GetProcAddress", reinterpret_cast<void*>(FindEntryOrNoteList));
         EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
