@@ -42,13 +42,13 @@ run_pure_suites() {
     for test in $(registered_tests host); do
         if [[ $test == pure_* ]] && wanted "$test"; then
             report=$results_dir/$test.xml
-            run_program "$test" 300 "$report" "$host_build/tests/$test" "--gtest_output=xml:$report" || true
+            run_program "$test" 1500 "$report" "$host_build/tests/$test" "--gtest_output=xml:$report" || true
         fi
     done
     # What is no GoogleTest program counts one test each.
     if registered_tests host | grep -qv '^pure_' && wanted host-other; then
-        run_program host-other 600 "$others" ctest --test-dir "$host_build" --exclude-regex '^pure_' --no-tests=error \
-            --timeout 300 --output-on-failure --output-junit "$others" || true
+        run_program host-other 3000 "$others" ctest --test-dir "$host_build" --exclude-regex '^pure_' --no-tests=error \
+            --timeout 1500 --output-on-failure --output-junit "$others" || true
     fi
 }
 
@@ -56,7 +56,7 @@ run_pure_suites() {
 run_fuzz_targets() {
     local report=$results_dir/fuzz.xml
     wanted fuzz || return 0
-    run_program fuzz 300 "$report" ctest --test-dir "$build_dir/fuzz" --no-tests=error --timeout 120 --output-on-failure \
+    run_program fuzz 1500 "$report" ctest --test-dir "$build_dir/fuzz" --no-tests=error --timeout 600 --output-on-failure \
         --output-junit "$report" || true
 }
 
@@ -85,13 +85,13 @@ run_windows_suites() {
     new_prefix test-suites
     keep_server
     for test in "${tests[@]}"; do
-        run_windows_program "$test" 400 "$windows_build/tests/$test.exe"
+        run_windows_program "$test" 2000 "$windows_build/tests/$test.exe"
     done
 }
 
 # Runs of the shippable folder, in a Windows of their own.
 run_end_to_end() {
-    local program unit limit=900
+    local program unit limit=4500
     local -a programs=()
     [[ -z ${MORVIX_FULL_MATRIX:-} ]] || limit=7200
     for program in "$windows_build"/tests/e2e/morvix_e2e*.exe; do
@@ -134,7 +134,7 @@ prepare_faults() {
 run_faults() {
     wanted morvix_faults || return 0
     prepare_faults
-    run_windows_program morvix_faults 900 "$faults_program"
+    run_windows_program morvix_faults 4500 "$faults_program"
 }
 
 # run_scripts KIND: the scripts in tests/<KIND>/. They print "ok - promise" or "not ok - promise" and bring what they need,
@@ -147,7 +147,7 @@ run_scripts() {
         log=$results_dir/$unit.log
         status=0
         started=$SECONDS
-        run_limited 1800 "$script" >"$log" 2>&1 || status=$?
+        run_limited 5400 "$script" >"$log" 2>&1 || status=$?
         awk -v unit="$unit" '
             sub(/^ok - /, "") { printf "passed\t%s\t%s\n", unit, $0 }
             sub(/^not ok - /, "") { printf "failed\t%s\t%s\n", unit, $0 }

@@ -24,7 +24,7 @@ check_tidy() {
         [[ -e $tidy_dir/clean/$fingerprint ]] || printf '%s\0' "$tidy_dir/clean/$fingerprint" "$source"
     done <"$tidy_dir/fingerprints" >"$tidy_dir/to-do"
     # shellcheck disable=SC2016
-    run_limited 900 xargs -0 -r -a "$tidy_dir/to-do" -n 2 -P "$(nproc)" \
+    run_limited 4500 xargs -0 -r -a "$tidy_dir/to-do" -n 2 -P "$(nproc)" \
         bash -c 'clang-tidy "${@:1:$#-2}" "${@: -1}" && : >"${@: -2:1}"' tidy "${arguments[@]}"
 }
 
