@@ -86,7 +86,7 @@ mode_is() { grep -qaxF "Property(S): REINSTALLMODE = $1" <(tr -d '\r' <"$log") |
 # the mode; that of Windows would keep a newer file without it.
 older_driver() {
     copy_kit older
-    cp -- "$dist/Drv/WinXPx64/ngea51x64.sys" "$kit/Drv/Win7x64/ngea62x64.sys"
+    cp -- "$dist/Drv/WinXPx64/ngea.sys" "$kit/Drv/Win7x64/ngea62x64.sys"
     package_kit 99.0.0
     install "$package"
     promise "an installation writes all files, whatever their versions" mode_is amus
