@@ -75,8 +75,8 @@ public:
 
     /// @param ask  Called for the answer when it is not known. An answer that may be that of a failed call is known
     /// only
-    ///             when it came twice in a row, and only to the device that it was given for last: one failure costs
-    ///             one pass of one device, and failures that go on cost that device alone.
+    ///             when it came twice in a row to the same device, and only to that device: one failure costs one
+    ///             pass of one device, and failures that go on cost that device alone.
     /// @return the answer, valid until the next call.
     template <class Ask>
     const ProfileAnswer& AnswerTo(const ProfileQuestion& question, Ask ask)
@@ -87,7 +87,7 @@ public:
             return found->second.answer;
         }
         ProfileAnswer answer = ask();
-        const bool cameTwice = found != m_answers.end() && found->second.answer == answer;
+        const bool cameTwice = WasForThisDevice(found, m_answers.end()) && found->second.answer == answer;
         const bool tells = answer.TellsOfTheFile(question.defaultText);
         return m_answers.insert_or_assign(KeptQuestion(view), KeptNow(std::move(answer), tells, cameTwice))
             .first->second.answer;
@@ -103,7 +103,7 @@ public:
         }
         std::shared_ptr<const ModelSection> section = read();
         // What is kept and not known was not read either.
-        const bool cameTwice = found != m_modelSections.end();
+        const bool cameTwice = WasForThisDevice(found, m_modelSections.end());
         m_modelSections.insert_or_assign(std::string(name), KeptNow(section, section->WasRead(), cameTwice));
         return section;
     }
@@ -117,6 +117,12 @@ private:
         bool cameTwice = false;
         uint64_t device = 0; ///< for which it was given last
     };
+
+    template <class Position>
+    [[nodiscard]] bool WasForThisDevice(Position found, Position end) const
+    {
+        return found != end && found->second.device == m_device;
+    }
 
     template <class Answer>
     [[nodiscard]] bool IsKnown(const Kept<Answer>& kept) const

@@ -109,8 +109,12 @@ void RestartOnceInstalled()
 {
     // A message that is answered during the wait may ask for the restart as well.
     if (!std::exchange(restarting, true)) {
+        const bool wasClosing = closing;
         InstallThreadEndsWithin(kRestartWaitMilliseconds);
-        RestartMachine();
+        // Whoever has closed the dialog meanwhile has been asked, and has answered.
+        if (closing == wasClosing) {
+            RestartMachine();
+        }
         restarting = false;
     }
 }

@@ -15,10 +15,15 @@
 #include <string_view>
 
 #include "EntryPoints.h"
+#include "RunOptions.h"
 #include "Trace.h"
+#include "WindowStation.h"
 
 // GCOVR_EXCL_START: the process ends without writing counts; DeviceFault in morvix_e2e and morvix_faults run it
 namespace {
+/// Whether the system reports faults without a box.
+bool reportsQuietly = false;
+
 [[noreturn]] void EndAsFailed() noexcept
 {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(-1));
@@ -110,6 +115,10 @@ LONG WINAPI TraceFault(EXCEPTION_POINTERS* fault)
         } catch (...) { // NOLINT(bugprone-empty-catch): without memory even for the trace, the exit code has to do
         }
     }
+    if (!reportsQuietly && (RunOptions.silent != 0 || !WindowsAreSeen())) {
+        // Before Vista only this keeps the system's box away, and the system's report with it.
+        SetErrorMode(SetErrorMode(0) | SEM_NOGPFAULTERRORBOX);
+    }
     // The system reports it and ends the process with the exception's code.
     return EXCEPTION_CONTINUE_SEARCH;
 }
@@ -120,9 +129,7 @@ void ReportFaultsQuietly()
     using WerSetFlagsFn = HRESULT(WINAPI*)(DWORD);
     constexpr DWORD kNoUserInterface = 0x20; // WER_FAULT_REPORTING_NO_UI
     const auto setFlags = FindEntry<WerSetFlagsFn>(GetModuleHandleA("kernel32.dll"), "WerSetFlags");
-    if (setFlags != nullptr) {
-        setFlags(kNoUserInterface);
-    }
+    reportsQuietly = setFlags != nullptr && SUCCEEDED(setFlags(kNoUserInterface));
 }
 
 /// Windows 7 and later may swallow an exception that leaves a window procedure; the dialog would then just stand still.

@@ -7,10 +7,14 @@
 namespace {
 bool Mark(HDEVINFO devices, SP_DEVINFO_DATA& device) noexcept
 {
-    // A device without flags has none set.
     DWORD flags = 0;
-    SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_CONFIGFLAGS, nullptr, reinterpret_cast<BYTE*>(&flags),
-                                      sizeof(flags), nullptr);
+    // A device without flags has none set. Flags that cannot be read must not be lost: one of them keeps a device
+    // disabled.
+    if (SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_CONFIGFLAGS, nullptr, reinterpret_cast<BYTE*>(&flags),
+                                          sizeof(flags), nullptr) == FALSE &&
+        GetLastError() != ERROR_INVALID_DATA) {
+        return false;
+    }
     flags |= CONFIGFLAG_REINSTALL;
     return SetupDiSetDeviceRegistryPropertyA(devices, &device, SPDRP_CONFIGFLAGS, reinterpret_cast<const BYTE*>(&flags),
                                              sizeof(flags)) != FALSE;

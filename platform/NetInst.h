@@ -17,7 +17,7 @@
 /// Threads. The prober is made, used and released on the main thread, on which COM is not initialised, before the
 /// install thread exists. The driver-install object is made, used and released on the install thread, normally a member
 /// of the multithreaded COM apartment. So calls never overlap, and no object changes threads. A run that ends early, by
-/// a restart or a closed dialog, does not release the driver-install object: nothing may depend on that call.
+/// a restart or a fault, does not release the driver-install object: nothing may depend on that call.
 ///
 /// Errors. No exception leaves the library. A call may take as long as it needs: nobody ends it.
 ///

@@ -25,7 +25,6 @@ void TakeCurrentDirectoryOutOfLibrarySearch() noexcept
 {
     std::array<char, MAX_PATH> directory{};
     const UINT chars = GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size()));
-    // A named directory takes the current one's place in the search; the system's is searched anyway. An empty text
-    // says the same on Windows, but Wine takes it for the default search.
+    // A named directory takes the current one's place in the search; the system's is searched anyway.
     SetDllDirectoryA(chars < directory.size() ? directory.data() : "");
 }

@@ -25,5 +25,8 @@ StartErrorMode::StartErrorMode() noexcept : m_before(Change(added, 0)) {}
 
 StartErrorMode::~StartErrorMode()
 {
+    // The caller reads the last error of the start.
+    const DWORD error = GetLastError();
     SetErrorMode(m_before);
+    SetLastError(error);
 }

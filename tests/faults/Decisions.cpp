@@ -145,6 +145,11 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {"install SetupDiGetClassDevsA() 1", kNoAdapterAsked, "Failed to enumerate any PCI devices"},
     {"install GetProcAddress(SetupDi*) *", kNoAdapterAsked, "Failed to enumerate any PCI devices"},
 
+    // A run of which it is not known whether anybody sees it asks nothing.
+    {"install GetProcessWindowStation() *", "+open library <SYSTEM>\\setupapi.dll", "", "interactive-network-boot"},
+    {"install GetUserObjectInformationA() *", "+open library <SYSTEM>\\setupapi.dll", "", "interactive-network-boot"},
+    {"install ProcessIdToSessionId() *", "+open library <SYSTEM>\\setupapi.dll", "", "interactive-network-boot"},
+
     // Without the set-up library the platform asks as it does by itself.
     {R"(* LoadLibraryExA(<SYSTEM>\setupapi.dll) 1)", kNothing},
     {"install GetProcAddress(SetupSetNonInteractiveMode) 1", kNothing},
@@ -313,9 +318,9 @@ bool IsWhole(const std::string& line, const Outcome& clean)
            std::ranges::find(clean.lines, line) != clean.lines.end();
 }
 
-/// What a run leaves open by design: one search for each pass over a directory, the libraries whose objects or texts may
-/// still be in use, and, when it stops halfway, what it has begun. Everything else stays open only if the clean run keeps
-/// it too.
+/// What a run leaves open by design: one search for each pass over a directory, the libraries whose objects or texts
+/// may still be in use, and, when it stops halfway, what it has begun. Everything else stays open only if the clean run
+/// keeps it too.
 bool MayStay(const std::string& line, const Outcome& clean)
 {
     constexpr std::array kByDesign = std::to_array<std::string_view>(

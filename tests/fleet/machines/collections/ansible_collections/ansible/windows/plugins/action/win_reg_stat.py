@@ -1,5 +1,5 @@
 from ansible_collections.ansible.windows.plugins.module_utils.machine import note
-from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import REGISTRATIONS, RecordedAction
+from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import LIBRARY, REGISTRATIONS, RecordedAction
 
 
 class ActionModule(RecordedAction):
@@ -11,7 +11,7 @@ class ActionModule(RecordedAction):
             note(state, "ask for " + options["path"][len(REGISTRATIONS) :])
             return {"changed": False, "exists": state["product_installed"]}
         note(state, "read keys")
-        values = state["registry"]
+        values = state.get("library", {}) if options["path"] == LIBRARY else state["registry"]
         if not values:
             return {"changed": False, "exists": False}
         properties = {name: dict(value, raw_value=value["value"]) for name, value in values.items()}

@@ -1,5 +1,5 @@
 from ansible_collections.ansible.windows.plugins.module_utils.machine import note
-from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import RecordedAction
+from ansible_collections.ansible.windows.plugins.plugin_utils.recorded import LIBRARY, RecordedAction
 
 
 class ActionModule(RecordedAction):
@@ -11,4 +11,5 @@ class ActionModule(RecordedAction):
 
     def act(self, options, state):
         note(state, "remove " + options["name"])
-        return {"changed": state["registry"].pop(options["name"], None) is not None}
+        values = state.get("library", {}) if options["path"] == LIBRARY else state["registry"]
+        return {"changed": values.pop(options["name"], None) is not None}

@@ -6,6 +6,7 @@ from ansible_collections.ansible.windows.plugins.module_utils.machine import mac
 
 RESULTS_KEY = "HKLM:\\SOFTWARE\\Norda\\Basedrivers"
 REGISTRATIONS = "HKLM:\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\"
+LIBRARY = "HKLM:\\SOFTWARE\\Norda\\NetInst"
 
 
 class RecordedAction(ActionBase):
@@ -22,7 +23,7 @@ class RecordedAction(ActionBase):
             refusal = state.get("refuses", {}).get(self._task.action.rpartition(".")[2])
             if refusal:
                 result.update(failed=True, msg=refusal)
-            elif path.startswith("HKLM") and path != RESULTS_KEY and not path.startswith(REGISTRATIONS):
+            elif path.startswith("HKLM") and path not in (RESULTS_KEY, LIBRARY) and not path.startswith(REGISTRATIONS):
                 result.update(failed=True, msg="nobody recorded " + path)
             elif self._play_context.check_mode and not self.ONLY_LOOKS:
                 result.update(failed=True, msg=self._task.action + " in check mode is not recorded")
