@@ -23,6 +23,8 @@ public:
     {
     }
     ~TestThread() { join(); }
+    TestThread(const TestThread&) = delete;
+    TestThread& operator=(const TestThread&) = delete;
     TestThread(TestThread&& other) noexcept = default;
     TestThread& operator=(TestThread&& other) noexcept
     {
