@@ -36,7 +36,7 @@ std::string LowerCase(std::string text)
 
 std::string NameOf(const Import& import)
 {
-    return LowerCase(import.library) + "!" + import.name;
+    return LowerCase(import.module) + "!" + import.name;
 }
 
 KeptImports ReadKeptImports()
@@ -104,7 +104,7 @@ TEST(ShippedImports, TheKeptListHoldsNothingElse)
     for (const std::string& file : ShippedFiles()) {
         for (const Import& import : ImportsOf(file)) {
             kept.firstVersions.erase(NameOf(import));
-            kept.origins.erase(LowerCase(import.library));
+            kept.origins.erase(LowerCase(import.module));
         }
     }
     std::vector<std::string> left;
@@ -123,7 +123,7 @@ TEST(ShippedImports, ComeFromLibrariesThatNoFileBesideTheProgramCanReplace)
     for (const std::string& file : ShippedFiles()) {
         std::set<std::string> libraries;
         for (const Import& import : ImportsOf(file)) {
-            libraries.insert(LowerCase(import.library));
+            libraries.insert(LowerCase(import.module));
         }
         const bool isDriver = LowerCase(file).ends_with(".sys");
         for (const std::string& library : libraries) {

@@ -220,7 +220,7 @@ TEST_F(RefusedDriver, IsAFailureAlsoWhereAnOlderDriverFileLies)
     EXPECT_EQ(m_adapter.Driver(), "<none>");
 }
 
-TEST_F(RefusedDriver, IsToldToTheUser)
+TEST_F(RefusedDriver, IsShownToTheUser)
 {
     Folder().Remove("Drv\\Win8x64\\ngea.sys");
     const auto run = StartMorvix("");

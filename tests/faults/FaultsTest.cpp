@@ -30,7 +30,7 @@ std::vector<std::string> ImportedNames(const std::string& program, const std::st
 {
     std::vector<std::string> names;
     for (const Import& import : ImportsOf(program)) {
-        if (import.library != without) {
+        if (import.module != without) {
             names.push_back(import.name);
         }
     }

@@ -6,8 +6,8 @@
 /// One function that a program or library has the loader find for it.
 struct Import
 {
-    std::string library; ///< as the file spells it
-    std::string name;    ///< "#12" for one that is imported by its number
+    std::string module; ///< as the file spells it
+    std::string name;   ///< "#12" for one that is imported by its number
     friend bool operator==(const Import&, const Import&) = default;
 };
 

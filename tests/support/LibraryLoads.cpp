@@ -12,7 +12,7 @@ decltype(&FreeLibrary) platformFree = nullptr;
 struct Load
 {
     std::string name;
-    HMODULE library = nullptr;
+    HMODULE module = nullptr;
 };
 std::vector<std::string> loaded;
 std::vector<Load> stillLoaded;
@@ -55,7 +55,7 @@ FARPROC WINAPI FindAllButOne(HMODULE library, LPCSTR name)
 
 BOOL WINAPI NoteFree(HMODULE library)
 {
-    const auto load = std::ranges::find(stillLoaded, library, &Load::library);
+    const auto load = std::ranges::find(stillLoaded, library, &Load::module);
     if (load != stillLoaded.end()) {
         stillLoaded.erase(load);
     }
@@ -77,7 +77,7 @@ LibraryLoads::LibraryLoads(std::string missingEntry)
 LibraryLoads::~LibraryLoads()
 {
     for (const Load& load : stillLoaded) {
-        platformFree(load.library);
+        platformFree(load.module);
     }
 }
 
