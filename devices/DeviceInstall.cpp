@@ -40,8 +40,8 @@ struct InterfaceAnswer
 
 void ShowProgress(HWND dialog)
 {
-    const std::string text =
-        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1, IsSystemLeadByte);
+    const std::string text = InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1,
+                                            SystemCharacterRule());
     SetDlgItemTextA(dialog, kProgressControl, text.c_str());
     Trace("==>installing driver(s)\n");
 }

@@ -3,7 +3,7 @@
 #include "TwoByteText.h"
 
 std::string InstallingText(std::string_view format, std::string_view description, std::size_t maxBytes,
-                           LeadByteTest isLeadByte)
+                           CharacterRule rule)
 {
     std::string text;
     bool inserted = false;
@@ -20,5 +20,5 @@ std::string InstallingText(std::string_view format, std::string_view description
             text += format[position];
         }
     }
-    return std::string(CutToBytes(text, maxBytes, isLeadByte));
+    return std::string(CutToBytes(text, maxBytes, rule));
 }

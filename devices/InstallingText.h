@@ -4,12 +4,13 @@
 #include <string>
 #include <string_view>
 
-#include "LeadByte.h"
+#include "CharacterRule.h"
 
 /// Puts a device's description into the progress text.
-/// @param format       The text resource; its first "%s" is replaced and "%%" stands for one per-cent sign. It may come
-///                     from elsewhere, so it is never used as a format: every other insert stays as it is written.
+/// @param format       The text resource; its first "%s" is replaced and "%%" stands for one per-cent sign. Another
+///                     library may bring it, so it is never used as a format: other inserts are kept literally.
 /// @param description  What to insert.
 /// @param maxBytes     The result's limit in bytes; longer texts are cut after the last whole character that fits.
+/// @param rule         Of the code page of both texts.
 [[nodiscard]] std::string InstallingText(std::string_view format, std::string_view description, std::size_t maxBytes,
-                                         LeadByteTest isLeadByte);
+                                         CharacterRule rule);

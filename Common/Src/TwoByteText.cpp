@@ -1,10 +1,9 @@
 #include "TwoByteText.h"
 
 namespace {
-/// @return the number of bytes of the character at `at`; a lead byte at the end of the text stands alone.
-std::size_t CharacterBytes(std::string_view text, std::size_t at, LeadByteTest isLeadByte)
+std::size_t CharacterBytes(std::string_view text, std::size_t at, CharacterRule rule)
 {
-    return isLeadByte(static_cast<unsigned char>(text[at])) && at + 1 < text.size() ? 2 : 1;
+    return rule.FirstCharacterBytes(text.substr(at));
 }
 } // namespace
 
@@ -34,13 +33,13 @@ bool HasDoubleBackslash(std::string_view path, LeadByteTest isLeadByte)
     return false;
 }
 
-std::string_view CutToBytes(std::string_view text, std::size_t maxBytes, LeadByteTest isLeadByte)
+std::string_view CutToBytes(std::string_view text, std::size_t maxBytes, CharacterRule rule)
 {
     if (text.size() <= maxBytes) {
         return text;
     }
     std::size_t kept = 0;
-    for (std::size_t next = 0; next <= maxBytes; next += CharacterBytes(text, next, isLeadByte)) {
+    for (std::size_t next = 0; next <= maxBytes; next += CharacterBytes(text, next, rule)) {
         kept = next;
     }
     return text.substr(0, kept);

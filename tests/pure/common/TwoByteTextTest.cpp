@@ -57,6 +57,28 @@ TEST(TwoByteText, ACutNeverSplitsACharacter)
     EXPECT_EQ(CutToBytes("", 0, NoLeadBytes), "");
 }
 
+TEST(TwoByteText, ACutNeverSplitsACharacterOfUtf8)
+{
+    // Of one, two, three and four bytes.
+    const std::string text = "a\u00E4\u8A2D\U0001F5A7";
+    constexpr std::array kKept = std::to_array<std::size_t>({0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 10});
+    for (std::size_t maxBytes = 0; maxBytes < kKept.size(); ++maxBytes) {
+        EXPECT_EQ(CutToBytes(text, maxBytes, CharacterRule::Utf8()), text.substr(0, kKept[maxBytes])) << maxBytes;
+    }
+}
+
+TEST(TwoByteText, BytesThatAreNoUtf8AreCharactersOfTheirOwn)
+{
+    constexpr auto kRule = CharacterRule::Utf8();
+    // A continuation without a start, bytes that start nothing, and starts that are not continued.
+    for (const char* text : {"\x80x", "\xC0x", "\xC1x", "\xF5x", "\xFFx", "\xC3x", "\xE8x", "\xF0x", "\xC3\xC3"}) {
+        EXPECT_EQ(kRule.FirstCharacterBytes(text), 1U) << text;
+    }
+    EXPECT_EQ(kRule.FirstCharacterBytes("\xE8\xA8"), 2U) << "the text ends inside the character";
+    EXPECT_EQ(kRule.FirstCharacterBytes("\xF0\x9F\x96x"), 3U);
+    EXPECT_EQ(CutToBytes("\xE8\xE8\xA8\xAD", 3, kRule), "\xE8");
+}
+
 TEST(TwoByteText, ALeadByteWithoutItsSecondOneIsACharacterOfItsOwn)
 {
     EXPECT_EQ(CutToBytes("a\x83", 2, IsJapaneseLeadByte), "a\x83");

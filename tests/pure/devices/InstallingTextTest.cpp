@@ -41,6 +41,15 @@ TEST(InstallingText, TheResultIsCutToItsLimit)
     EXPECT_EQ(InstallingText("ab%s", "cd", 0, NoLeadBytes), "");
 }
 
+TEST(InstallingText, TheCutSplitsNoCharacterOfUtf8)
+{
+    const std::string letter = "\u8A2D";
+    for (std::size_t maxBytes = 5; maxBytes < 8; ++maxBytes) {
+        EXPECT_EQ(InstallingText("ab%s", letter + letter, maxBytes, CharacterRule::Utf8()), "ab" + letter) << maxBytes;
+    }
+    EXPECT_EQ(InstallingText("ab%s", letter + letter, 8, CharacterRule::Utf8()), "ab" + letter + letter);
+}
+
 TEST(InstallingText, TheCutSplitsNoCharacter)
 {
     for (const CodePage& page : kCodePages) {
