@@ -39,18 +39,19 @@ struct DeviceListFunctions
 class AdapterList
 {
 public:
-    /// @param functions  Complete when the list is open; must outlive this object.
+    /// @param functions  Must outlive this object.
     AdapterList(const DeviceListFunctions& functions, HDEVINFO list) : m_functions(functions), m_list(list) {}
     ~AdapterList()
     {
-        if (IsOpen()) {
+        if (m_list != INVALID_HANDLE_VALUE && m_functions.destroy != nullptr) {
             m_functions.destroy(m_list);
         }
     }
     AdapterList(const AdapterList&) = delete;
     AdapterList& operator=(const AdapterList&) = delete;
 
-    [[nodiscard]] bool IsOpen() const { return m_list != INVALID_HANDLE_VALUE; }
+    /// @return false when there is no list, or a function to read it with is missing.
+    [[nodiscard]] bool IsOpen() const { return m_list != INVALID_HANDLE_VALUE && m_functions.AreComplete(); }
 
     /// @return false when there is no such adapter; the last error then says why: ERROR_NO_MORE_ITEMS after the last.
     [[nodiscard]] bool At(DWORD index, SP_DEVINFO_DATA& device) const
@@ -151,7 +152,7 @@ bool BootPortIsAmong(const AdapterList& adapters)
 bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters)
 {
     const DeviceListFunctions functions;
-    return BootPortIsAmong(AdapterList(functions, functions.AreComplete() ? adapters : INVALID_HANDLE_VALUE));
+    return BootPortIsAmong(AdapterList(functions, adapters));
 }
 
 bool AreFCoEBootEnabledPortsPresent()

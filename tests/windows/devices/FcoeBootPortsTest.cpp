@@ -298,6 +298,39 @@ TEST_F(FcoeBootPorts, OnlyPresentDevicesOfTheNetworkClassAreAsked)
     EXPECT_EQ(library.TakeJournal(), Questions("{A}", "7"));
 }
 
+namespace {
+HDEVINFO destroyedList = nullptr;
+
+BOOL WINAPI NoteDestroyedList(HDEVINFO list)
+{
+    destroyedList = list;
+    return TRUE;
+}
+
+FARPROC WINAPI FindAllButTheEnumeration(HMODULE library, LPCSTR name)
+{
+    const std::string_view wanted = name;
+    if (wanted == "SetupDiEnumDeviceInfo") {
+        return nullptr;
+    }
+    return wanted == "SetupDiDestroyDeviceInfoList" ? std::bit_cast<FARPROC>(&NoteDestroyedList)
+                                                    : findEntry(library, name);
+}
+} // namespace
+
+TEST_F(FcoeBootPorts, AListThatCannotBeReadIsDestroyedToo)
+{
+    findEntry = std::bit_cast<decltype(findEntry)>(ImportSlot("GetProcAddress").Target());
+    destroyedList = nullptr;
+    std::array<std::byte, 16> list{};
+    {
+        const ImportOverride incomplete("GetProcAddress", reinterpret_cast<void*>(FindAllButTheEnumeration));
+        EXPECT_FALSE(AreFCoEBootEnabledPortsAmong(list.data()));
+    }
+    EXPECT_EQ(destroyedList, list.data());
+    EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate any PCI devices"));
+}
+
 TEST_F(FcoeBootPorts, AdapterWhosePropertiesFailIsClosedAndTheNextAsked)
 {
     const RegistryAdapter first(kFirst, "9001", "{A}");
