@@ -9,42 +9,63 @@
 #include "SystemLibrary.h"
 
 namespace {
-/// @return the state of a device; no problem when the system cannot tell.
-DeviceVerdict Ask(GetDevNodeStatusFn getStatus, DEVINST device, DeviceState& state) noexcept
+/// The system's question for a device's state.
+class DeviceStates
 {
-    // Filled beforehand: there are systems that answer success and write nothing.
-    ULONG status = 0;
-    ULONG problem = 0;
-    switch (getStatus(&status, &problem, device, 0)) {
-        case CR_SUCCESS:
-            state = {.status = status, .problem = problem};
-            return JudgeDevice(state);
-        case CR_NO_SUCH_DEVNODE:
-            return DeviceVerdict::Gone;
-        default:
-            return DeviceVerdict::Accepted;
+public:
+    [[nodiscard]] bool CanBeRead() const noexcept { return m_getStatus != nullptr; }
+
+    /// @param state  Receives the device's state; keeps what it was when the state cannot be read.
+    /// @return the verdict on the device.
+    [[nodiscard]] DeviceVerdict Judge(DEVINST device, DeviceState& state) const noexcept
+    {
+        // Initialized: some systems return success and write nothing.
+        ULONG status = 0;
+        ULONG problem = 0;
+        switch (m_getStatus(&status, &problem, device, 0)) {
+            case CR_NO_SUCH_DEVNODE:
+                return DeviceVerdict::Gone;
+            case CR_SUCCESS:
+                state.status = status;
+                state.problem = problem;
+                break;
+            default:
+                break;
+        }
+        return JudgeDevice(state);
+    }
+
+private:
+    const UniqueLibrary m_library = LoadSystemLibrary("cfgmgr32.dll");
+    const GetDevNodeStatusFn m_getStatus =
+        m_library ? FindEntry<GetDevNodeStatusFn>(m_library.get(), "CM_Get_DevNode_Status") : nullptr;
+};
+
+/// Adds one device's verdict to the report.
+void Add(BoundDevicesReport& report, DeviceVerdict verdict, const DeviceState& state) noexcept
+{
+    report.restartNeeded = report.restartNeeded || verdict == DeviceVerdict::NeedsRestart;
+    if (verdict > report.worst) {
+        report.worst = verdict;
+        report.problem = ProblemOf(state);
     }
 }
 } // namespace
 
-BoundDevicesReport AskBoundDevices(const char* hardwareId) noexcept
+BoundDevicesReport AskBoundDevices(const SetupApi& api, const char* hardwareId, bool updateNeedsRestart) noexcept
 {
-    const UniqueLibrary library = LoadSystemLibrary("cfgmgr32.dll");
-    const auto getStatus = library ? FindEntry<GetDevNodeStatusFn>(library.get(), "CM_Get_DevNode_Status") : nullptr;
-    DevicesWithId devices(hardwareId, Presence::PresentOnly);
+    const DeviceStates states;
+    DevicesWithId devices(api, hardwareId, Presence::PresentOnly);
     BoundDevicesReport report;
-    if (getStatus == nullptr || !devices.IsOpen()) {
-        report.worst = DeviceVerdict::Accepted;
+    if (!states.CanBeRead() || !devices.IsOpen()) {
+        const DeviceState unknown{.updateNeedsRestart = updateNeedsRestart};
+        Add(report, JudgeDevice(unknown), unknown);
         return report;
     }
     while (devices.Next()) {
-        DeviceState state;
-        const DeviceVerdict verdict = Ask(getStatus, devices.Device().DevInst, state);
-        report.restartNeeded = report.restartNeeded || verdict == DeviceVerdict::NeedsRestart;
-        if (verdict > report.worst) {
-            report.worst = verdict;
-            report.problem = ProblemOf(state);
-        }
+        DeviceState state{.updateNeedsRestart = updateNeedsRestart};
+        const DeviceVerdict verdict = states.Judge(devices.Device().DevInst, state);
+        Add(report, verdict, state);
     }
     return report;
 }

@@ -4,14 +4,18 @@
 
 #include "DeviceProblem.h"
 
-/// What the devices of a hardware ID say after a binding.
+class SetupApi;
+
+/// What the devices of a hardware ID report after a binding.
 struct BoundDevicesReport
 {
     DeviceVerdict worst = DeviceVerdict::Gone; ///< Gone also when no device has the ID
-    uint32_t problem = 0;                      ///< problem number of the device that gave the worst verdict
-    bool restartNeeded = false;                ///< one of the devices needs a restart, whatever the worst verdict is
+    uint32_t problem = 0;                      ///< problem number of the device with the worst verdict
+    bool restartNeeded = false;                ///< the verdict on one of the devices is NeedsRestart
 };
 
-/// Asks every present device of a hardware or compatible ID for its state. A state that cannot be asked for counts as
-/// accepted: the system said that it has bound the driver, and nothing contradicts it.
-[[nodiscard]] BoundDevicesReport AskBoundDevices(const char* hardwareId) noexcept;
+/// Asks every present device with a hardware or compatible ID for its state. A device whose state cannot be read counts
+/// as one without a problem: the system reported that it bound the driver, and nothing contradicts it.
+/// @param updateNeedsRestart  The driver update asked for a restart.
+[[nodiscard]] BoundDevicesReport AskBoundDevices(const SetupApi& api, const char* hardwareId,
+                                                 bool updateNeedsRestart) noexcept;

@@ -4,52 +4,53 @@
 
 #include "BoundDevices.h"
 #include "EntryPoints.h"
-#include "Inf.h"
+#include "FailureReason.h"
 #include "InstallOutcome.h"
 #include "NetInst.h"
 #include "NetInstTrace.h"
 #include "RemovedDevices.h"
 #include "RestartRecord.h"
 #include "ServedDevice.h"
+#include "SetupApi.h"
 #include "SystemLibrary.h"
 #include "WindowStation.h"
 
 static_assert(kStatusRefused == kNetInstRefused && kErrorNotThere == kNetInstNotThere);
 
 namespace {
-/// What the platform's driver update answered.
+/// What the platform's driver update returned.
 struct UpdateAnswer
 {
     uint32_t error = ERROR_SUCCESS;
-    bool restartWanted = false; ///< the platform could not stop the old driver
+    bool restartNeeded = false; ///< the platform could not stop the old driver
 };
 
-DWORD UpdateFlags() noexcept
+DWORD UpdateFlags(const SetupApi& api) noexcept
 {
-    const bool mayAsk = SetupGetNonInteractiveMode() == FALSE && WindowsAreSeen();
+    const bool mayAsk = api.getNonInteractiveMode() == FALSE && WindowsAreSeen();
     return mayAsk ? INSTALLFLAG_FORCE : INSTALLFLAG_FORCE | INSTALLFLAG_NONINTERACTIVE;
 }
 
-UpdateAnswer UpdateDevices(const char* hardwareId, const char* infPath) noexcept
+UpdateAnswer UpdateDevices(const SetupApi& api, const char* hardwareId, const char* infPath) noexcept
 {
-    if (const uint32_t error = CheckServedDevice(hardwareId, infPath); error != ERROR_SUCCESS) {
+    if (const uint32_t error = CheckServedDevice(api, hardwareId, infPath); error != ERROR_SUCCESS) {
         return {.error = error};
     }
     const UniqueLibrary library = LoadSystemLibrary("newdev.dll");
     const auto update =
         library ? FindEntry<UpdateDriverForPlugAndPlayDevicesFn>(library.get(), "UpdateDriverForPlugAndPlayDevicesA")
                 : nullptr;
-    BOOL restartWanted = FALSE;
-    if (update == nullptr || !update(nullptr, hardwareId, infPath, UpdateFlags(), &restartWanted)) {
+    BOOL restartNeeded = FALSE;
+    if (update == nullptr || !update(nullptr, hardwareId, infPath, UpdateFlags(api), &restartNeeded)) {
         return {.error = FailureReason()};
     }
-    return {.restartWanted = restartWanted != FALSE};
+    return {.restartNeeded = restartNeeded != FALSE};
 }
 
-void ReportRestart(const char* hardwareId, bool wantedByUpdate) noexcept
+void ReportRestart(const char* hardwareId, bool neededByUpdate) noexcept
 {
     const bool recorded = RecordRestartNeeded();
-    NetInstTrace("%s: restart needed, as the %s says%s\n", hardwareId, wantedByUpdate ? "driver update" : "device",
+    NetInstTrace("%s: restart needed, as the %s says%s\n", hardwareId, neededByUpdate ? "driver update" : "device",
                  recorded ? "" : "; this could not be recorded");
 }
 
@@ -59,23 +60,23 @@ BindingAnswer ReportRefusal(const char* hardwareId, uint32_t error) noexcept
     return {.status = StatusOf(InstallOutcome::Refused), .lastError = error};
 }
 
-BindingAnswer ReportAbsence(const char* hardwareId) noexcept
+BindingAnswer ReportAbsence(const SetupApi& api, const char* hardwareId) noexcept
 {
-    const unsigned marked = MarkForReinstallation(hardwareId);
+    const unsigned marked = MarkForReinstallation(api, hardwareId);
     NetInstTrace("%s: device not there, %u marked for re-installation\n", hardwareId, marked);
     return {.status = StatusOf(InstallOutcome::NotThere), .lastError = kErrorNotThere};
 }
 
-/// The platform has bound the driver; the devices say whether it runs.
-BindingAnswer ReportBinding(const char* hardwareId, bool restartWanted) noexcept
+/// The platform has bound the driver; the devices tell whether it runs.
+BindingAnswer ReportBinding(const SetupApi& api, const char* hardwareId, bool updateNeedsRestart) noexcept
 {
-    const BoundDevicesReport report = AskBoundDevices(hardwareId);
-    if (restartWanted || report.restartNeeded) {
-        ReportRestart(hardwareId, restartWanted);
+    const BoundDevicesReport report = AskBoundDevices(api, hardwareId, updateNeedsRestart);
+    if (report.restartNeeded) {
+        ReportRestart(hardwareId, updateNeedsRestart);
     }
     switch (report.worst) {
         case DeviceVerdict::Gone:
-            return ReportAbsence(hardwareId);
+            return ReportAbsence(api, hardwareId);
         case DeviceVerdict::Refused:
             NetInstTrace("%s: driver bound, but the device has problem code %u\n", hardwareId,
                          static_cast<unsigned>(report.problem));
@@ -90,14 +91,18 @@ BindingAnswer ReportBinding(const char* hardwareId, bool restartWanted) noexcept
 
 BindingAnswer BindDriver(const char* hardwareId, const char* infPath) noexcept
 {
-    const UpdateAnswer update = UpdateDevices(hardwareId, infPath);
+    const SetupApi api;
+    if (api.Error() != ERROR_SUCCESS) {
+        return ReportRefusal(hardwareId, api.Error());
+    }
+    const UpdateAnswer update = UpdateDevices(api, hardwareId, infPath);
     switch (OutcomeOf(update.error)) {
         case InstallOutcome::NotThere:
-            return ReportAbsence(hardwareId);
+            return ReportAbsence(api, hardwareId);
         case InstallOutcome::Refused:
             return ReportRefusal(hardwareId, update.error);
         case InstallOutcome::Bound:
             break;
     }
-    return ReportBinding(hardwareId, update.restartWanted);
+    return ReportBinding(api, hardwareId, update.restartNeeded);
 }

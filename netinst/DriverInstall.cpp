@@ -26,7 +26,7 @@ public:
         const FieldText infPath = ReadField(record, kInfPathField);
         const FieldText hardwareId = ReadField(record, kHardwareIdField);
         const BindingAnswer answer = BindDriver(hardwareId.data(), infPath.data());
-        // The caller reads the last error beside the status, and takes 0 for "nothing went wrong on the way".
+        // The caller also reads the last error and takes 0 to mean that nothing failed on the way.
         SetLastError(answer.lastError);
         return answer.status;
     }

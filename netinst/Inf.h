@@ -1,19 +1,21 @@
 #pragma once
 
-#include <windows.h>
-// setupapi.h needs windows.h first.
-#include <setupapi.h>
+#include "SetupApi.h"
 
 /// Owns an INF file opened by the platform's set-up functions.
 class Inf
 {
 public:
-    /// Opens an INF in the form of 1995 and later. On failure the last error says why.
-    explicit Inf(const char* path) noexcept : m_inf(SetupOpenInfFileA(path, nullptr, INF_STYLE_WIN4, nullptr)) {}
+    /// Opens an INF in the format that Windows 95 introduced. On failure the last error says why.
+    /// @param api  Must outlive the object.
+    Inf(const SetupApi& api, const char* path) noexcept
+        : m_api(api), m_inf(api.openInfFile(path, nullptr, INF_STYLE_WIN4, nullptr))
+    {
+    }
     ~Inf()
     {
         if (IsOpen()) {
-            SetupCloseInfFile(m_inf);
+            m_api.closeInfFile(m_inf);
         }
     }
     Inf(const Inf&) = delete;
@@ -21,14 +23,9 @@ public:
 
     [[nodiscard]] bool IsOpen() const noexcept { return m_inf != INVALID_HANDLE_VALUE; }
     [[nodiscard]] HINF Get() const noexcept { return m_inf; }
+    [[nodiscard]] const SetupApi& Api() const noexcept { return m_api; }
 
 private:
+    const SetupApi& m_api;
     HINF m_inf;
 };
-
-/// The reason of a call that failed, for callers that take 0 as success.
-[[nodiscard]] inline DWORD FailureReason() noexcept
-{
-    const DWORD error = GetLastError();
-    return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
-}

@@ -7,10 +7,9 @@
 #include "DriverInstall.h"
 #include "SysProber.h"
 
-/// Hands out the class factory called `factoryName` (exact spelling) with one reference.
+/// Returns the class factory named `factoryName` (exact spelling) with one reference.
 /// @param factory  Receives the factory; null on every failure.
-/// @return 0; 0x80004003 for a null argument, 0x80040111 for a name that this library does not know, 0x8007000E when
-///         memory ran out.
+/// @return 0; 0x80004003 for a null argument, 0x80040111 for an unknown name, 0x8007000E when out of memory.
 extern "C" int32_t __stdcall DllGetClassFactoryObject(const char* factoryName, void** factory)
 {
     if (factory == nullptr) {

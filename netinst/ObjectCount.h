@@ -3,11 +3,11 @@
 #include <atomic>
 #include <cstdint>
 
-/// The references to one object of this library. A new object has one, its creator's.
+/// The reference count of an object of this library. A new object has one reference, its creator's.
 class ObjectCount
 {
 public:
-    /// @return the number of references after this one came.
+    /// @return the number of references, the new one included.
     int32_t Add() noexcept { return ++m_references; }
     /// @return the number of references left; at 0 the caller deletes the object.
     int32_t Drop() noexcept { return --m_references; }
@@ -16,12 +16,12 @@ private:
     std::atomic<int32_t> m_references{1};
 };
 
-/// An object of this library behind one of its interfaces: lives until its last reference is released.
+/// Implements the lifetime of an object with one of the interfaces: it lives until its last reference is released.
 template <class Object, class Interface>
 class Counted : public Interface
 {
 public:
-    /// @return the number of references left; at 0 the object is gone.
+    /// @return the number of references left; at 0 the object was deleted.
     int32_t __stdcall Release() override
     {
         const int32_t left = m_count.Drop();
@@ -35,7 +35,7 @@ protected:
     Counted() = default;
     ~Counted() = default;
 
-    /// @return the number of references after this one came.
+    /// @return the number of references, the new one included.
     int32_t AddReference() noexcept { return m_count.Add(); }
 
 private:

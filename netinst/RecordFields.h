@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
-/// The fields of the caller's install record that this library reads and writes. The record is 1280 bytes, handed over
-/// by address; these positions are the interface, so they are written down here and not taken from the caller's
+/// The fields of the caller's install record that this library reads and writes. The record has 1280 bytes and is
+/// passed by address. These positions are the interface, so they are defined here and not taken from the caller's
 /// headers.
 inline constexpr std::size_t kRecordBytes = 1280;
 
@@ -19,7 +19,7 @@ inline constexpr RecordField kInfPathField{204, 256};
 inline constexpr RecordField kHardwareIdField{716, 300};
 static_assert(kHardwareIdField.offset + kHardwareIdField.bytes <= kRecordBytes);
 
-/// A field's text with a terminator of its own: a caller's field that is full to its last byte has none.
+/// A field's text, always terminated: a caller's field that is full to its last byte has no terminator.
 using FieldText = std::array<char, kHardwareIdField.bytes + 1>;
 static_assert(kInfPathField.bytes < std::tuple_size_v<FieldText>);
 
@@ -28,6 +28,6 @@ static_assert(kInfPathField.bytes < std::tuple_size_v<FieldText>);
 /// @return the text up to its terminator or the end of its field, terminated.
 [[nodiscard]] FieldText ReadField(const void* record, RecordField field) noexcept;
 
-/// Clears `field` of `record` and writes `text` into it, cut so that a terminator always fits.
+/// Clears `field` of `record` and writes `text` into it, truncated so that a terminator always fits.
 /// @param record  1280 bytes.
 void WriteField(void* record, RecordField field, std::string_view text) noexcept;

@@ -1,6 +1,9 @@
 #pragma once
 
-/// Marks every known device of a hardware or compatible ID for re-installation: the system then chooses its driver anew
-/// when the device is back, and finds the newer one in its store.
+class SetupApi;
+
+/// Marks every device with a hardware or compatible ID that is known but not present for re-installation: when such a
+/// device is back, the system chooses its driver anew and finds the newer one in its store. A present device is not
+/// marked, whatever its state: it would be reinstalled at the next start without need.
 /// @return how many devices were marked.
-unsigned MarkForReinstallation(const char* hardwareId) noexcept;
+unsigned MarkForReinstallation(const SetupApi& api, const char* hardwareId) noexcept;

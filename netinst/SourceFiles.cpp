@@ -18,37 +18,40 @@ struct SourcePlace
 {
     PathBuffer diskPath{};  ///< directory of the disk, relative to the INF's
     PathBuffer filePath{};  ///< directory on the disk
-    bool looseFile = false; ///< the disk has no tag file or cabinet
+    bool looseFile = false; ///< the disk has no cabinet or tag file
 };
 
-/// Field `number` of a line, empty when the line has none.
-bool FieldOf(INFCONTEXT& line, DWORD number, PathBuffer& text) noexcept
+/// Reads field `number` of a line into `text`, which is empty when the line has no such field.
+/// @return true when it is not empty.
+bool FieldOf(const SetupApi& api, INFCONTEXT& line, DWORD number, PathBuffer& text) noexcept
 {
     text[0] = '\0';
-    return SetupGetStringFieldA(&line, number, text, MAX_PATH, nullptr) && text[0] != '\0';
+    return api.getStringField(&line, number, text, MAX_PATH, nullptr) && text[0] != '\0';
 }
 
-bool FindSourcePlace(HINF inf, const char* file, SourcePlace& place) noexcept
+bool FindSourcePlace(const Inf& inf, const char* file, SourcePlace& place) noexcept
 {
-    // The platform's own look-up of this line answers the disk's directory in place of the file's on some systems.
+    const SetupApi& api = inf.Api();
+    // On some systems the platform's own look-up of this line returns the disk's directory instead of the file's.
     INFCONTEXT line{};
     INT disk = 0;
-    if ((!SetupFindFirstLineA(inf, "SourceDisksFiles.amd64", file, &line) &&
-         !SetupFindFirstLineA(inf, "SourceDisksFiles", file, &line)) ||
-        !SetupGetIntField(&line, 1, &disk)) {
+    if ((!api.findFirstLine(inf.Get(), "SourceDisksFiles.amd64", file, &line) &&
+         !api.findFirstLine(inf.Get(), "SourceDisksFiles", file, &line)) ||
+        !api.getIntField(&line, 1, &disk)) {
         return false;
     }
-    FieldOf(line, 2, place.filePath);
+    FieldOf(api, line, 2, place.filePath);
     const auto diskNumber = static_cast<UINT>(disk);
-    if (!SetupGetSourceInfoA(inf, diskNumber, SRCINFO_PATH, place.diskPath, MAX_PATH, nullptr)) {
+    if (!api.getSourceInfo(inf.Get(), diskNumber, SRCINFO_PATH, place.diskPath, MAX_PATH, nullptr)) {
         place.diskPath[0] = '\0';
     }
     PathBuffer tag{};
-    place.looseFile = !SetupGetSourceInfoA(inf, diskNumber, SRCINFO_TAGFILE, tag, MAX_PATH, nullptr) || tag[0] == '\0';
+    place.looseFile =
+        !api.getSourceInfo(inf.Get(), diskNumber, SRCINFO_TAGFILE, tag, MAX_PATH, nullptr) || tag[0] == '\0';
     return true;
 }
 
-/// Appends a backslash and `part` to `path`, unless `part` is empty or nothing but a backslash.
+/// Appends a backslash and `part` to `path`, unless `part` is empty or consists of backslashes only.
 void AppendPart(char* path, std::size_t bytes, const char* part) noexcept
 {
     while (*part == '\\') {
@@ -61,14 +64,14 @@ void AppendPart(char* path, std::size_t bytes, const char* part) noexcept
     }
 }
 
-/// @return true when `file` is where the INF says, or where this library does not look.
-bool IsPresent(HINF inf, const char* infDirectory, const char* file) noexcept
+/// @return true when `file` is where the INF says, or in a place that is not checked.
+bool IsPresent(const Inf& inf, const char* infDirectory, const char* file) noexcept
 {
     SourcePlace place;
     if (!FindSourcePlace(inf, file, place) || !place.looseFile) {
         return true;
     }
-    // Room for all four parts; a path that is longer than the platform allows is simply not found.
+    // Large enough for all four parts; a path that is longer than the platform allows is not found.
     char path[5 * MAX_PATH] = {};
     std::snprintf(path, sizeof(path), "%s", infDirectory);
     AppendPart(path, sizeof(path), place.diskPath);
@@ -77,19 +80,20 @@ bool IsPresent(HINF inf, const char* infDirectory, const char* file) noexcept
     if (Exists(path)) {
         return true;
     }
-    // A compressed file has an underscore for its name's last character.
+    // The name of a compressed file ends with an underscore in place of its last character.
     path[std::strlen(path) - 1] = '_';
     return Exists(path);
 }
 
-bool SectionIsComplete(HINF inf, const char* infDirectory, const char* copySection) noexcept
+bool SectionIsComplete(const Inf& inf, const char* infDirectory, const char* copySection) noexcept
 {
+    const SetupApi& api = inf.Api();
     INFCONTEXT line{};
-    for (BOOL more = SetupFindFirstLineA(inf, copySection, nullptr, &line); more;
-         more = SetupFindNextLine(&line, &line)) {
+    for (BOOL more = api.findFirstLine(inf.Get(), copySection, nullptr, &line); more;
+         more = api.findNextLine(&line, &line)) {
         PathBuffer name;
-        // The second field is the name at the source, where it differs from the one on the system.
-        if ((FieldOf(line, 2, name) || FieldOf(line, 1, name)) && !IsPresent(inf, infDirectory, name)) {
+        // The second field is the name in the kit, if it differs from the name on the system.
+        if ((FieldOf(api, line, 2, name) || FieldOf(api, line, 1, name)) && !IsPresent(inf, infDirectory, name)) {
             return false;
         }
     }
@@ -97,12 +101,12 @@ bool SectionIsComplete(HINF inf, const char* infDirectory, const char* copySecti
 }
 
 /// Checks every section and file of one CopyFiles line.
-bool CopyLineIsComplete(HINF inf, const char* infDirectory, INFCONTEXT& line) noexcept
+bool CopyLineIsComplete(const Inf& inf, const char* infDirectory, INFCONTEXT& line) noexcept
 {
-    const DWORD fields = SetupGetFieldCount(&line);
+    const DWORD fields = inf.Api().getFieldCount(&line);
     for (DWORD field = 1; field <= fields; ++field) {
         PathBuffer entry;
-        if (!FieldOf(line, field, entry)) {
+        if (!FieldOf(inf.Api(), line, field, entry)) {
             continue;
         }
         const bool complete =
@@ -115,9 +119,9 @@ bool CopyLineIsComplete(HINF inf, const char* infDirectory, INFCONTEXT& line) no
 }
 } // namespace
 
-uint32_t CheckSourceFiles(const char* infPath, const char* installSection) noexcept
+uint32_t CheckSourceFiles(const SetupApi& api, const char* infPath, const char* installSection) noexcept
 {
-    const Inf inf(infPath);
+    const Inf inf(api, infPath);
     if (!inf.IsOpen()) {
         return FailureReason();
     }
@@ -125,14 +129,14 @@ uint32_t CheckSourceFiles(const char* infPath, const char* installSection) noexc
     char* name = nullptr;
     PathBuffer section{};
     if (GetFullPathNameA(infPath, MAX_PATH, directory, &name) >= MAX_PATH || name == nullptr ||
-        !SetupDiGetActualSectionToInstallA(inf.Get(), installSection, section, MAX_PATH, nullptr, nullptr)) {
+        !api.getActualSectionToInstall(inf.Get(), installSection, section, MAX_PATH, nullptr, nullptr)) {
         return FailureReason();
     }
     *name = '\0';
     INFCONTEXT line{};
-    for (BOOL more = SetupFindFirstLineA(inf.Get(), section, "CopyFiles", &line); more;
-         more = SetupFindNextMatchLineA(&line, "CopyFiles", &line)) {
-        if (!CopyLineIsComplete(inf.Get(), directory, line)) {
+    for (BOOL more = api.findFirstLine(inf.Get(), section, "CopyFiles", &line); more;
+         more = api.findNextMatchLine(&line, "CopyFiles", &line)) {
+        if (!CopyLineIsComplete(inf, directory, line)) {
             return ERROR_FILE_NOT_FOUND;
         }
     }

@@ -29,7 +29,7 @@ public:
         if (record == nullptr) {
             return static_cast<uint32_t>(E_POINTER);
         }
-        // A run begins here: what an earlier one recorded is no longer true of it.
+        // A new run begins: the record of an earlier one does not apply to it.
         ForgetRestartNeeded();
         const SystemFamily family = FamilyOfThisSystem();
         WriteField(record, kFamilyField, family.name);

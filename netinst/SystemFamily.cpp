@@ -9,7 +9,7 @@ SystemFamily FamilyOfWindows9x(uint32_t major, uint32_t minor) noexcept
         return {"Windows 98", kServed};
     }
     if (major == 4 && minor == 90) {
-        // The spelling is the family's name.
+        // The misspelling is the family's name.
         return {"Windows Millenium", kServed};
     }
     return {};
@@ -18,11 +18,11 @@ SystemFamily FamilyOfWindows9x(uint32_t major, uint32_t minor) noexcept
 SystemFamily FamilyOfWindowsNT(uint32_t major, uint32_t minor) noexcept
 {
     if (major < 5) {
-        // The name tells the caller which of its two refusals to show.
+        // From the name the caller chooses which of its two refusals to show.
         return {"Windows NT", kStatusSystemNotServed};
     }
     if (major > 5) {
-        // Every system since 6.0 binds drivers alike, whatever it calls itself.
+        // Every system since 6.0 binds drivers the same way, whatever its version.
         return {"Windows Vista", kServed};
     }
     switch (minor) {

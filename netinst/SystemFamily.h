@@ -3,18 +3,18 @@
 #include <cstdint>
 #include <string_view>
 
-/// Status of a system that cannot be served.
+/// Status of an unsupported system.
 inline constexpr uint32_t kStatusSystemNotServed = 0x80640013;
 
 /// Platform identifiers of the version record (VER_PLATFORM_... of winnt.h).
 inline constexpr uint32_t kPlatformWindows9x = 1;
 inline constexpr uint32_t kPlatformWindowsNT = 2;
 
-/// What the prober says about a system.
+/// How the prober classifies a system.
 struct SystemFamily
 {
-    std::string_view name;                    ///< family name for the record, empty when the system has none
-    uint32_t status = kStatusSystemNotServed; ///< 0 when the family is served
+    std::string_view name;                    ///< family name for the record, empty when it has none
+    uint32_t status = kStatusSystemNotServed; ///< 0 when the family is supported
 };
 
 /// Names the family of a system.

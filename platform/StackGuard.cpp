@@ -4,9 +4,10 @@
 
 #include <cstdint>
 
-// What functions with a guarded stack frame need: a value that nobody can guess, and an end for a program whose frame
-// was overwritten. The compiler's own library gets its value through a cryptographic provider, which takes a fifth of a
-// silent run's start; the system's generator behind it answers at once. The names are the compiler's.
+// Support for functions with a guarded stack frame: a value that cannot be guessed, and the end of a program whose
+// frame was overwritten. The compiler's own library gets its value through a cryptographic provider, which takes a
+// fifth of a silent run's start; the system's generator that the provider uses answers at once. The names are the
+// compiler's.
 
 namespace {
 constexpr DWORD kStackBufferOverrun = 0xC0000409;
@@ -20,7 +21,7 @@ uintptr_t __stack_chk_guard = 0xB5402A2A6AB500;
 // NOLINTNEXTLINE(clang-diagnostic-reserved-identifier)
 [[noreturn]] void __stack_chk_fail()
 {
-    // Nothing of this process can be trusted any more: no handler, no destructor, no trace.
+    // Nothing in this process can be trusted any more: no handler, destructor or trace runs.
     TerminateProcess(GetCurrentProcess(), kStackBufferOverrun);
     __builtin_trap();
 }

@@ -21,10 +21,21 @@ UniqueLibrary LoadSystemLibrary(const char* fileName) noexcept
     return UniqueLibrary(LoadLibraryExA(path.data(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 
+UniqueLibrary LoadSideBySideLibrary(const char* fileName) noexcept
+{
+    ACTCTX_SECTION_KEYED_DATA redirection{};
+    redirection.cbSize = sizeof(redirection);
+    if (FindActCtxSectionStringA(0, nullptr, ACTIVATION_CONTEXT_SECTION_DLL_REDIRECTION, fileName, &redirection) ==
+        FALSE) {
+        return LoadSystemLibrary(fileName);
+    }
+    return UniqueLibrary(LoadLibraryA(fileName));
+}
+
 void TakeCurrentDirectoryOutOfLibrarySearch() noexcept
 {
     std::array<char, MAX_PATH> directory{};
     const UINT chars = GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size()));
-    // A named directory takes the current one's place in the search; the system's is searched anyway.
+    // A named directory replaces the current one in the search; the system's is searched anyway.
     SetDllDirectoryA(chars < directory.size() ? directory.data() : "");
 }

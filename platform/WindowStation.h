@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/// Whether a window of a process can be seen. Services see and show nothing, and since Windows Vista (6.0) nobody is
+/// Whether a window of a process can be seen. Services have no visible windows, and since Windows Vista (6.0) nobody is
 /// logged on to session 0, whatever its window station says.
 /// @param stationIsVisible  The process's window station has a display.
 /// @param session           Number of the session in which the process runs.
@@ -12,6 +12,6 @@ constexpr bool WindowsAreSeenIn(bool stationIsVisible, uint32_t session, uint32_
     return stationIsVisible && (session != 0 || majorVersion < 6);
 }
 
-/// Whether anybody can see, and so answer, a window of this process. What cannot be found out counts as no: a question
-/// that fails can be looked up, one that waits in an unseen window cannot.
+/// Whether anybody can see, and so answer, a window of this process. When this cannot be determined the answer is no: a
+/// question that fails can be looked up afterwards, one that waits in an unseen window cannot.
 [[nodiscard]] bool WindowsAreSeen() noexcept;

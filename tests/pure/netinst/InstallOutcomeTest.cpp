@@ -37,20 +37,20 @@ constexpr ErrorRow kErrors[] = {
     {1223, InstallOutcome::Refused, "cancelled by the user"},
     {0xE0000207, InstallOutcome::Refused, "device exists already"},
     {0xE0000235, InstallOutcome::Refused, "32-bit process on a 64-bit system"},
-    {0xE000020C, InstallOutcome::Refused, "next to the one that is no refusal"},
-    {0xE000020A, InstallOutcome::Refused, "next to the one that is no refusal"},
+    {0xE000020C, InstallOutcome::Refused, "next to the one that is not a refusal"},
+    {0xE000020A, InstallOutcome::Refused, "next to the one that is not a refusal"},
     {0x20B, InstallOutcome::Refused, "the same digits without the top bits"},
 };
 } // namespace
 
-TEST(InstallOutcome, EveryErrorIsARefusalButTheOneThatThereIsNoDevice)
+TEST(InstallOutcome, EveryErrorIsARefusalExceptThatThereIsNoSuchDevice)
 {
     for (const ErrorRow& row : kErrors) {
         EXPECT_EQ(OutcomeOf(row.error), row.outcome) << row.meaning;
     }
 }
 
-TEST(InstallOutcome, ARefusalHasOneStatusWhateverTheReason)
+TEST(InstallOutcome, EveryRefusalHasTheSameStatus)
 {
     EXPECT_EQ(StatusOf(InstallOutcome::Bound), 0);
     EXPECT_EQ(StatusOf(InstallOutcome::Refused), static_cast<int32_t>(0xE0000207));

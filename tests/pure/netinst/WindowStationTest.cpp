@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
-TEST(WindowStation, OnlyAVisibleStationShowsWindows)
+TEST(WindowStation, WindowsAreSeenOnAVisibleStationOnly)
 {
     EXPECT_TRUE(WindowsAreSeenIn(true, 1, 6));
     EXPECT_FALSE(WindowsAreSeenIn(false, 1, 6));
     EXPECT_FALSE(WindowsAreSeenIn(false, 0, 5));
 }
 
-TEST(WindowStation, NobodyIsLoggedOnToSession0SinceWindowsVista)
+TEST(WindowStation, WindowsOfSession0AreNotSeenSinceWindowsVista)
 {
-    EXPECT_TRUE(WindowsAreSeenIn(true, 0, 5)) << "the console's session before";
+    EXPECT_TRUE(WindowsAreSeenIn(true, 0, 5)) << "before Windows Vista it was the console's session";
     EXPECT_FALSE(WindowsAreSeenIn(true, 0, 6));
     EXPECT_FALSE(WindowsAreSeenIn(true, 0, 10));
     EXPECT_TRUE(WindowsAreSeenIn(true, 2, 10));

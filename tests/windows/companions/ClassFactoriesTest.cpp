@@ -26,7 +26,7 @@ std::size_t AllocatedBlocks()
 }
 } // namespace
 
-TEST(ClassFactories, BothNamesGiveAFactory)
+TEST(ClassFactories, BothNamesReturnAFactory)
 {
     const NetInstLibrary library;
     const auto [proberStatus, prober] = library.AskForFactory("ISysProberInterfaceFactory");
@@ -39,7 +39,7 @@ TEST(ClassFactories, BothNamesGiveAFactory)
     EXPECT_EQ(static_cast<IDriverInstallInterfaceFactory*>(install)->Release(), 0);
 }
 
-TEST(ClassFactories, UnknownNamesAnswerAnErrorAndNoFactory)
+TEST(ClassFactories, UnknownNamesFailWithoutAFactory)
 {
     const NetInstLibrary library;
     for (const char* name :
@@ -51,7 +51,7 @@ TEST(ClassFactories, UnknownNamesAnswerAnErrorAndNoFactory)
     }
 }
 
-TEST(ClassFactories, NullArgumentsAnswerAnError)
+TEST(ClassFactories, NullArgumentsFail)
 {
     const NetInstLibrary library;
     const auto [status, factory] = library.AskForFactory(nullptr);
@@ -61,7 +61,7 @@ TEST(ClassFactories, NullArgumentsAnswerAnError)
     EXPECT_EQ(library.EntryPoint()(nullptr, nullptr), kPointerError);
 }
 
-TEST(ClassFactories, CreatingIntoNothingAnswersAnError)
+TEST(ClassFactories, CreatingWithoutAnOutputPointerFails)
 {
     const NetInstLibrary library;
     void* made = nullptr;

@@ -4,7 +4,7 @@
 
 #include "NetInstClient.h"
 
-// The suite starts itself again to see the libraries on other systems; everything else is an ordinary test program.
+// The suite starts itself again to test the libraries on other systems; apart from that it is an ordinary test program.
 int main(int argc, char** argv)
 {
     if (argc == 3 && std::strcmp(argv[1], kTaskArgument) == 0) {

@@ -1,11 +1,14 @@
-// What NetInst.dll, as it was built, makes of the system's answers. The system's driver update and its configuration
-// manager are doubles, since the ones at hand refuse nothing and know no device problems.
+// How NetInst.dll, as it was built, reports the system's answers. The system's driver update and its configuration
+// manager are doubles, since those of the test environment refuse nothing and report no device problems.
 
 #include <gmock/gmock.h>
 #include <windows.h>
 // The headers below need windows.h first.
 #include <newdev.h>
 #include <setupapi.h>
+
+#include <bit>
+#include <string_view>
 
 #include "CompanionFiles.h"
 #include "DebugOutput.h"
@@ -16,22 +19,73 @@
 #include "WindowStations.h"
 
 namespace {
+using testing::AllOf;
 using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing::StartsWith;
 
 constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_0C0F5D1A&REV_07";
+// The simulated adapter's, and that of a second card of the same kind.
+constexpr char kInstance[] = "3&267a616a&0&C8";
+constexpr char kSecondInstance[] = "3&267a616a&0&D0";
 constexpr char kConfigurationManager[] = "cfgmgr32.dll";
 constexpr char kDriverUpdate[] = "newdev.dll";
+constexpr char kSetupFunctions[] = "setupapi.dll";
 constexpr auto kRefused = static_cast<int32_t>(0xE0000207);
 constexpr auto kNotThere = static_cast<int32_t>(0xE000020B);
 
-// A system that lists only devices that are not there: present ones are asked for and none comes.
-HDEVINFO WINAPI ListNoPresentDevice(const GUID* classGuid, PCSTR enumerator, HWND parent, DWORD flags)
+// The only device that the system lists as present; empty for none.
+std::string presentInstance;
+
+HDEVINFO WINAPI ListPresentInstance(const GUID* classGuid, PCSTR enumerator, HWND parent, DWORD flags)
 {
-    return (flags & DIGCF_PRESENT) != 0 ? SetupDiCreateDeviceInfoList(nullptr, nullptr)
-                                        : SetupDiGetClassDevsA(classGuid, enumerator, parent, flags);
+    if ((flags & DIGCF_PRESENT) == 0) {
+        return SetupDiGetClassDevsA(classGuid, enumerator, parent, flags);
+    }
+    const HDEVINFO devices = SetupDiCreateDeviceInfoList(nullptr, nullptr);
+    if (!presentInstance.empty()) {
+        SetupDiOpenDeviceInfoA(devices, presentInstance.c_str(), nullptr, 0, nullptr);
+    }
+    return devices;
+}
+
+FARPROC WINAPI FindEntryOrListPresentInstance(HMODULE library, LPCSTR name)
+{
+    return std::string_view(name) == "SetupDiGetClassDevsA" ? std::bit_cast<FARPROC>(&ListPresentInstance)
+                                                            : GetProcAddress(library, name);
+}
+
+// A library of set-up functions that lacks one.
+FARPROC WINAPI FindAllEntriesButOne(HMODULE library, LPCSTR name)
+{
+    return GetProcAddress(library, std::string_view(name) == "SetupDiGetClassDevsA" ? "NoSuchFunction" : name);
+}
+
+/// Makes the system list no device as present, or one, for the life of the object.
+class PresentDevices
+{
+public:
+    explicit PresentDevices(HMODULE caller, const std::string& instance = {})
+        : m_override("GetProcAddress", reinterpret_cast<void*>(&FindEntryOrListPresentInstance), caller)
+    {
+        presentInstance = instance;
+    }
+
+private:
+    const ImportOverride m_override;
+};
+
+std::string InstanceId(const std::string& instance)
+{
+    return std::string(R"(PCI\)") + kDevice + "\\" + instance;
+}
+
+std::string InstanceKey(const std::string& instance)
+{
+    return R"(SYSTEM\CurrentControlSet\Enum\)" + InstanceId(instance);
 }
 
 std::string NumberOf(const std::string& key, const std::string& name)
@@ -57,7 +111,7 @@ protected:
 
     [[nodiscard]] InstallAnswer Install() const
     {
-        // An error of an earlier call must not show through.
+        // The error of an earlier call must not be reported.
         return m_library.Install(KitFile("Drv\\Win7x64\\ngea62x64.inf"), m_adapter.HardwareId(), ERROR_ACCESS_DENIED);
     }
     void ExpectSuccess() const
@@ -88,6 +142,11 @@ protected:
         m_doubles.Answer(kConfigurationManager, "Status" + call, "0x400");
         m_doubles.Answer(kConfigurationManager, "Problem" + call, std::to_string(problem));
     }
+    void AddSecondCard() const
+    {
+        SetRegistryList(InstanceKey(kSecondInstance), "HardwareID", {m_adapter.HardwareId()});
+        SetRegistryText(InstanceKey(kSecondInstance), "ClassGUID", "{4D36E972-E325-11CE-BFC1-08002BE10318}");
+    }
     [[nodiscard]] std::string UpdateCall(unsigned flags) const
     {
         return "UpdateDriverForPlugAndPlayDevicesA parent=none id=[" + m_adapter.HardwareId() + "] inf=[" +
@@ -102,7 +161,7 @@ protected:
     DebugOutput m_output;
 };
 
-/// This process's set-up functions ask nothing for the life of the object.
+/// Makes this process's set-up functions non-interactive for the life of the object.
 class NonInteractiveMode
 {
 public:
@@ -112,7 +171,7 @@ public:
     NonInteractiveMode& operator=(const NonInteractiveMode&) = delete;
 };
 
-TEST_F(DriverBinding, EveryRefusalOfTheSystemIsTheOneStatusWithTheSystemsCode)
+TEST_F(DriverBinding, EveryRefusalHasTheSameStatusAndTheSystemsCode)
 {
     for (const char* error : {"0xE000022F", "0xE000023F", "0xE0000240", "0xE0000241", "0xE0000242", "0xE0000243",
                               "0xE0000244", "0xE0000228", "0xE0000235", "0x800B0109", "2", "5", "259", "1223"}) {
@@ -136,6 +195,18 @@ TEST_F(DriverBinding, ASystemWithoutDriverUpdateRefusesEveryDriver)
     ExpectRefusal(ERROR_MOD_NOT_FOUND);
 }
 
+TEST_F(DriverBinding, ASystemWithoutTheSetUpFunctionsRefusesEveryDriver)
+{
+    {
+        const ImportOverride incomplete("GetProcAddress", reinterpret_cast<void*>(&FindAllEntriesButOne),
+                                        m_library.Module());
+        ExpectRefusal(ERROR_PROC_NOT_FOUND);
+    }
+    m_doubles.Lack(kSetupFunctions);
+    ExpectRefusal(ERROR_MOD_NOT_FOUND);
+    EXPECT_THAT(m_doubles.Journal(), IsEmpty());
+}
+
 TEST_F(DriverBinding, ADriverThatIsBoundAndDoesNotRunIsRefused)
 {
     for (const unsigned problem : {52U, 39U, 10U, 28U}) {
@@ -147,27 +218,23 @@ TEST_F(DriverBinding, ADriverThatIsBoundAndDoesNotRunIsRefused)
     }
 }
 
-TEST_F(DriverBinding, AProblemThatTheDriverHasNothingToDoWithIsNoRefusal)
+TEST_F(DriverBinding, AProblemThatTheDriverDidNotCauseIsNotARefusal)
 {
     HaveProblem(22);
     ExpectSuccess();
     EXPECT_THAT(Traced(), IsEmpty());
 }
 
-TEST_F(DriverBinding, OneOfTwoDevicesWithAProblemMakesARefusal)
+TEST_F(DriverBinding, AProblemOfOneOfTwoDevicesIsARefusal)
 {
-    // The instance of the adapter, and a second card of the same kind.
-    SetRegistryList(R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&D0)",
-                    "HardwareID", {m_adapter.HardwareId()});
-    SetRegistryText(R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&D0)", "ClassGUID",
-                    "{4D36E972-E325-11CE-BFC1-08002BE10318}");
+    AddSecondCard();
     HaveProblem(14, "1");
     HaveProblem(39, "2");
     ExpectRefusal(0x20000027);
-    EXPECT_EQ(RestartRecord(), "1") << "the other one needs its restart nevertheless";
+    EXPECT_EQ(RestartRecord(), "1") << "the other device still needs its restart";
 }
 
-TEST_F(DriverBinding, AStateThatCannotBeAskedForIsNoRefusal)
+TEST_F(DriverBinding, AStateThatCannotBeReadIsNotARefusal)
 {
     HaveProblem(52);
     constexpr char kNotImplemented[] = "0x20";
@@ -177,7 +244,7 @@ TEST_F(DriverBinding, AStateThatCannotBeAskedForIsNoRefusal)
     ExpectSuccess();
 }
 
-TEST_F(DriverBinding, ARestartThatTheDeviceNeedsIsRecordedAndIsNoFailure)
+TEST_F(DriverBinding, ARestartThatTheDeviceNeedsIsRecordedAndIsNotAFailure)
 {
     HaveProblem(14);
     ExpectSuccess();
@@ -185,12 +252,43 @@ TEST_F(DriverBinding, ARestartThatTheDeviceNeedsIsRecordedAndIsNoFailure)
     EXPECT_THAT(Traced(), ElementsAre(Line("restart needed, as the device says")));
 }
 
-TEST_F(DriverBinding, ARestartThatTheUpdateAsksForIsRecordedAndIsNoFailure)
+TEST_F(DriverBinding, ARestartThatTheUpdateAsksForIsRecordedAndIsNotAFailure)
 {
     m_doubles.Answer(kDriverUpdate, "Restart", "1");
     ExpectSuccess();
     EXPECT_EQ(RestartRecord(), "1");
     EXPECT_THAT(Traced(), ElementsAre(Line("restart needed, as the driver update says")));
+}
+
+TEST_F(DriverBinding, ARestartThatTheUpdateAsksForIsRecordedWhenNoStateCanBeRead)
+{
+    m_doubles.Answer(kDriverUpdate, "Restart", "1");
+    m_doubles.Lack(kConfigurationManager);
+    ExpectSuccess();
+    EXPECT_EQ(RestartRecord(), "1");
+}
+
+TEST_F(DriverBinding, ADriverThatDoesNotStartBeforeThePendingRestartIsNotRefused)
+{
+    m_doubles.Answer(kDriverUpdate, "Restart", "1");
+    for (const unsigned problem : {10U, 31U, 39U}) {
+        SCOPED_TRACE(problem);
+        HaveProblem(problem);
+        ExpectSuccess();
+        EXPECT_EQ(RestartRecord(), "1");
+        DeleteRegistryTree(m_record.Path());
+    }
+    EXPECT_THAT(Traced(), AllOf(SizeIs(3), Each(Line("restart needed, as the driver update says"))));
+}
+
+TEST_F(DriverBinding, ARefusedDriverNeedsNoRestartEvenWhenTheUpdateAsksForOne)
+{
+    m_doubles.Answer(kDriverUpdate, "Restart", "1");
+    HaveProblem(52);
+    ExpectRefusal(0x20000034);
+    EXPECT_EQ(RestartRecord(), "<none>");
+    EXPECT_THAT(Traced(), ElementsAre(Line("driver bound, but the device has problem code 52"),
+                                      Line("driver refused, error 20000034")));
 }
 
 TEST_F(DriverBinding, ABindingWithoutAProblemRecordsAndTracesNothing)
@@ -221,51 +319,66 @@ TEST_F(DriverBinding, NothingIsTracedWhileTheTraceIsOff)
     EXPECT_THAT(Traced(), IsEmpty());
 }
 
-TEST_F(DriverBinding, ARemovedCardIsMarkedForReinstallationAndIsNoRefusal)
+TEST_F(DriverBinding, ARemovedCardIsMarkedForReinstallationAndIsNotARefusal)
 {
-    const std::string instance = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&C8)";
-    SetRegistryNumber(instance, "ConfigFlags", 0x4);
-    const ImportOverride devices("SetupDiGetClassDevsA", reinterpret_cast<void*>(&ListNoPresentDevice),
-                                 m_library.Module());
+    SetRegistryNumber(InstanceKey(kInstance), "ConfigFlags", 0x4);
+    const PresentDevices none(m_library.Module());
     const InstallAnswer answer = Install();
     EXPECT_EQ(answer.status, kNotThere);
     EXPECT_EQ(answer.lastError, 0xE000020BU);
-    EXPECT_EQ(NumberOf(instance, "ConfigFlags"), std::to_string(0x24));
+    EXPECT_EQ(NumberOf(InstanceKey(kInstance), "ConfigFlags"), std::to_string(0x24));
     EXPECT_THAT(Traced(), ElementsAre(Line("device not there, 1 marked for re-installation")));
     EXPECT_THAT(m_doubles.Journal(), IsEmpty()) << "there is nothing to bind";
 }
 
-TEST_F(DriverBinding, ACardThatGoesWhileItIsBoundIsMarkedToo)
+TEST_F(DriverBinding, APresentCardIsNotMarkedForReinstallation)
 {
-    const std::string instance = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kDevice) + R"(\3&267a616a&0&C8)";
+    // About to be removed, about to be ejected, and gone by the time it is asked.
+    for (const unsigned problem : {21U, 47U}) {
+        HaveProblem(problem);
+        EXPECT_EQ(Install().status, kNotThere) << problem;
+    }
     constexpr char kNoSuchNode[] = "0xD";
     m_doubles.Answer(kConfigurationManager, "StateResult", kNoSuchNode);
     EXPECT_EQ(Install().status, kNotThere);
-    EXPECT_EQ(NumberOf(instance, "ConfigFlags"), std::to_string(0x20));
+    EXPECT_THAT(Traced(), Each(Line("device not there, 0 marked for re-installation")));
+    EXPECT_EQ(NumberOf(InstanceKey(kInstance), "ConfigFlags"), "<none>");
 }
 
-TEST_F(DriverBinding, TheSystemsWordThatThereIsNoDeviceCountsAsOurs)
+TEST_F(DriverBinding, OfTwoCardsOnlyTheRemovedOneIsMarked)
+{
+    AddSecondCard();
+    HaveProblem(47);
+    const PresentDevices first(m_library.Module(), InstanceId(kInstance));
+    EXPECT_EQ(Install().status, kNotThere);
+    EXPECT_EQ(NumberOf(InstanceKey(kInstance), "ConfigFlags"), "<none>");
+    EXPECT_EQ(NumberOf(InstanceKey(kSecondInstance), "ConfigFlags"), std::to_string(0x20));
+    EXPECT_THAT(Traced(), ElementsAre(Line("device not there, 1 marked for re-installation")));
+}
+
+TEST_F(DriverBinding, NoSuchDeviceFromTheUpdateIsNotARefusal)
 {
     Refuse("0xE000020B");
     const InstallAnswer answer = Install();
     EXPECT_EQ(answer.status, kNotThere);
     EXPECT_EQ(answer.lastError, 0xE000020BU);
+    EXPECT_EQ(NumberOf(InstanceKey(kInstance), "ConfigFlags"), "<none>") << "the card is present";
 }
 
-TEST_F(DriverBinding, WhereSomebodyIsWatchingTheSystemMayAsk)
+TEST_F(DriverBinding, TheSystemMayAskWhereAUserSeesTheQuestion)
 {
     ExpectSuccess();
     EXPECT_THAT(m_doubles.Journal(), Contains(UpdateCall(INSTALLFLAG_FORCE)));
 }
 
-TEST_F(DriverBinding, ASilentProcessIsNeverAsked)
+TEST_F(DriverBinding, TheSystemAsksNothingInASilentProcess)
 {
     const NonInteractiveMode silent;
     ExpectSuccess();
     EXPECT_THAT(m_doubles.Journal(), Contains(UpdateCall(INSTALLFLAG_FORCE | INSTALLFLAG_NONINTERACTIVE)));
 }
 
-TEST_F(DriverBinding, WhereNobodySeesAWindowNobodyIsAsked)
+TEST_F(DriverBinding, TheSystemAsksNothingWhereNoWindowIsSeen)
 {
     const HiddenWindowStation hidden;
     ExpectSuccess();
@@ -278,6 +391,7 @@ TEST_F(DriverBinding, SystemLibrariesAreLoadedFromTheSystemDirectory)
     std::array<char, MAX_PATH> directory{};
     GetSystemDirectoryA(directory.data(), MAX_PATH);
     const std::string system = std::string(directory.data()) + "\\";
-    EXPECT_THAT(m_doubles.Loaded(), ElementsAre(system + kDriverUpdate, system + kConfigurationManager));
+    EXPECT_THAT(m_doubles.Loaded(),
+                ElementsAre(system + kSetupFunctions, system + kDriverUpdate, system + kConfigurationManager));
 }
 } // namespace

@@ -33,7 +33,7 @@ void ExpectRefusal(const InstallAnswer& answer, DWORD lastError)
 }
 } // namespace
 
-TEST(RecordFields, ATextThatFillsItsFieldIsReadToItsEndAndNoFurther)
+TEST(RecordFields, ATextThatFillsItsFieldIsReadToTheEndOfTheField)
 {
     RawRecord record;
     record.bytes.fill('x');
@@ -43,7 +43,7 @@ TEST(RecordFields, ATextThatFillsItsFieldIsReadToItsEndAndNoFurther)
     EXPECT_EQ(std::string(id.data()), std::string(300, 'x'));
 }
 
-TEST(RecordFields, ATextThatIsTooLongIsCutWithATerminator)
+TEST(RecordFields, ATextThatIsTooLongIsTruncatedAndTerminated)
 {
     RawRecord record;
     record.bytes.fill('x');
@@ -64,14 +64,14 @@ TEST(DriverInstall, BindsTheDeviceToItsDriver)
     EXPECT_EQ(FileVersionOf(SystemDriverFile("ngea62x64.sys")), "11.4.62.0");
 }
 
-TEST(DriverInstall, LeavesNoLastErrorBehindASuccess)
+TEST(DriverInstall, LeavesNoLastErrorAfterASuccess)
 {
     const SimulatedAdapter adapter(kDevice);
     EXPECT_EQ(InstallThroughNetInst(GigabitInf(), adapter.HardwareId(), ERROR_ACCESS_DENIED).lastError,
               static_cast<DWORD>(ERROR_SUCCESS));
 }
 
-TEST(DriverInstall, ReplacesADriverThatIsAlreadyThere)
+TEST(DriverInstall, ReplacesADriverThatIsAlreadyBound)
 {
     const SimulatedAdapter adapter(kDevice);
     ASSERT_EQ(InstallThroughNetInst(KitFile("Drv\\Win8x64\\ngea63x64.inf"), adapter.HardwareId()).status, 0);
@@ -79,7 +79,7 @@ TEST(DriverInstall, ReplacesADriverThatIsAlreadyThere)
     EXPECT_EQ(InstallThroughNetInst(GigabitInf(), adapter.HardwareId()).status, 0);
     EXPECT_EQ(ReadRegistryText(adapter.ClassKey(), "InfPath"), "ngea62x64.inf");
     EXPECT_EQ(FileVersionOf(SystemDriverFile("ngea62x64.sys")), "11.4.62.0");
-    // The device no longer knows its first driver, so nobody else takes it away.
+    // The device no longer refers to its first driver, so its destructor does not remove it.
     RemoveInstalledFiles("ngea63x64");
     DeleteFileA(SystemDriverFile("ngea.sys").c_str());
 }
@@ -107,7 +107,7 @@ TEST(DriverInstall, AFileThatIsNoInfIsARefusalWithTheSetUpError)
     ExpectRefusal(InstallThroughNetInst(KitFile("Morvix.ini"), adapter.HardwareId()), ERROR_WRONG_INF_STYLE);
 }
 
-TEST(DriverInstall, ADeviceThatIsNotThereIsNoRefusal)
+TEST(DriverInstall, ADeviceThatIsNotPresentIsNotARefusal)
 {
     const InstallAnswer answer = InstallThroughNetInst(GigabitInf(), "PCI\\VEN_5D1A&DEV_FFFF");
     EXPECT_EQ(answer.status, Status(0xE000020B));
@@ -122,7 +122,7 @@ TEST(DriverInstall, AnInfThatDoesNotListTheDeviceBindsNothing)
     EXPECT_EQ(adapter.ClassKey(), "");
 }
 
-TEST(DriverInstall, AKitThatLacksTheDriverFileIsRefusedWithoutAskingForADisk)
+TEST(DriverInstall, AKitWithoutTheDriverFileIsRefusedWithoutAskingForADisk)
 {
     const SimulatedAdapter adapter(kDevice);
     const ScratchDirectory kit;
@@ -156,7 +156,7 @@ TEST(DriverInstall, ARecordWithoutTextsIsRefused)
     EXPECT_NE(answer.lastError, static_cast<DWORD>(ERROR_SUCCESS));
 }
 
-TEST(DriverInstall, ARecordWithUnendedTextsIsRefused)
+TEST(DriverInstall, ARecordWithUnterminatedTextsIsRefused)
 {
     const NetInstLibrary library;
     RawRecord record;

@@ -13,7 +13,7 @@ struct SystemRow
     const char* wineVersion;
     KitDirectory directory;
 };
-// The x64 systems that can be had by name: workstation and server of each generation, the last one as workstation.
+// The x64 systems that can be chosen by name: workstation and server of each generation, the last one as workstation.
 constexpr SystemRow kSystems[] = {
     {"winxp64", kKitDirectories[0]}, {"win2003", kKitDirectories[0]}, {"vista", kKitDirectories[1]},
     {"win2008", kKitDirectories[1]}, {"win7", kKitDirectories[2]},    {"win2008r2", kKitDirectories[2]},
@@ -93,7 +93,7 @@ TEST(Kit, EveryDriverLoadsAndUnloadsAsAKernelService)
         for (const std::string& file : FilesIn(path, "*.sys")) {
             SCOPED_TRACE(std::string(directory.name) + "\\" + file);
             ++drivers;
-            // A name of its own: the end of a driver may be noted only after the next one has started.
+            // A unique name: the end of a driver may be recorded only after the next one has started.
             const std::string name = "MorvixKitTest" + std::to_string(drivers);
             const SC_HANDLE service = CreateServiceA(
                 manager, name.c_str(), nullptr, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START,

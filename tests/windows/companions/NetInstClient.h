@@ -33,7 +33,7 @@ struct Releaser
 template <class Object>
 using Held = std::unique_ptr<Object, Releaser>;
 
-/// What an install answered.
+/// The result of an installation.
 struct InstallAnswer
 {
     int32_t status = 0;
@@ -48,12 +48,12 @@ public:
     NetInstLibrary();
     explicit NetInstLibrary(const std::string& path);
 
-    /// @return the entry point's answer and what it left in the factory pointer, which held a wild address before.
+    /// @return the entry point's status and the factory pointer, which held a wild address before the call.
     [[nodiscard]] std::pair<int32_t, void*> AskForFactory(const char* name) const;
     [[nodiscard]] DllGetClassFactoryObjectFn EntryPoint() const { return m_entryPoint; }
     [[nodiscard]] HMODULE Module() const { return m_library.get(); }
 
-    /// The objects, made the way the program makes them; null when one of the steps fails.
+    /// The objects, created as the program creates them; null when a step fails.
     [[nodiscard]] Held<ISysProberInterface> MakeProber() const;
     [[nodiscard]] Held<IDriverInstallInterface> MakeInstaller(RawRecord& record) const;
 
@@ -72,10 +72,10 @@ private:
                                                   DWORD lastErrorBefore = ERROR_SUCCESS);
 
 /// Runs this test program again as a process that reports another system version (a setting that Wine reads when a
-/// process starts), hands it `task` and returns what it printed. The tasks are those of RunTask.
+/// process starts), passes it `task` and returns what it printed. The tasks are those of RunTask.
 [[nodiscard]] std::string RunTaskOnSystem(const std::string& wineVersion, const std::string& task);
 
-/// Does one task of a child process and prints the answer:
+/// Performs one task of a child process and prints the result:
 ///   "identify"                        "<status> <family>"
 ///   "install <hardware ID> <INF path>" "<status> <last error>"
 /// Numbers are hexadecimal with eight digits.

@@ -1,5 +1,5 @@
-// What platform/NetInst.h asks of a library, held against the shipped one and against one that was written from the
-// interface alone.
+// The contract of platform/NetInst.h, checked with the shipped library and with one that was written from the interface
+// alone.
 
 #include <gtest/gtest.h>
 #include <objbase.h>
@@ -39,7 +39,7 @@ protected:
     const NetInstLibrary m_library{BuiltFile(GetParam().file)};
 };
 
-TEST_P(NetInstContract, EachNameGivesItsFactoryAndNoOtherDoes)
+TEST_P(NetInstContract, OnlyTheTwoNamesReturnAFactory)
 {
     for (const char* name : {kSysProberFactoryName, kDriverInstallFactoryName}) {
         const auto [status, factory] = m_library.AskForFactory(name);
@@ -65,7 +65,7 @@ TEST_P(NetInstContract, TheProberNamesAFamilyAndLeavesTheRestOfTheRecordAlone)
     EXPECT_TRUE(std::all_of(record.bytes.begin() + 204, record.bytes.end(), [](char c) { return c == 'x'; }));
 }
 
-TEST_P(NetInstContract, AnIdentificationForgetsTheRestartOfTheRunBefore)
+TEST_P(NetInstContract, AnIdentificationForgetsTheRestartOfAnEarlierRun)
 {
     SetRegistryNumber(m_record.Path(), kNetInstRestartValue, 1);
     RawRecord record;
@@ -75,7 +75,7 @@ TEST_P(NetInstContract, AnIdentificationForgetsTheRestartOfTheRunBefore)
     EXPECT_FALSE(ReadRegistryValue(m_record.Path(), kNetInstRestartValue));
 }
 
-TEST_P(NetInstContract, ABindingAnswersZeroAndLeavesNoLastError)
+TEST_P(NetInstContract, ABindingReturnsZeroAndLeavesNoLastError)
 {
     const SimulatedAdapter adapter(kDevice);
     const InstallAnswer answer = m_library.Install(Inf(), adapter.HardwareId(), ERROR_ACCESS_DENIED);
@@ -84,7 +84,7 @@ TEST_P(NetInstContract, ABindingAnswersZeroAndLeavesNoLastError)
     EXPECT_EQ(adapter.Value("Service"), "NGEA");
 }
 
-TEST_P(NetInstContract, ADriverThatIsNotTakenIsRefusedWithTheReason)
+TEST_P(NetInstContract, ADriverThatIsNotAcceptedIsRefusedWithTheReason)
 {
     const SimulatedAdapter adapter(kDevice);
     const ScratchDirectory kit;
@@ -98,14 +98,14 @@ TEST_P(NetInstContract, ADriverThatIsNotTakenIsRefusedWithTheReason)
     EXPECT_EQ(adapter.ClassKey(), "");
 }
 
-TEST_P(NetInstContract, ADeviceThatIsNotThereIsNoRefusal)
+TEST_P(NetInstContract, ADeviceThatIsNotPresentIsNotARefusal)
 {
     const InstallAnswer answer = m_library.Install(Inf(), "PCI\\VEN_5D1A&DEV_FFFF&SUBSYS_00015D1A&REV_01");
     EXPECT_EQ(answer.status, static_cast<int32_t>(kNetInstNotThere));
     EXPECT_NE(answer.lastError, 0U);
 }
 
-TEST_P(NetInstContract, OneObjectServesEveryDeviceOfARun)
+TEST_P(NetInstContract, OneObjectInstallsEveryDeviceOfARun)
 {
     const SimulatedAdapter adapter(kDevice);
     RawRecord record;

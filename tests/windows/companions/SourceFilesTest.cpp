@@ -6,15 +6,16 @@
 #include <string>
 
 #include "ScratchDirectory.h"
+#include "SetupApi.h"
 
 namespace {
 /// A kit of one INF in a directory of its own. The disk is number 1.
 class SourceFiles : public testing::Test
 {
 protected:
-    /// @param copy   What stands behind "CopyFiles=".
+    /// @param copy   The value of "CopyFiles".
     /// @param more   Further sections.
-    /// @param disk   What stands behind "1=".
+    /// @param disk   The value of "1", the disk's line.
     void WriteInf(const std::string& copy, const std::string& more, const std::string& disk = "disk")
     {
         WriteFileBytes(m_kit.At("kit.inf"),
@@ -22,7 +23,10 @@ protected:
                            "\r\n[SourceDisksNames]\r\n1=" + disk + "\r\n" + more + "\r\n");
     }
     void Lay(const std::string& file) const { WriteFileBytes(m_kit.At(file), "driver"); }
-    [[nodiscard]] uint32_t Check() const { return CheckSourceFiles(m_kit.At("kit.inf").c_str(), "Install"); }
+    [[nodiscard]] uint32_t Check() const
+    {
+        return CheckSourceFiles(SetupApi(), m_kit.At("kit.inf").c_str(), "Install");
+    }
 
 private:
     ScratchDirectory m_kit;
@@ -31,7 +35,7 @@ private:
 constexpr uint32_t kMissing = ERROR_FILE_NOT_FOUND;
 } // namespace
 
-TEST_F(SourceFiles, AFileNamedInTheCopyLineItselfIsLookedFor)
+TEST_F(SourceFiles, AFileNamedInTheCopyLineItselfIsChecked)
 {
     WriteInf("@one.sys", "[SourceDisksFiles]\r\none.sys=1");
     EXPECT_EQ(Check(), kMissing);
@@ -39,7 +43,7 @@ TEST_F(SourceFiles, AFileNamedInTheCopyLineItselfIsLookedFor)
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, EveryFileOfEverySectionOfEveryCopyLineIsLookedFor)
+TEST_F(SourceFiles, EveryFileOfEverySectionOfEveryCopyLineIsChecked)
 {
     WriteInf("First,Second\r\nCopyFiles=Third",
              "[First]\r\na.sys\r\n[Second]\r\nb.sys\r\nc.sys\r\n[Third]\r\nd.sys\r\n"
@@ -51,7 +55,7 @@ TEST_F(SourceFiles, EveryFileOfEverySectionOfEveryCopyLineIsLookedFor)
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, AnEmptyFieldIsPassedOver)
+TEST_F(SourceFiles, AnEmptyFieldIsIgnored)
 {
     WriteInf(",Files", "[Files]\r\na.sys\r\n[SourceDisksFiles]\r\na.sys=1");
     EXPECT_EQ(Check(), kMissing);
@@ -59,7 +63,7 @@ TEST_F(SourceFiles, AnEmptyFieldIsPassedOver)
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, TheNameAtTheSourceCountsWhereItDiffers)
+TEST_F(SourceFiles, ADifferentNameInTheKitIsUsed)
 {
     WriteInf("Files", "[Files]\r\nonsystem.sys,onkit.sys\r\n[SourceDisksFiles]\r\nonkit.sys=1\r\nonsystem.sys=1");
     Lay("onsystem.sys");
@@ -75,7 +79,7 @@ TEST_F(SourceFiles, ACompressedFileCountsAsTheFile)
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, TheProcessorsOwnPlaceWins)
+TEST_F(SourceFiles, TheSectionOfTheProcessorWins)
 {
     WriteInf("@one.sys", "[SourceDisksFiles]\r\none.sys=1\r\n[SourceDisksFiles.amd64]\r\none.sys=1,x64");
     Lay("one.sys");
@@ -92,19 +96,20 @@ TEST_F(SourceFiles, TheDisksDirectoryAndTheFilesAreJoinedByOneBackslash)
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, WhatLiesInACabinetOrOnADiskWithATagFileIsNotLookedFor)
+TEST_F(SourceFiles, FilesInACabinetOrOnADiskWithATagFileAreNotChecked)
 {
     WriteInf("@one.sys", "[SourceDisksFiles]\r\none.sys=1", "disk,kit.cab");
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, AFileWithoutADiskIsNotLookedFor)
+TEST_F(SourceFiles, AFileWithoutADiskIsNotChecked)
 {
     WriteInf("@one.sys", "[SourceDisksFiles]\r\nother.sys=1");
     EXPECT_EQ(Check(), 0u);
 }
 
-TEST_F(SourceFiles, AnInfThatCannotBeOpenedIsAnsweredWithThePlatformsReason)
+TEST_F(SourceFiles, AnInfThatCannotBeOpenedFailsWithThePlatformsReason)
 {
-    EXPECT_EQ(CheckSourceFiles("C:\\there\\is\\none.inf", "Install"), static_cast<uint32_t>(ERROR_PATH_NOT_FOUND));
+    EXPECT_EQ(CheckSourceFiles(SetupApi(), "C:\\there\\is\\none.inf", "Install"),
+              static_cast<uint32_t>(ERROR_PATH_NOT_FOUND));
 }

@@ -9,8 +9,8 @@
 #include "ImportOverride.h"
 #include "ScratchDirectory.h"
 
-/// Puts doubles in the place of system libraries that a module loads by their full path, for the life of the object.
-/// One object at a time.
+/// Replaces system libraries that a module loads by their full path with doubles, for the life of the object. One object
+/// at a time.
 class SystemLibraryDoubles
 {
 public:
@@ -20,12 +20,12 @@ public:
     SystemLibraryDoubles(const SystemLibraryDoubles&) = delete;
     SystemLibraryDoubles& operator=(const SystemLibraryDoubles&) = delete;
 
-    /// Has the system's library `name`, such as "newdev.dll", go to the double that was built under this name.
+    /// Replaces the system's library `name`, such as "newdev.dll", with the double that was built under this name.
     void Use(const std::string& name);
-    /// Has the system lack the library `name`.
+    /// Makes the library `name` missing from the system.
     void Lack(const std::string& name);
 
-    /// Lays down an answer of the double for `name`.
+    /// Sets an answer of the double for `name`.
     void Answer(const std::string& name, const std::string& key, const std::string& value) const;
     /// What the doubles were asked so far.
     [[nodiscard]] std::vector<std::string> Journal() const;
@@ -40,7 +40,7 @@ private:
 
     static SystemLibraryDoubles* s_current;
     ScratchDirectory m_directory;
-    std::map<std::string, std::string> m_places; ///< file name to path; empty for a library that is lacking
+    std::map<std::string, std::string> m_places; ///< file name to path; empty for a missing library
     std::vector<std::string> m_loaded;
     ImportOverride m_override;
 };

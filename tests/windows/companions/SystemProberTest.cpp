@@ -96,7 +96,7 @@ TEST(SysProber, ClearsTheFamilyFieldAndLeavesTheRestOfTheRecordAlone)
     }
 }
 
-TEST(SysProber, RefusesToIdentifyIntoNothing)
+TEST(SysProber, RefusesANullRecord)
 {
     const NetInstLibrary library;
     const Held<ISysProberInterface> prober = library.MakeProber();
