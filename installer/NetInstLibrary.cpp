@@ -11,9 +11,9 @@
 #include "Trace.h"
 
 namespace {
-/// An installer library links setupapi.dll, which Windows XP and Server 2003 do not know as one of the system's own:
-/// the loader would take a file of its name from the program's folder. Once the system's is loaded, the name means that
-/// one.
+/// A replacement for NetInst.dll may import setupapi.dll, which Windows XP and Server 2003 do not know as one of the
+/// system's own: the loader would take a file of that name from the program's folder. Once the system's is loaded, the
+/// name refers to that one.
 void KeepSystemSetupLibraryLoaded()
 {
     static const HMODULE library = LoadSystemLibrary("setupapi.dll").release();

@@ -240,7 +240,8 @@ INT_PTR OnClose(HWND dialog)
     KillTimer(dialog, kCountdownTimer);
     const bool restart = DecideAndRecordRestart();
     // The install thread asks for the end before it has ended itself, and others can close the dialog under it: while
-    // it runs it may read texts, and its restore point may still be open.
+    // it runs it may read texts, and its restore point may still be open. A library that is still in use then is freed
+    // after the message loop, once the thread has ended.
     if (InstallThreadEndsWithin(restart ? kRestartWaitMilliseconds : 0)) {
         FreeLibrary(resourceModule);
         resourceModule = nullptr;

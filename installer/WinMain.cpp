@@ -66,7 +66,6 @@ int RunDialog(DriverInstallRecord& record)
         FreeResourceLibrary();
         return 0;
     }
-    RegisterActivityBar();
     installThreadParameters.record = &record;
     // Under a Windows Installer user interface the dialog belongs to the installer's window.
     const HWND owner = FindWindowA("MsiDialogCloseClass", nullptr);
@@ -89,6 +88,10 @@ int RunDialog(DriverInstallRecord& record)
         }
     }
     WaitForInstallThread();
+    if (resourceModule != nullptr) {
+        // The dialog ended while the install thread was still reading texts.
+        FreeResourceLibrary();
+    }
     return static_cast<int>(message.wParam);
 }
 
@@ -140,6 +143,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
     TakeCurrentDirectoryOutOfLibrarySearch();
     ReportCriticalErrorsToTheProgram();
     EndOnEveryFault();
+    RegisterActivityBar();
     // Caught, and not left to the language runtime, so that everything on the way here is given back.
     try {
         return RunProgram(__argc, __argv);

@@ -1,6 +1,6 @@
-// What the shipped files have the loader find for them: a name that the oldest system lacks, and it refuses the file
-// before a line of it runs; a library that is not the system's own everywhere, and a file beside the program takes its
-// place. The kept list is imports.txt, beside this program.
+// What the shipped files import. If a file imports a name that the oldest system lacks, the loader rejects the file
+// there before any of its code runs; if it imports a library that is not a known library everywhere, a file beside the
+// program takes that library's place. The lists are imports.txt and known_libraries.txt, beside this program.
 
 #include <gmock/gmock.h>
 
@@ -21,12 +21,8 @@ using testing::IsEmpty;
 
 constexpr std::pair kOldestSystem{5, 2};
 
-/// The kept list.
-struct KeptImports
-{
-    std::map<std::string, std::string> origins;               ///< where each library is taken from
-    std::map<std::string, std::pair<int, int>> firstVersions; ///< of each name, as "library!name"
-};
+/// The first version of each name that may be imported, as "library!name".
+using KeptImports = std::map<std::string, std::pair<int, int>>;
 
 std::string LowerCase(std::string text)
 {
@@ -49,21 +45,42 @@ KeptImports ReadKeptImports()
         if (!(fields >> library) || library.starts_with('#')) {
             continue;
         }
-        std::string second;
-        fields >> second;
         std::string name;
-        if (!(fields >> name)) {
-            kept.origins[library] = second;
-            continue;
-        }
         std::pair<int, int> version{};
         char point = 0;
-        std::istringstream(name) >> version.first >> point >> version.second;
-        if (point != '.' || !kept.firstVersions.emplace(library + "!" + second, version).second) {
+        fields >> name >> version.first >> point >> version.second;
+        if (!fields || point != '.' || !kept.emplace(library + "!" + name, version).second) {
             throw std::runtime_error("imports.txt: " + line);
         }
     }
     return kept;
+}
+
+/// The known libraries of each system, with their file names.
+std::map<std::string, std::set<std::string>> ReadKnownLibraries()
+{
+    std::map<std::string, std::set<std::string>> known;
+    std::istringstream list(ReadFileBytes(TestFile("known_libraries.txt")));
+    for (std::string line; std::getline(list, line);) {
+        std::istringstream fields(line);
+        std::string system;
+        if (!(fields >> system) || system.starts_with('#')) {
+            continue;
+        }
+        for (std::string library; fields >> library;) {
+            known[system].insert(library + ".dll");
+        }
+    }
+    return known;
+}
+
+std::set<std::string> LibrariesOf(const std::string& file)
+{
+    std::set<std::string> libraries;
+    for (const Import& import : ImportsOf(file)) {
+        libraries.insert(LowerCase(import.module));
+    }
+    return libraries;
 }
 
 /// Every program, library and driver that is shipped, by its path; the package's action library travels in the package.
@@ -88,8 +105,8 @@ TEST(ShippedImports, AreThoseOfTheKeptListAndTheOldestSystemHasThem)
     const KeptImports kept = ReadKeptImports();
     for (const std::string& file : ShippedFiles()) {
         for (const Import& import : ImportsOf(file)) {
-            const auto known = kept.firstVersions.find(NameOf(import));
-            if (known == kept.firstVersions.end()) {
+            const auto known = kept.find(NameOf(import));
+            if (known == kept.end()) {
                 ADD_FAILURE() << FileNameOf(file) << ": " << NameOf(import) << " is not in the list";
             } else {
                 EXPECT_LE(known->second, kOldestSystem) << FileNameOf(file) << ": " << NameOf(import);
@@ -103,42 +120,27 @@ TEST(ShippedImports, TheKeptListHoldsNothingElse)
     KeptImports kept = ReadKeptImports();
     for (const std::string& file : ShippedFiles()) {
         for (const Import& import : ImportsOf(file)) {
-            kept.firstVersions.erase(NameOf(import));
-            kept.origins.erase(LowerCase(import.module));
+            kept.erase(NameOf(import));
         }
     }
     std::vector<std::string> left;
-    for (const auto& [name, version] : kept.firstVersions) {
+    for (const auto& [name, version] : kept) {
         left.push_back(name);
-    }
-    for (const auto& [library, origin] : kept.origins) {
-        left.push_back(library);
     }
     EXPECT_THAT(left, IsEmpty()) << "no file imports these any more";
 }
 
-TEST(ShippedImports, ComeFromLibrariesThatNoFileBesideTheProgramCanReplace)
+TEST(ShippedImports, ComeFromKnownLibrariesOfEverySystemOnly)
 {
-    const KeptImports kept = ReadKeptImports();
+    const auto known = ReadKnownLibraries();
+    EXPECT_THAT(known, testing::UnorderedElementsAre(testing::Key("5.2"), testing::Key("6.1"), testing::Key("10.0")));
     for (const std::string& file : ShippedFiles()) {
-        std::set<std::string> libraries;
-        for (const Import& import : ImportsOf(file)) {
-            libraries.insert(LowerCase(import.module));
+        if (LowerCase(file).ends_with(".sys")) {
+            EXPECT_THAT(LibrariesOf(file), testing::IsSubsetOf({"ntoskrnl.exe"})) << FileNameOf(file);
+            continue;
         }
-        const bool isDriver = LowerCase(file).ends_with(".sys");
-        for (const std::string& library : libraries) {
-            const auto known = kept.origins.find(library);
-            ASSERT_NE(known, kept.origins.end()) << FileNameOf(file) << ": " << library << " is not in the list";
-            const std::string& origin = known->second;
-            EXPECT_EQ(origin == "kernel", isDriver) << FileNameOf(file) << ": " << library;
-            if (origin == "manifest") {
-                EXPECT_TRUE(ReadFileBytes(file).find("Microsoft.Windows.Common-Controls") != std::string::npos)
-                    << FileNameOf(file) << ": its manifest does not say where " << library << " is";
-            } else if (origin == "loaded") {
-                EXPECT_EQ(FileNameOf(file), "NetInst.dll") << "nobody loads " << library << " before it";
-            } else if (!isDriver) {
-                EXPECT_EQ(origin, "known") << FileNameOf(file) << ": " << library;
-            }
+        for (const auto& [system, libraries] : known) {
+            EXPECT_THAT(LibrariesOf(file), testing::IsSubsetOf(libraries)) << FileNameOf(file) << " on " << system;
         }
     }
 }

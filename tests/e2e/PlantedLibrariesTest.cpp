@@ -42,7 +42,7 @@ TEST_F(PlantedLibraries, FileVersionsAreReadByTheSystemsLibraryAndNotByOneBeside
     }
 }
 
-TEST_F(PlantedLibraries, DevicesAndControlsAreTheSystemsAndNotOfLibrariesBesideTheProgram)
+TEST_F(PlantedLibraries, DevicesAndControlsAreThoseOfTheSystemAndNotOfLibrariesBesideTheProgram)
 {
     const NativeLibrary setup("setupapi");
     const NativeLibrary controls("comctl32");
@@ -84,7 +84,7 @@ class PlantedBesideNetInst : public CleanMachine
 {
 };
 
-TEST_F(PlantedBesideNetInst, WhatTheInstallerLibraryLinksIsTheSystemsToo)
+TEST_F(PlantedBesideNetInst, TheSetUpFunctionsOfTheInstallerLibraryAreTheSystemsToo)
 {
     const Adapter adapter(kKitAdapters[0].deviceId);
     const NativeLibrary setup("setupapi");

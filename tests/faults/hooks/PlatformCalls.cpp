@@ -127,6 +127,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Zero("LoadLibraryW", kModuleNotFound, WideText(0)),
     Zero("FreeLibrary", kInvalidHandle, Owned(0)),
     Zero("GetModuleHandleA", kModuleNotFound, Text(0)),
+    Zero("FindActCtxSectionStringA", 14001, Text(3)),
     Zero("GetProcAddress", kProcedureNotFound, Text(1)),
     Zero("FindResourceExA", 1814, Number(2)),
     Zero("LoadResource", 1812),
@@ -147,7 +148,6 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Zero("RegisterWindowMessageA", kNoMemory),
     Zero("RegisterClassA", 1410),
     Zero("LoadCursorA", 1814),
-    Zero("InitCommonControlsEx", 0),
     Zero("FindWindowA", kNotFound),
     Zero("CreateDialogParamA", 1813),
     Answer("GetMessageA", 0xFFFFFFFF, 1400),
@@ -211,6 +211,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     // Its result is the mode before, and it does not fail.
     Of(Sure, "SetupSetNonInteractiveMode"),
     Of(Sure, "IsDBCSLeadByte"),
+    Of(Sure, "GetACP"),
     Of(Sure, "lstrcmpA"),
     Of(Sure, "OutputDebugStringA"),
     Zero("SetDllDirectoryA", kNoMemory),
@@ -227,7 +228,6 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Sure, "GetCurrentThreadId"),
     Of(Sure, "TerminateProcess"),
     Of(Unused, "ExpandEnvironmentStringsA"),
-    Of(Unused, "GetACP"),
     Of(Unused, "GetLocaleInfoA"),
     Of(Unused, "GetLocalTime"),
 
@@ -350,6 +350,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
 
     // Entry points looked up at run time
     Of(Sure, "GetNativeSystemInfo"),
+    Zero("InitCommonControlsEx", 0),
     Zero("SetupCopyOEMInfA", kAccessDenied),
     Zero("SRSetRestorePointW", kAccessDenied),
     Zero("UpdateDriverForPlugAndPlayDevicesA", kNotFound),
