@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <string_view>
+
 #include "DebugOutput.h"
 #include "Handles.h"
 #include "ImportOverride.h"
@@ -11,39 +13,80 @@
 
 using testing::ElementsAre;
 
-TEST(SingleInstance, FirstRunGoesOnAndHoldsTheMutexForItsLife)
+namespace {
+constexpr char kManagementMutex[] = "TaviskMutex";
+
+decltype(&CreateMutexA) platformCreate = nullptr;
+std::vector<UniqueHandle> keptMutexes;
+
+// The run keeps its own mutex to the end of the process, and that of the management software when it found one.
+HANDLE WINAPI CreateAndNote(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
+{
+    const HANDLE mutex = platformCreate(security, owned, name);
+    const DWORD error = GetLastError();
+    if (error == ERROR_ALREADY_EXISTS || std::string_view(name) != kManagementMutex) {
+        keptMutexes.emplace_back(mutex);
+    }
+    SetLastError(error);
+    return mutex;
+}
+
+/// Closes what a test's run keeps, so that no test finds the mutexes of another one.
+class SingleInstance : public testing::Test
+{
+protected:
+    ~SingleInstance() override { keptMutexes.clear(); }
+
+    static UniqueHandle MutexOfAnotherProgram(const char* name)
+    {
+        return UniqueHandle(platformCreate(nullptr, FALSE, name));
+    }
+
+private:
+    const ImportOverride m_note{"CreateMutexA", InPlaceOf(platformCreate, &CreateMutexA, &CreateAndNote)};
+};
+} // namespace
+
+TEST_F(SingleInstance, FirstRunGoesOnAndHoldsTheMutexForItsLife)
 {
     TraceCapture trace;
-    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTestFirst"));
+    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTest"));
     EXPECT_THAT(trace.Messages(), ElementsAre("Entering - PreviousInstanceRunning"));
-    const UniqueHandle held(OpenMutexA(SYNCHRONIZE, FALSE, "MorvixTestFirst"));
+    const UniqueHandle held(OpenMutexA(SYNCHRONIZE, FALSE, "MorvixTest"));
     EXPECT_NE(nullptr, held);
-    EXPECT_EQ(1, PreviousInstanceRunning("MorvixTestFirst"));
+    EXPECT_EQ(1, PreviousInstanceRunning("MorvixTest"));
 }
 
-TEST(SingleInstance, RunStopsWhenAnotherHoldsTheMutex)
+TEST_F(SingleInstance, RunStopsWhenAnotherHoldsTheMutex)
 {
-    const UniqueHandle other(CreateMutexA(nullptr, FALSE, "MorvixTestSecond"));
-    EXPECT_EQ(1, PreviousInstanceRunning("MorvixTestSecond"));
+    const UniqueHandle other = MutexOfAnotherProgram("MorvixTest");
+    EXPECT_EQ(1, PreviousInstanceRunning("MorvixTest"));
 }
 
-TEST(SingleInstance, ManagementSoftwareIsFoundByItsMutexAndLeavesNoneBehind)
+TEST_F(SingleInstance, ManagementSoftwareIsFoundByItsMutexAndNoneIsLeftWhenItIsNotRunning)
 {
     EXPECT_EQ(0, IsTaviskActive());
-    EXPECT_EQ(nullptr, UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, "TaviskMutex")));
-    const UniqueHandle running(CreateMutexA(nullptr, FALSE, "TaviskMutex"));
+    EXPECT_EQ(nullptr, UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, kManagementMutex)));
+    const UniqueHandle running = MutexOfAnotherProgram(kManagementMutex);
     EXPECT_EQ(1, IsTaviskActive());
 }
 
-TEST(SingleInstance, ManagementSoftwareDoesNotStopARunOnCurrentSystems)
+TEST_F(SingleInstance, ManagementSoftwareDoesNotStopARunOnCurrentSystems)
 {
-    const UniqueHandle running(CreateMutexA(nullptr, FALSE, "TaviskMutex"));
-    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTestThird"));
+    const UniqueHandle running = MutexOfAnotherProgram(kManagementMutex);
+    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTest"));
+}
+
+TEST_F(SingleInstance, RunsMutexBelongsToTheThreadThatAskedForIt)
+{
+    ASSERT_EQ(0, PreviousInstanceRunning("MorvixTest"));
+    const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, "MorvixTest"));
+    DWORD other = WAIT_FAILED;
+    TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
+    EXPECT_EQ(DWORD{WAIT_TIMEOUT}, other);
 }
 
 namespace {
-decltype(&CreateMutexA) platformCreate = nullptr;
-
 struct MutexRequest
 {
     std::string name;
@@ -53,8 +96,8 @@ struct MutexRequest
 };
 std::vector<MutexRequest> mutexRequests;
 
-// The mutex that is made has no name, so that nothing is left of it: the run's own is never closed.
-HANDLE WINAPI NoteMutex(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
+// Makes a mutex without a name, so that nothing remains of it.
+HANDLE WINAPI NoteRequest(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
 {
     mutexRequests.push_back({name, security != nullptr, owned});
     const HANDLE mutex = platformCreate(nullptr, FALSE, nullptr);
@@ -63,21 +106,12 @@ HANDLE WINAPI NoteMutex(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
 }
 } // namespace
 
-TEST(SingleInstance, BothMutexesAreAskedForOwned)
+TEST(SingleInstanceMutexes, AreBothRequestedAsOwned)
 {
     mutexRequests.clear();
-    const ImportOverride note("CreateMutexA", InPlaceOf(platformCreate, &CreateMutexA, &NoteMutex));
-    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTestFourth"));
+    const ImportOverride note("CreateMutexA", InPlaceOf(platformCreate, &CreateMutexA, &NoteRequest));
+    EXPECT_EQ(0, PreviousInstanceRunning("MorvixTest"));
     EXPECT_EQ(0, IsTaviskActive());
     EXPECT_THAT(mutexRequests,
-                ElementsAre(MutexRequest{"MorvixTestFourth", false, TRUE}, MutexRequest{"TaviskMutex", false, TRUE}));
-}
-
-TEST(SingleInstance, RunsMutexBelongsToTheThreadThatAskedForIt)
-{
-    ASSERT_EQ(0, PreviousInstanceRunning("MorvixTestFifth"));
-    const UniqueHandle seen(OpenMutexA(SYNCHRONIZE, FALSE, "MorvixTestFifth"));
-    DWORD other = WAIT_FAILED;
-    TestThread([&] { other = WaitForSingleObject(seen.get(), 0); }).join();
-    EXPECT_EQ(DWORD{WAIT_TIMEOUT}, other);
+                ElementsAre(MutexRequest{"MorvixTest", false, TRUE}, MutexRequest{kManagementMutex, false, TRUE}));
 }
