@@ -12,11 +12,12 @@
 
 namespace {
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 
 constexpr char kDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 constexpr size_t kDescriptionBytes = 512;
 
-// The text byte for byte in the wide field, and zeros behind it.
+// The text byte for byte in the wide field, and zeros after it.
 std::string DescriptionInHex()
 {
     std::string bytes = ResourceText(17);
@@ -193,74 +194,76 @@ protected:
         return SendMessageTimeoutA(window.Window(), WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 10000, &answer) != 0;
     }
 
-    static std::vector<std::string> FromTheEndOfThePoint(const FinishedRun& run)
-    {
-        return run.Between("Entering EndRestorePoint", "Entering - RestartMachine");
-    }
-
     const RestartWatch m_restarts;
 };
 
-TEST_F(SlowRestorePoint, IsEndedBeforeAForcedRestart)
+enum class RestartBy
 {
-    const auto run = StartMorvix("/s /r");
-    const ProgressWindow window(*run);
-    WaitUntilItEnds(*run);
-    EXPECT_TRUE(StaysWithoutARestart(*run));
-    EXPECT_TRUE(AnswersSentMessages(window));
-    LetItEnd();
-    const FinishedRun finished = run->Finish();
+    Option,
+    Button,
+    Countdown,
+};
 
-    EXPECT_EQ(finished.exitCode, 0);
-    EXPECT_THAT(FromTheEndOfThePoint(finished), ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint",
-                                                            "Exit -> InstallDrivers()\n", "Entering - RestartMachine"));
-    EXPECT_TRUE(m_restarts.WaitForRefusal());
-}
-
-TEST_F(SlowRestorePoint, IsEndedBeforeTheRestartThatTheUserAsksFor)
+class SlowRestorePointBeforeTheRestart : public SlowRestorePoint, public testing::WithParamInterface<RestartBy>
 {
-    // The Windows 98 family offers the restart whatever was found.
-    const ScratchRegistryKey devices{"Enum"};
-    CreateRegistryKey(devices.Path() + "\\PCI");
-    Folder().Answer("NetInst", "Family", "Windows 98");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartNow);
-    WaitUntilItEnds(*run);
-    window.Press(ProgressWindow::kRestartNow);
-    EXPECT_TRUE(StaysWithoutARestart(*run));
-    EXPECT_TRUE(AnswersSentMessages(window));
-    LetItEnd();
-    run->WaitForTrace("Entering - RestartMachine");
-
-    EXPECT_THAT(FromTheEndOfThePoint(run->SoFar()),
-                ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint", "Exit -> InstallDrivers()\n",
-                            "Entering - RestartMachine"));
-    EXPECT_TRUE(m_restarts.WaitForRefusal());
-}
-
-TEST_F(SlowRestorePoint, IsEndedBeforeTheCountdownRestarts)
-{
-    const ScratchRegistryKey devices{"Enum"};
-    CreateRegistryKey(devices.Path() + "\\PCI");
-    Folder().Answer("NetInst", "Family", "Windows 98");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartNow);
-    WaitUntilItEnds(*run);
-    constexpr int kTicks = 21;
-    for (int tick = 0; tick < kTicks; ++tick) {
-        PostMessageA(window.Window(), WM_TIMER, 0, 0);
+protected:
+    std::unique_ptr<ProgramRun> Start()
+    {
+        if (GetParam() == RestartBy::Option) {
+            return StartMorvix("/s /r");
+        }
+        // The Windows 98 family offers the restart whatever was found.
+        CreateRegistryKey(m_devices.Path() + "\\PCI");
+        Folder().Answer("NetInst", "Family", "Windows 98");
+        return StartMorvix("");
     }
+
+    static void Confirm(const ProgressWindow& window)
+    {
+        if (GetParam() != RestartBy::Option) {
+            window.WaitUntilOffered(IDOK);
+            window.Press(IDOK);
+            window.WaitUntilOffered(ProgressWindow::kRestartNow);
+        }
+    }
+
+    static void AskForRestart(const ProgressWindow& window)
+    {
+        constexpr int kTicks = 21;
+        if (GetParam() == RestartBy::Button) {
+            window.Press(ProgressWindow::kRestartNow);
+        }
+        for (int tick = 0; GetParam() == RestartBy::Countdown && tick < kTicks; ++tick) {
+            PostMessageA(window.Window(), WM_TIMER, 0, 0);
+        }
+    }
+
+    const ScratchRegistryKey m_devices{"Enum"};
+};
+
+std::string NameOf(const testing::TestParamInfo<RestartBy>& row)
+{
+    constexpr std::array kNames = {"OfTheOption", "OfTheButton", "OfTheCountdown"};
+    return kNames[static_cast<std::size_t>(row.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Restart, SlowRestorePointBeforeTheRestart,
+                         testing::Values(RestartBy::Option, RestartBy::Button, RestartBy::Countdown), NameOf);
+
+TEST_P(SlowRestorePointBeforeTheRestart, IsEndedWhileSentMessagesAreAnswered)
+{
+    const auto run = Start();
+    const ProgressWindow window(*run);
+    Confirm(window);
+    WaitUntilItEnds(*run);
+    AskForRestart(window);
     EXPECT_TRUE(StaysWithoutARestart(*run));
+    EXPECT_TRUE(AnswersSentMessages(window));
     LetItEnd();
     run->WaitForTrace("Entering - RestartMachine");
 
-    EXPECT_TRUE(run->SoFar().Traced("Exit -> InstallDrivers()\n"));
+    EXPECT_THAT(run->SoFar().Between("Entering EndRestorePoint", "Entering - RestartMachine"),
+                IsSupersetOf({"Exiting EndRestorePoint", "Exit -> InstallDrivers()\n"}));
     EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 
