@@ -132,11 +132,11 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         const unsigned outcome = OutcomeString(DevicePassState.deviceMatched != 0, DevicePassState.installFailed == 1);
         SetDlgItemTextA(dialog, kStatusText, LangString(outcome).c_str());
     }
-    if (RunState.fcoeRestart == 1) {
+    if (RunState.fcoeRestart) {
         OfferRestart(dialog);
         return true;
     }
-    if (RunOptions.oemGui != 0 && dialog != nullptr) {
+    if (RunOptions.oemGui && dialog != nullptr) {
         SetTimer(dialog, kCloseTimer, kClosePeriodMilliseconds, nullptr);
     }
     OfferFinish(dialog, SW_SHOWNORMAL);
@@ -147,8 +147,8 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
 /// @return false when the device pass could not run.
 bool RunWindows9x(RunFlow flow, DriverInstallRecord& record, HWND dialog)
 {
-    (flow == RunFlow::WindowsMe ? RunState.windowsMeRun : RunState.windows98Run) = 1;
-    const bool silent = RunOptions.silent != 0;
+    (flow == RunFlow::WindowsMe ? RunState.windowsMeRun : RunState.windows98Run) = true;
+    const bool silent = RunOptions.silent;
     if (!silent && dialog == nullptr) {
         return true;
     }
@@ -188,7 +188,7 @@ bool RunFlowFor(DriverInstallRecord& record, HWND dialog)
 int InstallDrivers(DriverInstallRecord& record, HWND dialog)
 {
     Trace("Enter -> InstallDrivers()\n");
-    if (RunOptions.silent != 0 || !WindowsAreSeen()) {
+    if (RunOptions.silent || !WindowsAreSeen()) {
         RefuseSetupQuestions();
     }
     const bool comInitialized = InitializeCom();

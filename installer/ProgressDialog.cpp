@@ -8,6 +8,7 @@
 #include "CloseRequest.h"
 #include "DialogControls.h"
 #include "EndOfRun.h"
+#include "EqualsIgnoringCase.h"
 #include "Handles.h"
 #include "InsertRules.h"
 #include "InstallRun.h"
@@ -15,6 +16,7 @@
 #include "PendingUninstall.h"
 #include "Restart.h"
 #include "RestartMessage.h"
+#include "RestartQuestion.h"
 #include "RestartReasons.h"
 #include "ResultKeys.h"
 #include "RunOptions.h"
@@ -83,7 +85,7 @@ void StartInstallThread(HWND dialog)
 void InitializeDialog(HWND dialog, const DialogButtons& buttons)
 {
     installThreadParameters.dialog = dialog;
-    if (RunOptions.msiMode != 0 || RunOptions.silent != 0) {
+    if (RunOptions.msiMode || RunOptions.silent) {
         SetStatus(dialog, LangString(kStringWorking));
         StartInstallThread(dialog);
         return;
@@ -272,7 +274,7 @@ namespace {
 INT_PTR HandleMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const DialogButtons buttons = FindButtons(dialog);
-    if (RunOptions.msiMode != 0) {
+    if (RunOptions.msiMode) {
         HideAndDisable(buttons.cancel);
         HideAndDisable(buttons.ok);
     }
@@ -302,7 +304,7 @@ void RunInstallThread(InstallThreadParameters& thread)
     Trace("Entering - InstallThread");
     thread.result = InstallDrivers(*thread.record, thread.dialog);
     const bool failedInteractively =
-        thread.result == -1 && RunState.fcoeRestart == 0 && RunOptions.silent == 0 && RunOptions.msiMode == 0;
+        thread.result == -1 && !RunState.fcoeRestart && !RunOptions.silent && !RunOptions.msiMode;
     if (failedInteractively) {
         SetStatus(thread.dialog, LangString(kStringInstallFailed));
         const HWND finish = GetDlgItem(thread.dialog, kFinishButton);

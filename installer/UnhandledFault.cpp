@@ -115,7 +115,7 @@ LONG WINAPI TraceFault(EXCEPTION_POINTERS* fault)
         } catch (...) { // NOLINT(bugprone-empty-catch): without memory even for the trace, the exit code has to do
         }
     }
-    if (!reportsQuietly && (RunOptions.silent != 0 || !WindowsAreSeen())) {
+    if (!reportsQuietly && (RunOptions.silent || !WindowsAreSeen())) {
         // Before Vista only this keeps the system's box away, and the system's report with it.
         SetErrorMode(SetErrorMode(0) | SEM_NOGPFAULTERRORBOX);
     }

@@ -77,7 +77,7 @@ int RunDialog(DriverInstallRecord& record)
         FreeResourceLibrary();
         return kExitFailure;
     }
-    ShowWindow(dialog, RunOptions.silent != 0 ? SW_HIDE : SW_SHOWNORMAL);
+    ShowWindow(dialog, RunOptions.silent ? SW_HIDE : SW_SHOWNORMAL);
 
     MSG message{};
     for (BOOL taken = TRUE; taken != 0;) {
@@ -126,7 +126,7 @@ int RunProgram(int argc, const char* const* argv)
     }
     const auto record = std::make_unique<DriverInstallRecord>();
     if (const uint32_t status = ProbeSystem(*record); status != 0) {
-        ReportProbeFailure(status, *record, RunOptions.silent != 0);
+        ReportProbeFailure(status, *record, RunOptions.silent);
         FreeResourceLibrary();
         return kExitFailure;
     }

@@ -78,10 +78,3 @@ std::string LangString(uint32_t id)
     LoadLangString(resourceModule, id, buffer.data(), kMessageBytes);
     return buffer.data();
 }
-
-int AskRestartQuestion()
-{
-    const std::string question = LangString(kStringRestartQuestion);
-    const std::string caption = LangString(kStringCaption);
-    return MessageBoxA(nullptr, question.c_str(), caption.c_str(), MB_YESNO);
-}

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// The run's outward report: values under SOFTWARE\Norda\Basedrivers in HKEY_LOCAL_MACHINE, read by other installers
-/// and by the management software.
-inline constexpr char kBasedriversKey[] = R"(SOFTWARE\Norda\Basedrivers)";
+#include "ResultKeyNames.h"
+
+/// The run's outward report: values of kBasedriversKey.
 inline constexpr std::string_view kResultSuccess = "SUCCESS";
 inline constexpr std::string_view kResultFailure = "FAILURE";
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-/// Sends one line to the debugger output, as "Morvix: " + message, while the key SOFTWARE\Norda\Basedrivers\Debug
-/// exists under HKEY_LOCAL_MACHINE. The key is looked for on every call, so the trace can be switched on and off during
-/// a run. No newline is added: messages carry their own where they want one.
+/// Sends one line to the debugger output, as "Morvix: " + message, while the key kTraceSwitchKey exists. The key is
+/// looked up on every call, so the trace can be switched on and off during a run. No newline is added: messages carry
+/// their own where they want one.
 /// @param message  Consumed: empty when the call returns.
 void Trace(std::string&& message);
 

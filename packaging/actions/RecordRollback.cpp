@@ -7,6 +7,7 @@
 
 #include "Handles.h"
 #include "RecordNames.h"
+#include "ResultKeyNames.h"
 
 namespace {
 // The longest name that a value can have, with its terminator.
@@ -129,9 +130,9 @@ bool RemoveAddedKey(const char* path)
 bool RestoreResults(const std::optional<std::vector<SavedValue>>& results)
 {
     if (!results) {
-        return RemoveAddedKey(kResultKey);
+        return RemoveAddedKey(kBasedriversKey);
     }
-    const UniqueRegKey key = CreateKey(kResultKey);
+    const UniqueRegKey key = CreateKey(kBasedriversKey);
     if (!key) {
         return false;
     }
@@ -176,7 +177,7 @@ bool RestoreDataFile(const RecordSnapshot& snapshot, const std::string& path)
 RecordSnapshot TakeSnapshot(const std::string& dataFile)
 {
     RecordSnapshot snapshot;
-    if (const UniqueRegKey key = OpenKey(kResultKey, KEY_QUERY_VALUE)) {
+    if (const UniqueRegKey key = OpenKey(kBasedriversKey, KEY_QUERY_VALUE)) {
         snapshot.results = ReadValues(key.get());
     }
     if (const UniqueRegKey key = OpenKey(kRegistrationKey, KEY_QUERY_VALUE)) {

@@ -9,6 +9,7 @@
 #include "Handles.h"
 #include "NetInst.h"
 #include "RecordNames.h"
+#include "ResultKeyNames.h"
 
 namespace {
 constexpr char kRestartValue[] = "RebootNeeded";
@@ -70,7 +71,7 @@ bool IsNumberOtherThanZero(HKEY key, const char* name)
 
 void ForgetEarlierFailures()
 {
-    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kBasedriversKey, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
         for (const std::string& name : FailureRecords(key.get())) {
             RegDeleteValueA(key.get(), name.c_str());
         }
@@ -84,7 +85,7 @@ void ForgetEarlierFailures()
 ResultRecords ReadResultRecords()
 {
     ResultRecords records;
-    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kBasedriversKey, KEY_QUERY_VALUE)) {
         records.install = ReadText(key.get(), "Install");
         records.version = ReadText(key.get(), "Version");
         records.restartNeeded = IsNumberOtherThanZero(key.get(), kRestartValue);
