@@ -2,14 +2,13 @@
 
 #include <windows.h>
 
-/// The bar that moves in the progress dialog while the install thread works. A dialog without it is served as well.
+/// The bar that moves in the progress dialog while the install thread works. A dialog without it works too.
 
-/// Makes the bar's window class known to the system. Called before the dialog is created.
+/// Registers the bar's window class. Called before the dialog is created.
 void RegisterActivityBar();
 
 /// Shows the bar and sets it in motion. Called on the dialog's thread.
 void ShowActivity(HWND dialog);
 
-/// Takes the bar away. Called on any thread: it never waits for the dialog's thread, which may be waiting for the
-/// caller.
+/// Hides the bar. Called on any thread: it never waits for the dialog's thread, which may be waiting for the caller.
 void HideActivity(HWND dialog);

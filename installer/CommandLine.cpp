@@ -11,7 +11,7 @@ bool IsOption(std::string_view token)
     return token.size() >= 2 && token[0] == '/' && !IsDigit(token[1]);
 }
 
-// Every option has two spellings, all lower and all upper case; a mixture is no option.
+// Every option has two spellings, all lower and all upper case; mixed case is not an option.
 bool HasEither(const OptionMap& optionMap, std::string_view lower, std::string_view upper)
 {
     return HasOption(optionMap, lower) || HasOption(optionMap, upper);

@@ -95,7 +95,7 @@ void OfferFinish(HWND dialog, int show)
     PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(finish), 1);
 }
 
-/// The restart buttons come with a message; where it cannot be had or sent, the finish button leads to the same
+/// A message shows the restart buttons; where it cannot be registered or sent, the finish button leads to the same
 /// question.
 void OfferRestart(HWND dialog)
 {
@@ -111,7 +111,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         AskToClose(dialog);
         return true;
     }
-    // Without an interface the walk still runs: every matched device then counts as refused.
+    // Without an interface the walk still runs, and every matched device counts as refused.
     uint32_t status = 0;
     const auto driverInstall = CreateDriverInstall(&record, status);
     if (!driverInstall) {

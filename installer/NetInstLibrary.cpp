@@ -11,9 +11,8 @@
 #include "Trace.h"
 
 namespace {
-/// An installer library links setupapi.dll, which Windows XP and Server 2003 do not know as one of the system's own:
-/// the loader would take a file of its name from the program's folder. Once the system's is loaded, the name means that
-/// one.
+/// An installer library links setupapi.dll, which is not a known library on Windows XP and Server 2003: the loader
+/// would take a file of that name from the program's folder. Once the system's own is loaded, the loader reuses it.
 void KeepSystemSetupLibraryLoaded()
 {
     static const HMODULE library = LoadSystemLibrary("setupapi.dll").release();
@@ -33,12 +32,13 @@ DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
         Trace("unable to load: ", path, "\n");
         return nullptr;
     }
-    // Stays loaded: the objects that it hands out live in it.
+    // Stays loaded: the code of its objects is in it.
     static_cast<void>(library.release());
     return entry;
 }
 
-// Only a status of 0 is a success, and then there must be an object. One that comes with another status is released.
+// Only a status of 0 is a success, and then there must be an object. An object that comes with another status is
+// released.
 template <class Interface>
 UniqueNetInst<Interface> TakeObject(Interface* object, int32_t result, uint32_t& status)
 {

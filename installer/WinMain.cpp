@@ -82,7 +82,7 @@ int RunDialog(DriverInstallRecord& record)
     MSG message{};
     for (BOOL taken = TRUE; taken != 0;) {
         taken = GetMessageA(&message, nullptr, 0, 0);
-        // -1 is a failure: no message was taken, and the next one may come.
+        // -1 is a failure: no message was received, but the next call may succeed.
         if (taken > 0 && IsDialogMessageA(dialog, &message) == FALSE) {
             TranslateMessage(&message);
             DispatchMessageA(&message);
@@ -136,11 +136,11 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
-    // First of all: the program has an administrator's rights.
+    // First, because the program runs with administrator rights.
     TakeCurrentDirectoryOutOfLibrarySearch();
     ReportCriticalErrorsToTheProgram();
     EndOnEveryFault();
-    // Caught, and not left to the language runtime, so that everything on the way here is given back.
+    // Caught so that destructors run.
     try {
         return RunProgram(__argc, __argv);
     } catch (...) {

@@ -1,7 +1,7 @@
 #include "TwoByteText.h"
 
 namespace {
-/// @return the number of bytes of the character at `at`; a lead byte at the end of the text stands alone.
+/// @return the number of bytes of the character at `at`; a lead byte at the end of the text counts as one.
 std::size_t CharacterBytes(std::string_view text, std::size_t at, LeadByteTest isLeadByte)
 {
     return isLeadByte(static_cast<unsigned char>(text[at])) && at + 1 < text.size() ? 2 : 1;

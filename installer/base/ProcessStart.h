@@ -12,7 +12,7 @@ struct ProcessStart
 {
     std::string commandLine;    ///< program and arguments; the platform may write into it
     DWORD creationFlags = 0;    ///< of CreateProcess
-    std::string program = {};   ///< full path; empty: the first word of the command line, which the platform looks for
+    std::string program = {};   ///< full path; empty: the first word of the command line, searched for by the platform
     std::string directory = {}; ///< its current directory; empty: the caller's
 };
 

@@ -23,7 +23,7 @@ bool RestartFollows()
 }
 
 // The stored length of "Reboot" is that of the result text, not of "Yes": readers stop at the terminator and see "Yes".
-// The bytes behind it are zeros of our own.
+// The bytes after it are zeros.
 void SetReboot(HKEY key, const std::string& result)
 {
     std::string data = "Yes";
@@ -88,7 +88,7 @@ void PostResultToRegistry(const std::string& result, char* driverType, size_t dr
         if (result == kResultSuccess) {
             SetVersions(key.get(), driverType, driverTypeBytes, version);
         }
-        // The first result always lands; later ones only when they are worse.
+        // The first result is always stored; a later one only when it is worse.
         if (!RunState.resultAlreadyPosted || result == kResultFailure) {
             Trace("First time calling PostResultToRegistry() or FAILURE found!");
             SetText(key.get(), "Install", REG_EXPAND_SZ, result);

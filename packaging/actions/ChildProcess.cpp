@@ -21,7 +21,7 @@ ProgramEnd RunAndWait(const ProgramStart& start, std::uint32_t limitSeconds, con
     const HANDLE process = started->process.get();
     const DWORD begin = GetTickCount();
     const DWORD limit = limitSeconds * kMillisecondsPerSecond;
-    // The difference is right even when the count of milliseconds starts over.
+    // The difference is right even when the tick count wraps.
     for (DWORD elapsed = 0; elapsed < limit; elapsed = GetTickCount() - begin) {
         if (WaitForSingleObject(process, std::min(kMillisecondsPerSecond, limit - elapsed)) == WAIT_OBJECT_0) {
             DWORD exitCode = 0;

@@ -12,7 +12,7 @@
 namespace {
 // The longest name that a value can have, with its terminator.
 constexpr DWORD kValueNameChars = 16384;
-// The snapshot travels through a property of the package. A data file is a list of a few kilobytes.
+// The snapshot is passed in a property of the package. A data file is a list of a few kilobytes.
 constexpr LONGLONG kLargestDataFileBytes = 262144;
 
 [[noreturn]] void RefuseToGuess(const std::string& what, LSTATUS error)
@@ -115,7 +115,7 @@ bool WriteDataFile(const std::string& path, const std::string& bytes)
            written == bytes.size();
 }
 
-/// Removes a key that the step has made.
+/// Removes a key that the step has created.
 bool RemoveAddedKey(const char* path)
 {
     if (const UniqueRegKey key = OpenKey(path, KEY_QUERY_VALUE | KEY_SET_VALUE)) {

@@ -38,7 +38,7 @@ std::string ReadText(HKEY key, const std::string& name)
         ERROR_SUCCESS) {
         return {};
     }
-    // The stored text may be longer than its terminator says, or lack one.
+    // The stored text may continue after its terminator, or lack one.
     text.resize(bytes);
     return text.substr(0, text.find('\0'));
 }
