@@ -20,19 +20,17 @@
 #include "Trace.h"
 
 // Times device passes over kits of INF files and prints one line of tab-separated fields for each measurement:
-//   unmatched  files  adapters  passes  way  milliseconds  profile reads  file opens  registry opens
-//   matched    the same, of adapters that are found in pass "passes" in the last file
-//   memory     files  kB of the program's highest working set so far
-//   question   microseconds that one try of the trace's key takes
-//   store      files  new or there  milliseconds that the platform's INF store takes for its copies
-// "way" is plain or reuse. The ways take turns, so that whatever else the machine does meets both.
-// Usage: bench_pass <folder of the shipped files> [profile]
-// With "profile" it runs twenty passes over one kit and prints nothing, for a profiler to look at.
+//   unmatched files adapters passes way milliseconds profile reads file opens registry opens matched the same, of
+//   adapters that are found in pass "passes" in the last file memory files kB of the program's highest working set so
+//   far question microseconds that one try of the trace's key takes store files new or there milliseconds that the
+//   platform's INF store takes for its copies "way" is plain or reuse. The ways alternate, so that other load on the
+//   machine affects both. Usage: bench_pass <folder of the shipped files> [profile] With "profile" it runs twenty
+//   passes over one kit and prints nothing, for a profiler.
 
 namespace {
 constexpr int kSearchPasses = 4;
 
-/// What the system is asked, wherever the call comes from.
+/// Calls to the system, wherever they come from.
 class Counts
 {
 public:
@@ -51,7 +49,7 @@ private:
     [[nodiscard]] uint64_t Files() const { return m_createFile.Calls() + m_openFile.Calls(); }
     [[nodiscard]] uint64_t Registry() const { return m_openKey.Calls(); }
 
-    // Below kernelbase there is only the system itself.
+    // Only the system itself is below kernelbase.
     HMODULE m_base = GetModuleHandleA("kernelbase.dll");
     CallCount m_texts{"GetPrivateProfileStringA"};
     CallCount m_sections{"GetPrivateProfileSectionA"};
@@ -91,7 +89,7 @@ double TimePass(bool plainWay)
     return Now() - start;
 }
 
-/// Every INF counts as handed to the platform's INF store: what the store does is measured apart.
+/// Every INF counts as already in the platform's INF store, which is measured separately.
 void UseKit(const Kit& kit)
 {
     LocationInfo.setupDir = kit.Directory();
@@ -108,7 +106,7 @@ struct Row
 
 void MeasurePasses(Counts& counts, const Row& row, int rounds, int plainRounds)
 {
-    // The first to read the files of a kit also pays for bringing them into memory.
+    // The first read of a kit's files also loads them into the cache.
     TimePass(false);
     for (int round = 0; round < rounds; ++round) {
         for (const bool plainWay : {true, false}) {
@@ -125,7 +123,7 @@ void MeasurePasses(Counts& counts, const Row& row, int rounds, int plainRounds)
     }
 }
 
-/// Adapters that no INF lists: each is searched for in all passes.
+/// Adapters that no INF lists: all passes search for each.
 void MeasureUnmatched(Counts& counts)
 {
     for (const int files : {10, 100, 400}) {
@@ -133,7 +131,7 @@ void MeasureUnmatched(Counts& counts)
         UseKit(kit);
         for (const int adapterCount : {1, 8, 32}) {
             const Adapters adapters(adapterCount);
-            // The largest kits take the plain way minutes: it is timed once there.
+            // With the largest kits the plain way takes minutes: it is timed once.
             constexpr int kRounds = 3;
             constexpr int kVisitsForThePlainWay = 10'000;
             const int visits = files * adapterCount * kSearchPasses;
@@ -167,7 +165,7 @@ void MeasureMatchedIn(Counts& counts, int pass)
     }
 }
 
-/// The one question that is asked anew with every line of the trace, however much is reused.
+/// The one call that every trace line makes, regardless of reuse.
 void MeasureQuestion()
 {
     constexpr int kTimes = 20'000;
@@ -178,7 +176,7 @@ void MeasureQuestion()
     std::printf("question\t%.2f\n", (Now() - start) * 1000 / kTimes);
 }
 
-/// What the platform's INF store takes for itself, once per INF and run: a pass of one adapter with and without it.
+/// The cost of the platform's INF store, once per INF and run: a pass of one adapter with and without it.
 void MeasureStore()
 {
     for (const int files : {10, 100, 400}) {

@@ -5,11 +5,10 @@
 #include <oleauto.h>
 #include <setupapi.h>
 
-// A GUI program that does nothing, with the system libraries of the installer: what starting and ending it costs, every
-// program costs.
+// A GUI program that does nothing, with the installer's system libraries: every program costs at least this much.
 
 namespace {
-/// Imported libraries are loaded whether or not they are called; naming one function of each imports it.
+/// Imported libraries are loaded even when unused; naming one function imports its library.
 const volatile void* const kImports[] = {
     reinterpret_cast<const void*>(&RegCloseKey),       reinterpret_cast<const void*>(&InitCommonControlsEx),
     reinterpret_cast<const void*>(&CoInitializeEx),    reinterpret_cast<const void*>(&SysFreeString),

@@ -58,7 +58,7 @@ std::string InfContent(int file, const std::vector<std::string>& listedIds)
         content += "D" + number + ".DeviceDesc = \"Norda Network Adapter, model " + number + "\"\r\n";
     }
     content += "Norda = \"Norda\"\r\n";
-    // Files of a kit are not all of one size.
+    // A kit's files vary in size.
     while (content.size() < kInfBytes + static_cast<std::size_t>(file) * 8) {
         content += "; text\r\n";
     }

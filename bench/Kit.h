@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-/// A kit of one directory with many INF files of 60 KB and a setup INI, in a directory of its own below the temporary
-/// one; removed at the end of the object's life.
+/// A kit of one directory with many INF files of 60 KB and a setup INI, in its own temporary directory, which the
+/// destructor removes.
 class Kit
 {
 public:
     /// @param files       Number of INF files. All qualify.
-    /// @param listedIds   Hardware IDs that the last INF lists besides its own; nobody else lists them.
+    /// @param listedIds   Hardware IDs that the last INF lists besides its own; no other INF lists them.
     explicit Kit(int files, const std::vector<std::string>& listedIds = {});
     ~Kit();
     Kit(const Kit&) = delete;
@@ -24,7 +24,7 @@ private:
     std::vector<std::string> m_fileNames;
 };
 
-/// Adapters in the registry, as the system lists them; removed at the end of the object's life.
+/// Adapters in the registry, as the system lists them; the destructor removes them.
 class Adapters
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The plain way, in which the platform is asked every time. The product has no such switch.
+/// The plain way asks the platform every time. The product has no such switch.
 struct ReuseSwitchRecord
 {
     bool plainWay = false; ///< read by AnswerReuse when it begins

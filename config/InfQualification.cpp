@@ -4,6 +4,7 @@
 #include <array>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "Tokens.h"
 
 namespace {
@@ -17,7 +18,7 @@ struct SignatureRow
 };
 
 constexpr std::array kSignatures = std::to_array<SignatureRow>({
-    {kFamilyWindowsMillenium, "$Chicago$"},
+    {kFamilyWindowsMe, "$Chicago$"},
     {kFamilyWindows98, "$Chicago$"},
     {kFamilyWindowsWhistler, "$Windows NT$"},
     {kFamilyWindows2000, "$Windows NT$"},

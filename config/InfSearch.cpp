@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "AnswerReuse.h"
+#include "EqualsIgnoringCase.h"
 #include "Handles.h"
 #include "InfQualification.h"
 #include "InfReader.h"
@@ -95,7 +96,7 @@ bool GetInfFile(const char* key, const std::string& directory, const DriverInsta
     Trace("Entering - GetInfFile");
     Trace("GetInfFile(), key:[[", key == nullptr ? "" : key, "]], dir:", directory, "\n");
     const InfSearchRules rules =
-        InfSearchRulesFor(COSVersion().GetOSCode(), FamilyOf(record), RunOptions.forceInfScan != 0, excludes);
+        InfSearchRulesFor(COSVersion().GetOSCode(), FamilyOf(record), RunOptions.forceInfScan, excludes);
     const std::string found = FindInfInDirectory(key, WithTrailingBackslash(directory, IsSystemLeadByte), rules);
     if (!found.empty()) {
         OrvSafeCopy("InfSearch", __LINE__, infPath, kInfPathBytes, found.c_str());

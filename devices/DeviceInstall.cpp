@@ -17,6 +17,7 @@
 #include "OrvRegKey.h"
 #include "OrvString.h"
 #include "PostInstall.h"
+#include "ResultKeyNames.h"
 #include "Trace.h"
 
 static_assert(kRememberedInstallError == kNetInstRefused);
@@ -59,9 +60,8 @@ class SourcePathValue
 public:
     explicit SourcePathValue(const std::string& infPath)
     {
-        constexpr char kKey[] = R"(Software\Norda\Basedrivers)";
-        if (!m_key.Open(HKEY_LOCAL_MACHINE, kKey, kForWriting)) {
-            m_key.Create(HKEY_LOCAL_MACHINE, kKey, kForWriting, kPermanent);
+        if (!m_key.Open(HKEY_LOCAL_MACHINE, kBasedriversKey, kForWriting)) {
+            m_key.Create(HKEY_LOCAL_MACHINE, kBasedriversKey, kForWriting, kPermanent);
         }
         m_key.SetValue(m_name, COrvString(infPath), kPlainText);
     }

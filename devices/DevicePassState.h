@@ -27,4 +27,4 @@ struct DevicePassStateRecord
 };
 
 /// The run's indicators, cleared at process start.
-extern DevicePassStateRecord DevicePassState;
+inline DevicePassStateRecord DevicePassState;

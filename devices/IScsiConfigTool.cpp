@@ -3,33 +3,22 @@
 #include <windows.h>
 
 #include <string>
+#include <utility>
 
-#include "ErrorMode.h"
-#include "Handles.h"
+#include "ProcessStart.h"
 #include "SentMessages.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
 
 namespace {
-bool Start(std::string& commandLine, PROCESS_INFORMATION& process)
-{
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    const StartErrorMode inherited;
-    return CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr,
-                          &startup, &process) != FALSE;
-}
-
 bool RunAndWait(std::string commandLine)
 {
-    PROCESS_INFORMATION process{};
-    if (!Start(commandLine, process)) {
+    const auto started = StartProcess({.commandLine = std::move(commandLine), .creationFlags = CREATE_NO_WINDOW});
+    if (!started) {
         return false;
     }
-    const UniqueHandle processOwner(process.hProcess);
-    const UniqueHandle threadOwner(process.hThread);
     // The dialog's thread makes this call.
-    WaitAnsweringSentMessages(process.hProcess, INFINITE);
+    WaitAnsweringSentMessages(started->process.get(), INFINITE);
     return true;
 }
 } // namespace

@@ -24,7 +24,7 @@ struct SystemFamily
 
 // The trailing backslash of the Windows 98 row is meant, unlike the millennium row's lack of one.
 inline constexpr std::array kSystemFamilies = std::to_array<SystemFamily>({
-    {kFamilyWindowsMillenium, R"(Enum\PCI)", InstallRoute::DriverUpdate},
+    {kFamilyWindowsMe, R"(Enum\PCI)", InstallRoute::DriverUpdate},
     {kFamilyWindowsWhistler, R"(SYSTEM\CurrentControlSet\Enum\PCI)", InstallRoute::DriverInterface},
     {kFamilyWindows2000, R"(SYSTEM\CurrentControlSet\Enum\PCI)", InstallRoute::DriverInterface},
     {kFamilyWindowsVista, R"(SYSTEM\CurrentControlSet\Enum\PCI)", InstallRoute::DriverInterface},

@@ -57,7 +57,7 @@ int RunningAsAdministrator()
     if (OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &opened) == FALSE) {
         const DWORD error = GetLastError();
         if (error != ERROR_NO_TOKEN) {
-            // A system without security knows no tokens: everybody is an administrator there.
+            // A system without security has no tokens: everybody is an administrator there.
             return error == ERROR_CALL_NOT_IMPLEMENTED ? 1 : 0;
         }
         if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened) == FALSE) {

@@ -11,7 +11,7 @@ bool IsOption(std::string_view token)
     return token.size() >= 2 && token[0] == '/' && !IsDigit(token[1]);
 }
 
-// Every option has two spellings, all lower and all upper case; a mixture is no option.
+// Every option has two spellings, all lower and all upper case; mixed case is not an option.
 bool HasEither(const OptionMap& optionMap, std::string_view lower, std::string_view upper)
 {
     return HasOption(optionMap, lower) || HasOption(optionMap, upper);
@@ -21,31 +21,31 @@ void DecideInteractive(const OptionMap& optionMap, CommandLineDecision& decision
 {
     if (HasEither(optionMap, "/m", "/M")) {
         decision.traceLines.emplace_back("command line: '/m', install MSI\n");
-        decision.options.msiMode = 1;
+        decision.options.msiMode = true;
     } else if (HasEither(optionMap, "/md", "/MD")) {
         decision.traceLines.emplace_back("command line: '/md', install MSI, OEM variant\n");
-        decision.options.msiMode = 1;
-        decision.options.oemGui = 1;
+        decision.options.msiMode = true;
+        decision.options.oemGui = true;
     }
 }
 
 void DecideSilent(const OptionMap& optionMap, CommandLineDecision& decision)
 {
     decision.traceLines.emplace_back("command line: '/s', install silently\n");
-    decision.options.silent = 1;
+    decision.options.silent = true;
     if (HasEither(optionMap, "/r", "/R")) {
         decision.traceLines.emplace_back("command line: '/r', force a reboot\n");
-        decision.options.forceReboot = 1;
+        decision.options.forceReboot = true;
     } else if (HasEither(optionMap, "/nr", "/NR")) {
         decision.traceLines.emplace_back("command line:  '/nr', suppress a reboot request");
-        decision.options.suppressReboot = 1;
+        decision.options.suppressReboot = true;
     } else if (HasEither(optionMap, "/m", "/M")) {
         decision.traceLines.emplace_back("command line: '/s /m', install MSI\n");
-        decision.options.msiMode = 1;
+        decision.options.msiMode = true;
     } else if (HasEither(optionMap, "/md", "/MD")) {
         decision.traceLines.emplace_back("command line: '/s /md', install MSI, OEM variant\n");
-        decision.options.msiMode = 1;
-        decision.options.oemGui = 1;
+        decision.options.msiMode = true;
+        decision.options.oemGui = true;
     }
 }
 } // namespace
@@ -97,7 +97,7 @@ CommandLineDecision DecideOptions(const OptionMap& optionMap)
     }
     if (HasEither(optionMap, "/n", "/N")) {
         decision.traceLines.emplace_back("command line: '/n', force scan of all INF files\n");
-        decision.options.forceInfScan = 1;
+        decision.options.forceInfScan = true;
     }
     return decision;
 }

@@ -19,7 +19,7 @@ int ParseCommandLine(OptionMap& optionMap, int argc, const char* const* argv);
 /// @return true when `token` is an option of the command line; exact and case-sensitive.
 bool HasOption(const OptionMap& optionMap, std::string_view token);
 
-/// What a command line comes to.
+/// What a command line means for the run.
 struct CommandLineDecision
 {
     bool help = false; ///< the run ends at once with exit code 0
@@ -28,5 +28,5 @@ struct CommandLineDecision
 };
 
 /// Decides the run from its options. In a silent run "/r" wins over "/nr" and either of them cancels "/m" and "/md"; in
-/// an interactive run "/r" and "/nr" are not looked at. Administrators' scripts rely on this precedence.
+/// an interactive run "/r" and "/nr" are ignored. Administrators' scripts rely on this precedence.
 CommandLineDecision DecideOptions(const OptionMap& optionMap);

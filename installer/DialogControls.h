@@ -6,7 +6,7 @@ inline constexpr int kStatusText = 1000;
 inline constexpr int kFinishButton = 1002;
 inline constexpr int kRestartNowButton = 1004;
 inline constexpr int kRestartLaterButton = 1007;
-/// A bar that moves while the install thread works. A template without it is served as well.
+/// A bar that moves while the install thread works. A template without it works too.
 inline constexpr int kActivityBar = 1010;
 inline constexpr unsigned kActivityPeriodMilliseconds = 50;
 

@@ -4,21 +4,21 @@
 
 bool OutcomeDecidesRestart(const RunOptionsRecord& options)
 {
-    return options.forceReboot == 0 && options.suppressReboot == 0;
+    return !options.forceReboot && !options.suppressReboot;
 }
 
 RestartAction DecideRestart(const RunOptionsRecord& options, bool restartNeeded)
 {
-    if (options.forceReboot != 0) {
+    if (options.forceReboot) {
         return RestartAction::Restart;
     }
-    if (options.suppressReboot != 0 || !restartNeeded) {
+    if (options.suppressReboot || !restartNeeded) {
         return RestartAction::None;
     }
-    if (options.msiMode != 0) {
+    if (options.msiMode) {
         return RestartAction::RecordForInstaller;
     }
-    return options.silent != 0 ? RestartAction::Restart : RestartAction::Ask;
+    return options.silent ? RestartAction::Restart : RestartAction::Ask;
 }
 
 bool IscsiSettingsAreVerified(bool iscsiBootAdapter, const IscsiConditions& conditions)

@@ -11,13 +11,13 @@ enum class RestartAction
     RecordForInstaller, ///< "RebootNeeded" tells the Windows Installer package
 };
 
-/// Whether the outcome is looked at for reasons to restart: neither "/r" nor "/nr" settles the matter beforehand.
+/// Whether restart reasons are evaluated: neither "/r" nor "/nr" has decided already.
 [[nodiscard]] bool OutcomeDecidesRestart(const RunOptionsRecord& options);
 
-/// @param restartNeeded  One of the outcome's reasons holds; not looked at when the options settle the matter.
+/// @param restartNeeded  One of the restart reasons holds; ignored when the options decide.
 [[nodiscard]] RestartAction DecideRestart(const RunOptionsRecord& options, bool restartNeeded);
 
-/// The four conditions of iSCSI boot, in the order in which the iSCSI support hands them out.
+/// The four conditions of iSCSI boot, in the order in which the iSCSI support reports them.
 struct IscsiConditions
 {
     bool rightSystem = false;
@@ -29,7 +29,7 @@ struct IscsiConditions
 /// Whether the iSCSI boot settings are to be verified: all four conditions count.
 [[nodiscard]] bool IscsiSettingsAreVerified(bool iscsiBootAdapter, const IscsiConditions& conditions);
 
-/// Whether an iSCSI boot adapter is a reason to restart: a crash dump that cannot be written is no obstacle to that.
+/// Whether an iSCSI boot adapter is a reason to restart: the crash dump does not count.
 [[nodiscard]] bool IscsiBootNeedsRestart(bool iscsiBootAdapter, const IscsiConditions& conditions);
 
 /// Which text a finished interactive run shows: the identifier of a string of the resource library.

@@ -14,31 +14,31 @@ namespace {
 constexpr bool kForReading = false;
 void CheckManagementExtension()
 {
-    if (RunOptions.msiMode != 0) {
-        RunState.extensionUpdateAllowed = 1;
+    if (RunOptions.msiMode) {
+        RunState.extensionUpdateAllowed = true;
         return;
     }
     COrvRegKey key;
     COrvString version;
     if (key.Open(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Network_Services\TERN)", kForReading) &&
         key.GetValue("OEMVersion", version) && ManagementExtensionAllowsUpdate(static_cast<const char*>(version))) {
-        RunState.extensionUpdateAllowed = 1;
+        RunState.extensionUpdateAllowed = true;
     }
 }
 } // namespace
 
 bool FcoeBootAllowsRun()
 {
-    RunState.fcoeBootPorts = AreFCoEBootEnabledPortsPresent() ? 1 : 0;
+    RunState.fcoeBootPorts = AreFCoEBootEnabledPortsPresent();
     CheckManagementExtension();
-    if (RunState.fcoeBootPorts == 0) {
+    if (!RunState.fcoeBootPorts) {
         return true;
     }
-    if (RunState.extensionUpdateAllowed != 0) {
-        RunState.fcoeRestart = 1;
+    if (RunState.extensionUpdateAllowed) {
+        RunState.fcoeRestart = true;
         return true;
     }
-    if (RunOptions.silent == 0 && RunOptions.msiMode == 0) {
+    if (!RunOptions.silent && !RunOptions.msiMode) {
         MessageBoxA(nullptr, LangString(kStringFcoeBootTooOld).c_str(), LangString(kStringInstallFailed).c_str(),
                     MB_ICONERROR);
     }

@@ -24,7 +24,7 @@ bool InsertsAreNumbers(std::string_view message)
         if (behind.empty()) {
             return true;
         }
-        // %0 is no insert, as little as %% and %n are.
+        // %0, %% and %n are not inserts.
         if (behind.front() >= '1' && behind.front() <= '9') {
             const std::size_t digits = behind.size() > 1 && kDigits.find(behind[1]) != std::string_view::npos ? 2 : 1;
             if (!BeginsWithNumberFormat(behind.substr(digits))) {

@@ -4,5 +4,5 @@
 
 /// @param message  A text for the platform's FormatMessage.
 /// @return true when every insert of the text says that it is a number, as %1!u! does. An insert without a format, or
-///         with that of a text, is the address of one: such a text must not be given numbers.
+///         with a text format, is the address of a text: never pass it a number.
 [[nodiscard]] bool InsertsAreNumbers(std::string_view message);

@@ -95,7 +95,7 @@ void OfferFinish(HWND dialog, int show)
     PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(finish), 1);
 }
 
-/// The restart buttons come with a message; where it cannot be had or sent, the finish button leads to the same
+/// A message shows the restart buttons; where it cannot be registered or sent, the finish button leads to the same
 /// question.
 void OfferRestart(HWND dialog)
 {
@@ -111,7 +111,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         AskToClose(dialog);
         return true;
     }
-    // Without an interface the walk still runs: every matched device then counts as refused.
+    // Without an interface the walk still runs, and every matched device counts as refused.
     uint32_t status = 0;
     const auto driverInstall = CreateDriverInstall(&record, status);
     if (!driverInstall) {
@@ -132,11 +132,11 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         const unsigned outcome = OutcomeString(DevicePassState.deviceMatched != 0, DevicePassState.installFailed == 1);
         SetDlgItemTextA(dialog, kStatusText, LangString(outcome).c_str());
     }
-    if (RunState.fcoeRestart == 1) {
+    if (RunState.fcoeRestart) {
         OfferRestart(dialog);
         return true;
     }
-    if (RunOptions.oemGui != 0 && dialog != nullptr) {
+    if (RunOptions.oemGui && dialog != nullptr) {
         SetTimer(dialog, kCloseTimer, kClosePeriodMilliseconds, nullptr);
     }
     OfferFinish(dialog, SW_SHOWNORMAL);
@@ -147,8 +147,8 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
 /// @return false when the device pass could not run.
 bool RunWindows9x(RunFlow flow, DriverInstallRecord& record, HWND dialog)
 {
-    (flow == RunFlow::WindowsMe ? RunState.windowsMeRun : RunState.windows98Run) = 1;
-    const bool silent = RunOptions.silent != 0;
+    (flow == RunFlow::WindowsMe ? RunState.windowsMeRun : RunState.windows98Run) = true;
+    const bool silent = RunOptions.silent;
     if (!silent && dialog == nullptr) {
         return true;
     }
@@ -188,7 +188,7 @@ bool RunFlowFor(DriverInstallRecord& record, HWND dialog)
 int InstallDrivers(DriverInstallRecord& record, HWND dialog)
 {
     Trace("Enter -> InstallDrivers()\n");
-    if (RunOptions.silent != 0 || !WindowsAreSeen()) {
+    if (RunOptions.silent || !WindowsAreSeen()) {
         RefuseSetupQuestions();
     }
     const bool comInitialized = InitializeCom();

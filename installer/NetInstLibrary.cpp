@@ -33,12 +33,13 @@ DllGetClassFactoryObjectFn FindFactoryExport(uint32_t& status)
         Trace("unable to load: ", path, "\n");
         return nullptr;
     }
-    // Stays loaded: the objects that it hands out live in it.
+    // Stays loaded: the code of its objects is in it.
     static_cast<void>(library.release());
     return entry;
 }
 
-// Only a status of 0 is a success, and then there must be an object. One that comes with another status is released.
+// Only a status of 0 is a success, and then there must be an object. An object that comes with another status is
+// released.
 template <class Interface>
 UniqueNetInst<Interface> TakeObject(Interface* object, int32_t result, uint32_t& status)
 {

@@ -1,6 +1,7 @@
 #include "ProberStatus.h"
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "StringIds.h"
 
 std::optional<uint32_t> MessageForProberStatus(uint32_t status, std::string_view osFamily)

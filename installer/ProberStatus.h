@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-/// Statuses of the system prober that have a message of their own; any other one is reported with an empty text.
+/// Statuses of the system prober with their own message; any other is reported with an empty text.
 inline constexpr uint32_t kStatusNotAdministrator = 0x80640008;
 inline constexpr uint32_t kStatusNoAdapter = 0x80640010;
 inline constexpr uint32_t kStatusNotReady = 0x80640011;

@@ -8,6 +8,7 @@
 #include "CloseRequest.h"
 #include "DialogControls.h"
 #include "EndOfRun.h"
+#include "EqualsIgnoringCase.h"
 #include "Handles.h"
 #include "InsertRules.h"
 #include "InstallRun.h"
@@ -15,6 +16,7 @@
 #include "PendingUninstall.h"
 #include "Restart.h"
 #include "RestartMessage.h"
+#include "RestartQuestion.h"
 #include "RestartReasons.h"
 #include "ResultKeys.h"
 #include "RunOptions.h"
@@ -83,7 +85,7 @@ void StartInstallThread(HWND dialog)
 void InitializeDialog(HWND dialog, const DialogButtons& buttons)
 {
     installThreadParameters.dialog = dialog;
-    if (RunOptions.msiMode != 0 || RunOptions.silent != 0) {
+    if (RunOptions.msiMode || RunOptions.silent) {
         SetStatus(dialog, LangString(kStringWorking));
         StartInstallThread(dialog);
         return;
@@ -107,11 +109,11 @@ bool InstallThreadEndsWithin(DWORD milliseconds)
 /// Asks the system to restart once the install thread has ended its restore point.
 void RestartOnceInstalled()
 {
-    // A message that is answered during the wait may ask for the restart as well.
+    // A message that is answered during the wait may ask for the restart too.
     if (!std::exchange(restarting, true)) {
         const bool wasClosing = closing;
         InstallThreadEndsWithin(kRestartWaitMilliseconds);
-        // Whoever has closed the dialog meanwhile has been asked, and has answered.
+        // Whoever closed the dialog meanwhile has answered the question.
         if (closing == wasClosing) {
             RestartMachine();
         }
@@ -126,7 +128,7 @@ INT_PTR OnCommand(HWND dialog, const DialogButtons& buttons, WPARAM wParam, LPAR
         return 0;
     }
     if ((control == buttons.ok || control == buttons.cancel) && IsWindowEnabled(control) == FALSE) {
-        // The Return and Escape keys still name these buttons while the drivers are being installed.
+        // Return and Escape still send these commands while the drivers are being installed.
         return 0;
     }
     if (control == buttons.ok) {
@@ -165,11 +167,10 @@ std::string CountdownText()
     const std::string format = LangString(kStringRestartCountdown);
     DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY;
     if (!InsertsAreNumbers(format)) {
-        // The seconds are not the address of a text. A countdown that asks for one is shown as it stands.
+        // The argument is not a string pointer; show string inserts literally.
         flags |= FORMAT_MESSAGE_IGNORE_INSERTS;
     }
-    // 99 is the highest insert that FormatMessage knows: a text that asks for more than the seconds reads zeros of
-    // ours.
+    // FormatMessage knows inserts up to 99: a text with more than one reads zeros from this array.
     std::array<DWORD_PTR, 99> arguments{static_cast<DWORD_PTR>(countdown)};
     char* text = nullptr;
     FormatMessageA(flags, format.c_str(), 0, 0, reinterpret_cast<char*>(&text), kMessageBytes,
@@ -230,13 +231,13 @@ bool DecideAndRecordRestart()
 
 INT_PTR OnClose(HWND dialog)
 {
-    // While the restart question is open the dialog can still be told to close: one end is enough. Told that this was
-    // not handled, the system would press Cancel, which asks to close again, without an end.
+    // While the restart question is open, the dialog can be closed again; decide once. If this were reported as not
+    // handled, the system would press Cancel, which closes again, for ever.
     if (std::exchange(closing, true)) {
         return 1;
     }
     KillTimer(dialog, kCloseTimer);
-    // Whoever chose to restart later is not restarted by a countdown while the question waits for its answer.
+    // A user who chose to restart later must not be restarted by the countdown while the question is open.
     KillTimer(dialog, kCountdownTimer);
     const bool restart = DecideAndRecordRestart();
     // The install thread asks for the end before it has ended itself, and others can close the dialog under it: while
@@ -250,7 +251,7 @@ INT_PTR OnClose(HWND dialog)
         RestartMachine();
     }
     if (DestroyWindow(dialog) == FALSE) {
-        // A dialog that stays must not keep the program.
+        // Quit even if the dialog survives.
         return EndMessageLoop();
     }
     return 0;
@@ -259,7 +260,7 @@ INT_PTR OnClose(HWND dialog)
 
 HWND CreateProgressDialog(HWND owner)
 {
-    // The texts are loaded in the language of the run; the template is picked by the thread's.
+    // Texts are loaded in the language of the run, but the template in the thread's.
     const ThreadLanguage language(runLanguageId);
     return CreateDialogParamA(resourceModule, MAKEINTRESOURCEA(kProgressDialog), owner, ProgressDialogProc, 0);
 }
@@ -273,11 +274,11 @@ namespace {
 INT_PTR HandleMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const DialogButtons buttons = FindButtons(dialog);
-    if (RunOptions.msiMode != 0) {
+    if (RunOptions.msiMode) {
         HideAndDisable(buttons.cancel);
         HideAndDisable(buttons.ok);
     }
-    // 0 when the system could not register it.
+    // 0 when it could not be registered.
     if (message == restartMessage && restartMessage != 0) {
         return OnRestartOffered(dialog, buttons);
     }
@@ -303,7 +304,7 @@ void RunInstallThread(InstallThreadParameters& thread)
     Trace("Entering - InstallThread");
     thread.result = InstallDrivers(*thread.record, thread.dialog);
     const bool failedInteractively =
-        thread.result == -1 && RunState.fcoeRestart == 0 && RunOptions.silent == 0 && RunOptions.msiMode == 0;
+        thread.result == -1 && !RunState.fcoeRestart && !RunOptions.silent && !RunOptions.msiMode;
     if (failedInteractively) {
         SetStatus(thread.dialog, LangString(kStringInstallFailed));
         const HWND finish = GetDlgItem(thread.dialog, kFinishButton);
@@ -314,8 +315,8 @@ void RunInstallThread(InstallThreadParameters& thread)
 }
 } // namespace
 
-// No exception leaves the two functions that the platform calls: what it would make of one differs from system to
-// system, and here everything on the way is given back.
+// No exception leaves the two functions that the platform calls: what happens then differs between systems, and no
+// destructor would run.
 
 INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {

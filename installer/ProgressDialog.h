@@ -19,7 +19,7 @@ INT_PTR CALLBACK ProgressDialogProc(HWND dialog, UINT message, WPARAM wParam, LP
 
 /// Creates the progress dialog, hidden, with template and texts in the language of the run. Needs the window class, the
 /// resource library and the record of installThreadParameters.
-/// @param owner  The window that it belongs to, or null.
+/// @param owner  Its owner window, or null.
 /// @return null when it cannot be created.
 [[nodiscard]] HWND CreateProgressDialog(HWND owner);
 

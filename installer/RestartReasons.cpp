@@ -29,7 +29,7 @@ bool DmaEngineNeedsRestart()
 
 bool FcoeNeedsRestart()
 {
-    return RunState.fcoeBootPorts != 0 && RunState.extensionUpdateAllowed != 0;
+    return RunState.fcoeBootPorts && RunState.extensionUpdateAllowed;
 }
 } // namespace
 

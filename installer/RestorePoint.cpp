@@ -11,8 +11,8 @@ SetRestorePointFn setRestorePoint = nullptr;
 namespace {
 constexpr int kDescriptionBytes = 256;
 
-// The 8-bit text goes byte for byte into the wide field, without conversion. Restore-point lists have always shown this
-// program's points so; whoever looks them up knows them by it.
+// The 8-bit text is copied byte for byte into the wide field, without conversion. Restore-point lists have always shown
+// this program's points that way.
 void SetDescription(RESTOREPOINTINFOW& record)
 {
     std::array<char, sizeof(record.szDescription)> description{};

@@ -13,7 +13,7 @@
 extern SetRestorePointFn setRestorePoint;
 
 /// Starts a nested system restore point of the kind "device driver install".
-/// @param record    Filled here; to be handed to EndRestorePoint, which makes it the end of the same change.
+/// @param record    Filled here; pass it to EndRestorePoint, which ends the same change.
 /// @param sequence  Sequence number of the restore point, 0 when none was started.
 /// @return 1 when a restore point was started, else 0.
 int BeginRestorePoint(RESTOREPOINTINFOW& record, int64_t& sequence);

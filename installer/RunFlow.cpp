@@ -3,6 +3,7 @@
 #include <array>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 
 namespace {
 struct FlowRow
@@ -15,7 +16,7 @@ constexpr std::array kFlows = std::to_array<FlowRow>({
     {kFamilyWindows2000, RunFlow::WindowsNT},
     {kFamilyWindowsWhistler, RunFlow::WindowsNT},
     {kFamilyWindowsVista, RunFlow::WindowsNT},
-    {kFamilyWindowsMillenium, RunFlow::WindowsMe},
+    {kFamilyWindowsMe, RunFlow::WindowsMe},
     {kFamilyWindows98, RunFlow::Windows98},
 });
 } // namespace
@@ -32,5 +33,5 @@ RunFlow FlowForFamily(std::string_view osFamily)
 
 bool IsUnattended(const RunOptionsRecord& options)
 {
-    return options.silent != 0 || (options.msiMode != 0 && options.oemGui == 0);
+    return options.silent || (options.msiMode && !options.oemGui);
 }

@@ -13,9 +13,9 @@ enum class RunFlow
     Unknown,   ///< a family without a flow: nothing is installed
 };
 
-/// @param osFamily  Family name of the record; compared whole, letter case aside.
+/// @param osFamily  Family name of the record; compared as a whole, ignoring letter case.
 [[nodiscard]] RunFlow FlowForFamily(std::string_view osFamily);
 
-/// @return true when the run ends without anybody at the dialog: silent, or a Windows Installer step other than the OEM
+/// @return true when the run needs nobody at the dialog: silent, or a Windows Installer step other than the OEM
 ///         variant.
 [[nodiscard]] bool IsUnattended(const RunOptionsRecord& options);

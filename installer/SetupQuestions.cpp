@@ -10,7 +10,7 @@ void RefuseSetupQuestions()
         library ? FindEntry<SetupSetNonInteractiveModeFn>(library.get(), "SetupSetNonInteractiveMode") : nullptr;
     if (setMode != nullptr) {
         setMode(TRUE);
-        // Stays loaded: the mode is forgotten with the library.
+        // Stays loaded: unloading it would reset the mode.
         static_cast<void>(library.release());
     }
 }

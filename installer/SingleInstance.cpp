@@ -16,7 +16,7 @@ int PreviousInstanceRunning(const char* mutexName)
     if (GetLastError() == ERROR_ALREADY_EXISTS) {
         return 1;
     }
-    // The management software stands in the way on Windows NT 4 only.
+    // The management software conflicts on Windows NT 4 only.
     if (COSVersion().GetOSCode() == osWINNT4 && IsTaviskActive() != 0) {
         std::string message = LangString(kStringCloseManagementSoftware);
         MessageBoxA(nullptr, message.c_str(), "Morvix", MB_ICONERROR);
@@ -32,7 +32,7 @@ int IsTaviskActive()
     const std::string name = IsNT4TerminalServer() ? R"(Global\TaviskMutex)" : "TaviskMutex";
     const HANDLE mutex = CreateMutexA(nullptr, TRUE, name.c_str());
     if (GetLastError() == ERROR_ALREADY_EXISTS) {
-        // The handle is kept: the run stops here anyway.
+        // The handle is not closed: the run stops here anyway.
         return 1;
     }
     if (mutex != nullptr) {

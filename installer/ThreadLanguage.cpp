@@ -7,12 +7,12 @@
 #include "EntryPoints.h"
 
 namespace {
-// Windows Vista and later. Its older relation, SetThreadUILanguage, cannot take a language back, and on some systems
-// before Vista it exists and does something else.
+// Windows Vista and later. The older SetThreadUILanguage cannot undo its setting, and on some systems before Vista it
+// does something else.
 using SetThreadPreferredUILanguagesFn = BOOL(WINAPI*)(DWORD format, const wchar_t* languages, ULONG* count);
 constexpr DWORD kLanguageIdentifiers = 4; // MUI_LANGUAGE_ID
 
-/// @param languages  A list of identifiers, or null for no language of the thread's own.
+/// @param languages  A list of identifiers, or null to remove the thread's setting.
 void PreferUILanguages(const wchar_t* languages)
 {
     const auto prefer =
@@ -32,7 +32,7 @@ ThreadLanguage::ThreadLanguage(uint16_t language)
         list[digit] = kDigits[(language >> (12 - 4 * digit)) & 0xFU];
     }
     PreferUILanguages(list.data());
-    // What earlier systems go by.
+    // What earlier systems use.
     SetThreadLocale(MAKELCID(language, SORT_DEFAULT));
 }
 

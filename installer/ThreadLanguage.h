@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// While the object lives, the platform picks what this thread loads by number, such as a dialog template, in one
-/// language, whatever the language of the user's display is. Afterwards the thread is as it was.
+/// While the object lives, resources that this thread loads by number, such as a dialog template, come in one language,
+/// regardless of the user's display language. The destructor restores the thread's setting.
 class ThreadLanguage
 {
 public:

@@ -27,7 +27,7 @@ bool reportsQuietly = false;
 [[noreturn]] void EndAsFailed() noexcept
 {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(-1));
-    // Not reached: the line above ends this very process.
+    // Not reached: the line above ends this process.
     std::_Exit(-1);
 }
 
@@ -45,7 +45,7 @@ std::string NameOfFault()
     return "unknown";
 }
 
-// Given back when memory runs out, so that there is enough for undoing what was begun and for the trace.
+// Freed when memory runs out, so that there is enough for the destructors and for the trace.
 constexpr std::size_t kReserveBytes = 65536;
 std::atomic<void*> reserve = nullptr;
 
@@ -54,7 +54,7 @@ void OnMemoryOut()
 {
     void* const held = reserve.exchange(nullptr);
     if (held == nullptr) {
-        // The reserve is used up as well: not even an exception could be made.
+        // The reserve is used up too: not even an exception could be thrown.
         EndAsFailed();
     }
     std::free(held);
@@ -88,7 +88,7 @@ std::string PlaceOf(const void* address)
            Hex(reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(module));
 }
 
-// What the language runtime had installed: it turns a C++ exception that nothing catches into a call of terminate.
+// The language runtime's own filter: it turns an uncaught C++ exception into a call of terminate.
 LPTOP_LEVEL_EXCEPTION_FILTER runtimeFilter = nullptr;
 std::atomic<bool> faultTraced = false;
 
@@ -107,7 +107,7 @@ LONG WINAPI TraceFault(EXCEPTION_POINTERS* fault)
     if (IsOfTheLanguageRuntime(record.ExceptionCode) && runtimeFilter != nullptr) {
         return runtimeFilter(fault);
     }
-    // A process that is damaged enough to fail here as well comes back, on this thread or on another.
+    // If the process is damaged enough to fail here too, this function is called again, on this or another thread.
     if (!faultTraced.exchange(true)) {
         try {
             Trace("unhandled fault: exception ", Hex(record.ExceptionCode), " at ", PlaceOf(record.ExceptionAddress),
@@ -115,15 +115,15 @@ LONG WINAPI TraceFault(EXCEPTION_POINTERS* fault)
         } catch (...) { // NOLINT(bugprone-empty-catch): without memory even for the trace, the exit code has to do
         }
     }
-    if (!reportsQuietly && (RunOptions.silent != 0 || !WindowsAreSeen())) {
-        // Before Vista only this keeps the system's box away, and the system's report with it.
+    if (!reportsQuietly && (RunOptions.silent || !WindowsAreSeen())) {
+        // Before Vista only this suppresses the system's box, and its report too.
         SetErrorMode(SetErrorMode(0) | SEM_NOGPFAULTERRORBOX);
     }
-    // The system reports it and ends the process with the exception's code.
+    // The system reports the fault and ends the process with the exception's code.
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-/// Has the system report without asking: nobody may be there to answer.
+/// Makes the system report without asking: nobody may be there to answer.
 void ReportFaultsQuietly()
 {
     using WerSetFlagsFn = HRESULT(WINAPI*)(DWORD);
@@ -132,7 +132,7 @@ void ReportFaultsQuietly()
     reportsQuietly = setFlags != nullptr && SUCCEEDED(setFlags(kNoUserInterface));
 }
 
-/// Windows 7 and later may swallow an exception that leaves a window procedure; the dialog would then just stand still.
+/// Windows 7 and later may swallow an exception that leaves a window procedure; the dialog would then just freeze.
 void LetFaultsLeaveWindowProcedures()
 {
     using GetPolicyFn = BOOL(WINAPI*)(DWORD*);
@@ -164,7 +164,7 @@ void EndOnEveryFault()
     std::set_terminate(EndOnUnhandledFault);
     reserve = std::malloc(kReserveBytes);
     std::set_new_handler(OnMemoryOut);
-    // The language runtime gives up when it lacks memory for its own needs, and would say so in a box.
+    // The language runtime aborts when it runs out of memory, and would report that in a box.
     _set_error_mode(_OUT_TO_STDERR);
     static_cast<void>(std::signal(SIGABRT, EndOnAbort));
 }

@@ -76,12 +76,12 @@ int RunDialog(DriverInstallRecord& record)
         FreeResourceLibrary();
         return kExitFailure;
     }
-    ShowWindow(dialog, RunOptions.silent != 0 ? SW_HIDE : SW_SHOWNORMAL);
+    ShowWindow(dialog, RunOptions.silent ? SW_HIDE : SW_SHOWNORMAL);
 
     MSG message{};
     for (BOOL taken = TRUE; taken != 0;) {
         taken = GetMessageA(&message, nullptr, 0, 0);
-        // -1 is a failure: no message was taken, and the next one may come.
+        // -1 is a failure: no message was received, but the next call may succeed.
         if (taken > 0 && IsDialogMessageA(dialog, &message) == FALSE) {
             TranslateMessage(&message);
             DispatchMessageA(&message);
@@ -129,7 +129,7 @@ int RunProgram(int argc, const char* const* argv)
     }
     const auto record = std::make_unique<DriverInstallRecord>();
     if (const uint32_t status = ProbeSystem(*record); status != 0) {
-        ReportProbeFailure(status, *record, RunOptions.silent != 0);
+        ReportProbeFailure(status, *record, RunOptions.silent);
         FreeResourceLibrary();
         return kExitFailure;
     }
@@ -139,12 +139,12 @@ int RunProgram(int argc, const char* const* argv)
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
-    // First of all: the program has an administrator's rights.
+    // First, because the program runs with administrator rights.
     TakeCurrentDirectoryOutOfLibrarySearch();
     ReportCriticalErrorsToTheProgram();
     EndOnEveryFault();
     RegisterActivityBar();
-    // Caught, and not left to the language runtime, so that everything on the way here is given back.
+    // Caught so that destructors run.
     try {
         return RunProgram(__argc, __argv);
     } catch (...) {

@@ -16,7 +16,7 @@ namespace {
 constexpr int kCannotRun = 125;
 constexpr DWORD kLookMilliseconds = 100;
 
-/// Cuts the first argument off a command line; the rest keeps its quotes, for the program that it is meant for.
+/// Removes the first argument from a command line; the rest keeps its quotes, for the program to start.
 std::string TakeArgument(std::string& commandLine)
 {
     const bool quoted = commandLine.starts_with('"');

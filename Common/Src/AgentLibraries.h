@@ -7,7 +7,7 @@
 
 #include "LeadByte.h"
 
-/// Where one of the maker's libraries is found. The table of them comes from the program that needs them.
+/// Where one of the maker's libraries is. The program that needs them passes a table of these.
 struct AgentLibrary
 {
     std::string_view shortName;
@@ -19,11 +19,11 @@ struct AgentLibrary
     std::string_view value;
 };
 
-/// @return the first row of that short name, compared without regard to the letter case of A to Z; null without one.
+/// @return the first row with that short name, ignoring the case of A to Z; null when there is none.
 [[nodiscard]] const AgentLibrary* FindAgentLibrary(std::span<const AgentLibrary> libraries,
                                                    std::string_view shortName) noexcept;
 
 /// @return the library's full path, with ".DLL"; no value unless `directory` is a full path (a drive or a share), since
-///         anything else would be looked for where anybody may put a file.
+///         any other would be searched for in directories that anybody may write to.
 [[nodiscard]] std::optional<std::string> AgentLibraryPath(std::string_view directory, std::string_view fileName,
                                                           LeadByteTest isLeadByte);

@@ -1,4 +1,4 @@
-// Opening and closing adapters, and what the library knows of them.
+// Opening and closing adapters, and what the library knows about them.
 #include <array>
 #include <vector>
 
@@ -8,10 +8,10 @@
 #include "OrvDebug.h"
 
 namespace {
-// The library writes up to 256 bytes; one more stays zero behind them.
+// The library writes up to 256 bytes; one more zero follows them.
 constexpr size_t kAdapterNameBytes = 257;
 
-// True when the debug value is there and reads 1.
+// True when the debug value exists and is 1.
 bool IsOverridden(const char* name)
 {
     CHelper helper;
@@ -28,7 +28,7 @@ bool CHBAAPIInt::GetAdapterHandle(const wchar_t* adapterName, HBA_HANDLE& handle
         OrvTrace().Print("GetAdapterHandle Failure to get Mutex");
         return false;
     }
-    // Without an initialised library the adapter is not asked for, and no line says why.
+    // Without an initialised library nothing is asked, and no line says why.
     const bool bRet = m_bLibraryInited && m_hModule && OpenController(adapterName, handle);
     mutex.Unlock();
     OrvTrace().Print("Exiting CHBAAPIInt::GetAdapterHandle  bRet = %d", bRet ? 1 : 0);
@@ -41,10 +41,10 @@ bool CHBAAPIInt::OpenController(const wchar_t* adapterName, HBA_HANDLE& handle) 
     const HbaEntry found = FindHbaEntry(m_hModule.get(), L"NORDA_GetFCoEControllerHandle", getHandle);
     if (found == HbaEntry::Missing) {
         const DWORD error = GetLastError();
-        // The name in the text is not the one that was looked up; readers of these traces know it so.
+        // The name in the text is not the one that was looked up; existing log readers expect it.
         OrvTrace().Print("GetProcAddress of NORDA_GetControllerHandle failed with error %d", static_cast<int>(error));
     }
-    // Looked at all the same, so that one trace tells both faults.
+    // Checked anyway, so that one trace shows both faults.
     std::array<char, kHbaNameBytes> name{};
     if (found == HbaEntry::NameNotConverted || !HbaNarrowName(adapterName, name)) {
         OrvTrace().Print("CHBAAPIInt::GetAdapterHandle ConvertTCHARToChar failed");
@@ -73,7 +73,7 @@ bool CHBAAPIInt::GetFCEthernetProperties(HBA_HANDLE handle, NORDA_FCANDNICPROPER
             case HbaEntry::NameNotConverted:
                 return false;
             case HbaEntry::Missing:
-                // Not a failure: such a library has no ports that could be booted from.
+                // Not a failure: such a library has no bootable ports.
                 OrvTrace().Print("GetFCEthernetProperties GetProcAddress failed");
                 break;
             case HbaEntry::Found:
@@ -82,7 +82,7 @@ bool CHBAAPIInt::GetFCEthernetProperties(HBA_HANDLE handle, NORDA_FCANDNICPROPER
                 break;
         }
     }
-    // On purpose after the library's answer and on top of it: they stand for machines that are not at hand.
+    // Deliberately applied after the library's answer: they simulate machines that are not available.
     struct Override
     {
         const char* name;
@@ -106,8 +106,8 @@ bool CHBAAPIInt::CloseAdapHandle(HBA_HANDLE& handle)
 {
     OrvTrace().Print("Entering CHBAAPIInt::CloseAdapHandle");
     OrvTrace().Print("CHBAAPIInt::CloseAdapHandle closing adapter handle - %d", static_cast<int>(handle));
-    // Callers close only a handle that GetAdapterHandle returned, but the library opens by an entry point of its own
-    // and closes through the table: one that opens and fills no table must not bring an elevated program down.
+    // The library opens adapters by an exported function but closes them through the table: one that opens and fills no
+    // table must not crash an elevated program.
     if (m_entryPoints.CloseAdapterHandler != nullptr) {
         m_entryPoints.CloseAdapterHandler(handle);
     }
@@ -147,7 +147,7 @@ bool CHBAAPIInt::GetAdapHandleBasedOnAdapName(const COrvString& name, HBA_HANDLE
     if (open == nullptr) {
         return false;
     }
-    // The API takes a text that it may write to.
+    // The API takes a writable text.
     std::vector<char> text(static_cast<const char*>(name), static_cast<const char*>(name) + name.Length() + 1);
     const HBA_HANDLE opened = open(text.data());
     if (opened == HBA_HANDLE_INVALID) {

@@ -8,14 +8,14 @@
 #include "HbaApi.h"
 #include "OrvString.h"
 
-/// A logical unit behind a target port.
+/// A logical unit of a target port.
 struct HbaLogicalUnit
 {
     HBA_WWN port{};
     HBA_UINT64 lun = 0;
 };
 
-/// Where a command's answer goes. Both must have room: sense data is how a device says why it refused.
+/// Where a command's answer goes. Neither may be empty: sense data says why a device refused.
 struct HbaScsiBuffers
 {
     std::span<HBA_UINT8> response;
@@ -23,9 +23,9 @@ struct HbaScsiBuffers
 };
 
 /// Access to the maker's FCoE host-bus-adapter library, "nordhapi.dll". Use: InitHBAAPIMod, GetAdapterHandle, any
-/// operations on the handle, CloseAdapHandle, DeInitHBAAPIMod. Every operation answers true for success, reports
-/// failures through the library trace and throws nothing. Operations that say so hold the machine-wide mutex
-/// (HbaMutex.h), each for itself only. An object is used by one thread at a time.
+/// operations on the handle, CloseAdapHandle, DeInitHBAAPIMod. Every operation returns true on success, traces failures
+/// through the library trace and throws nothing. Operations that say so hold the machine-wide mutex (HbaMutex.h) while
+/// they run. An object is used by one thread at a time.
 class CHBAAPIInt
 {
 public:
@@ -36,16 +36,16 @@ public:
     CHBAAPIInt& operator=(const CHBAAPIInt&) = delete;
 
     /// Loads and initialises the library. Takes the mutex. Called again it initialises again.
-    /// @return false without the mutex, without the library, or when the library says that it cannot be initialised;
-    ///         in the last case it stays loaded until DeInitHBAAPIMod. True also for a library that has no initialise
-    ///         entry: GetAdapterHandle fails then, unless this object has initialised one before.
+    /// @return false without the mutex, without the library, or when the library says that it cannot be initialised; in
+    ///         the last case it stays loaded until DeInitHBAAPIMod. Also true for a library without an initialise
+    ///         entry: GetAdapterHandle then fails, unless this object initialised one before.
     bool InitHBAAPIMod();
 
-    /// The same for one adapter, which the library is also asked about. What it says about the adapter does not change
-    /// the result: whether the adapter has FCoE shows itself in GetAdapterHandle.
+    /// The same for one adapter, which the library is also asked about. Its answer does not change the result:
+    /// GetAdapterHandle shows whether the adapter has FCoE.
     /// @param adapterName  "\DEVICE\" and the network-configuration instance ID.
     /// @param bEthInst     The adapter has an Ethernet instance; without one nothing is done and the result is false.
-    /// @param info         Receives what the library knows; zeroed when it knows nothing. May be null.
+    /// @param info         Receives the library's answer, all zero without one. May be null.
     bool InitHBAAPIMod(const wchar_t* adapterName, bool bEthInst, NORDA_FCOECONTROLLERINFO* info = nullptr);
 
     /// Opens an adapter. Takes the mutex.
@@ -55,17 +55,17 @@ public:
 
     /// Asks how the machine uses a port. The debug values "FcoE_RemoteBooted" and "FcoE_RemotePageFile" are applied on
     /// top: each that reads 1 sets its flag and makes the result true, whatever the library said.
-    /// @param properties  The library writes the whole record. It is untouched when the library does not have the entry
-    ///                    point, which is not a failure: the caller zeroes it first. May be null; the debug values then
-    ///                    only count for the result.
+    /// @param properties  The library writes the whole record. It is unchanged when the library lacks the entry point,
+    ///                    which is not a failure: the caller zeroes it first. May be null; the debug values then affect
+    ///                    only the result.
     bool GetFCEthernetProperties(HBA_HANDLE handle, NORDA_FCANDNICPROPERTIES* properties);
 
     /// Closes a handle that GetAdapterHandle returned.
-    /// @param handle  Is 0 afterwards, also when the library filled in no function to close it with.
+    /// @param handle  Set to 0, even when the library has no function to close it.
     /// @return true.
     bool CloseAdapHandle(HBA_HANDLE& handle);
 
-    /// Unloads the library, with the mutex if it can be had. In any state, more than once.
+    /// Unloads the library, holding the mutex if possible. May be called in any state and more than once.
     /// @return true.
     bool DeInitHBAAPIMod();
 
@@ -81,14 +81,14 @@ public:
     bool GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTATTRIBUTES& attributes);
     bool GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 portIndex, HBA_PORTSTATISTICS& statistics);
 
-    /// Lists the logical units behind the adapter.
+    /// Lists the logical units that the adapter sees.
     /// @param mapping   `NumberOfEntries` says how many entries there is room for, and then how many there are.
-    /// @param moreData  Set when the list needs more room; the result is false then, and `NumberOfEntries` says how
-    ///                  many entries there are.
+    /// @param moreData  Set when the list needs more room; the result is then false, and `NumberOfEntries` the number
+    ///                  needed.
     bool GetTargetsInfo(HBA_HANDLE handle, HBA_FCPTARGETMAPPING* mapping, bool& moreData);
     /// Lists the target ports that the adapter sees.
     bool GetTargetList(HBA_HANDLE handle, std::vector<HBA_WWN>& targets);
-    /// Has the adapter look for targets again.
+    /// Makes the adapter search for targets again.
     bool RefreshTargetInfo(HBA_HANDLE handle);
     /// Sends READ CAPACITY (10). The answer goes to the buffers; after a failure the sense buffer may say why.
     bool RetrieveLUNCapacity(HBA_HANDLE handle, const HbaLogicalUnit& unit, const HbaScsiBuffers& buffers);
@@ -108,7 +108,7 @@ public:
 
     // Virtual ports. All take the mutex.
 
-    /// Makes up a port name that is not in use.
+    /// Creates a port name that is not in use.
     bool GenerateVportWwpn(HBA_HANDLE handle, HBA_WWN& portName);
     bool CreateVport(HBA_HANDLE handle, const NORDA_VPORT& port);
     bool GetVports(HBA_HANDLE handle, std::vector<HBA_WWN>& ports);
@@ -125,12 +125,12 @@ private:
                 HBA_UINT32& value);
 
     UniqueLibrary m_hModule;
-    /// Always 0; no operation uses it. Room for a value that one may need.
+    /// Always 0; not used.
     [[maybe_unused]] uint64_t m_reserved;
     HBA_ENTRYPOINTS m_entryPoints;
-    /// Set once the table's fill function has been looked for, found or not.
+    /// Set once the table's fill function has been looked up, found or not.
     bool m_bEntryPtsInited;
-    /// Set when the library said that it is initialised, and then for the life of the object: it counts for a library
-    /// loaded later, too.
+    /// Set when the library has reported that it is initialised, for the life of the object: it also counts for a
+    /// library loaded later.
     bool m_bLibraryInited;
 };

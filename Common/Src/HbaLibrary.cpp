@@ -111,7 +111,7 @@ bool CHBAAPIInt::RegisterLibrary()
     if (registerLibrary != nullptr) {
         registerLibrary(&m_entryPoints);
     }
-    // Found or not: the operations see an empty slot for themselves.
+    // Found or not: the operations check for an empty slot.
     m_bEntryPtsInited = true;
     return true;
 }

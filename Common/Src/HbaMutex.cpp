@@ -18,11 +18,11 @@ bool CHBAAPIMutex::Lock()
         return false;
     }
     if (m_held) {
-        // The platform would count a second taking, and one Unlock would not be enough.
+        // The platform would count a second lock, and one Unlock would not be enough.
         return true;
     }
     const DWORD outcome = WaitForSingleObject(m_mutex.get(), kLimitMilliseconds);
-    // An abandoned mutex is held too, though it does not count as had: it must be released all the same.
+    // An abandoned mutex is owned although Lock fails: it must be released.
     m_held = outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
     return outcome == WAIT_OBJECT_0;
 }

@@ -25,8 +25,8 @@ enum class HbaEntry
 };
 
 /// Looks up an entry point of the interface library.
-/// @param library  May be null, which has no entry points.
-/// @param entry    Receives the entry point, null unless it is found. `Fn` must be its real type.
+/// @param library  May be null: then nothing is found.
+/// @param entry    Receives the entry point, null unless found. `Fn` must be its real type.
 template <class Fn>
 [[nodiscard]] HbaEntry FindHbaEntry(HMODULE library, const wchar_t* name, Fn& entry)
 {
@@ -36,7 +36,7 @@ template <class Fn>
         return HbaEntry::NameNotConverted;
     }
     if (library == nullptr) {
-        // For the platform a null module would be the program itself.
+        // To the platform, a null module is the program itself.
         SetLastError(ERROR_INVALID_HANDLE);
         return HbaEntry::Missing;
     }
@@ -44,8 +44,8 @@ template <class Fn>
     return entry == nullptr ? HbaEntry::Missing : HbaEntry::Found;
 }
 
-/// One operation of CHBAAPIInt: traces "Entering CHBAAPIInt::name" and at its end, after the mutex is released and
-/// before it is closed, "Exiting CHBAAPIInt::name".
+/// One operation of CHBAAPIInt: traces "Entering CHBAAPIInt::name", and "Exiting CHBAAPIInt::name" after the mutex is
+/// released and before it is closed.
 class CHBAAPIOperation
 {
 public:
@@ -55,10 +55,10 @@ public:
     CHBAAPIOperation(const CHBAAPIOperation&) = delete;
     CHBAAPIOperation& operator=(const CHBAAPIOperation&) = delete;
 
-    /// Takes the mutex until the end of the operation; traces a failure.
+    /// Locks the mutex until the end of the operation; traces a failure.
     [[nodiscard]] bool TakeMutex();
 
-    /// @return the table's entry, or null with a trace when the table is not filled or the library left this slot out.
+    /// @return the table's entry, or null with a trace when the table is not filled or this slot is empty.
     template <class Fn>
     [[nodiscard]] Fn Slot(bool entryPointsInited, Fn entry) const
     {
@@ -93,7 +93,7 @@ public:
     /// @return true for HBA_STATUS_OK; traces any other status.
     [[nodiscard]] bool Succeeded(HBA_STATUS status) const;
 
-    /// Has the library fill a record: calls `entry(arguments..., &record)`.
+    /// Lets the library fill a record: calls `entry(arguments..., &record)`.
     /// @param record  Written only on success.
     /// @param entry   May be null, which is a failure that has been traced already.
     template <class Record, class Fn, class... Arguments>
@@ -107,7 +107,7 @@ public:
         return true;
     }
 
-    /// Has the library fill a list: asks for the number of entries, makes room and asks again.
+    /// Lets the library fill a list: asks for the number of entries, allocates and asks again.
     /// @param list   Written only on success.
     /// @param entry  May be null, which is a failure that has been traced already.
     template <class Item>
@@ -121,7 +121,7 @@ public:
         if (count != 0 && !Succeeded(entry(handle, answer.data(), &count))) {
             return false;
         }
-        // A list that has become shorter in between ends earlier; one that has become longer keeps to its room.
+        // A list that has become shorter in between ends earlier; one that has become longer is cut.
         answer.resize(std::min(answer.size(), static_cast<size_t>(count)));
         list = std::move(answer);
         return true;
@@ -129,7 +129,7 @@ public:
 
     /// Asks for the number of entries alone.
     /// @param count  Written only on success.
-    /// @return false also for a number that no adapter can have.
+    /// @return false, also for an impossible number.
     template <class Item>
     [[nodiscard]] bool AskCount(HBA_UINT32& count, NordaGetListFn<Item> entry, HBA_HANDLE handle) const
     {
@@ -138,7 +138,7 @@ public:
             return false;
         }
         const HBA_STATUS status = entry(handle, nullptr, &answer);
-        // "More data" is how a library may say that a list without room is too small for what there is.
+        // A library may answer "more data" for a list without room.
         if (status != HBA_STATUS_ERROR_MORE_DATA && !Succeeded(status)) {
             return false;
         }
@@ -153,7 +153,7 @@ public:
     [[nodiscard]] bool Refuse(const char* reason) const;
 
 private:
-    /// Far more ports or networks than one adapter sees; a library that names more is not believed.
+    /// Far more ports or networks than one adapter sees; a larger number is an error.
     static constexpr HBA_UINT32 kMaximumListEntries = 0x10000;
 
     void TraceTableNotInited() const;

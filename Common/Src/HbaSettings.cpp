@@ -1,4 +1,4 @@
-// Settings of an adapter and its virtual ports: what changes the library's state and so takes the mutex.
+// Settings of an adapter and its virtual ports: operations that change the library's state and so lock the mutex.
 #include "HbaApiInt.h"
 #include "HbaOperation.h"
 

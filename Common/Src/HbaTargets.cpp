@@ -1,4 +1,4 @@
-// Targets behind an adapter, their logical units, and the networks it is a member of.
+// An adapter's targets, their logical units, and the networks it belongs to.
 #include <span>
 #include <vector>
 

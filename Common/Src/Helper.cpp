@@ -1,4 +1,4 @@
-// What is installed and what is being debugged, as the registry tells it.
+// What is installed and what is being debugged, as the registry says.
 #include "Helper.h"
 
 #include "HelperTrace.h"
@@ -16,7 +16,7 @@ struct Component
 {
     const char* operation;
     const char* value;
-    // The component's name in the text about its value, and in the text about its not being installed.
+    // The component's name in the text about its value, and in the text for "not installed".
     const char* valueName;
     const char* name;
 };
@@ -24,7 +24,7 @@ constexpr Component kDcb{"IsDcbInstalled", "InstalledTERN_DCB", "DCB", "DCB"};
 constexpr Component kFcoe{"IsFcoeInstalled", "InstalledTERN_FCOE", "Fcoe", "fcoe"};
 constexpr Component kTern{"IsTernInstalled", "InstalledTERN", "TERN", "TERN"};
 constexpr Component kZor{"IsZorInstalled", "InstalledTERN_ZOR", "ZOR", "ZOR"};
-// The iSCSI test says "fcoe" in both of its texts, on purpose.
+// The iSCSI test deliberately says "fcoe" in both of its texts.
 constexpr Component kIscsi{"IsIscsiInstalled", "InstalledTERN_ISCSI", "Fcoe", "fcoe"};
 
 bool IsComponentInstalled(const Component& component)
@@ -75,7 +75,7 @@ bool CHelper::IsDebugEnbled()
     const HelperTrace trace("IsDebugEnbled");
     COrvRegKey key;
     if (!key.Open(HKEY_LOCAL_MACHINE, kProductKey, kForReading)) {
-        // The key is not the one that the text names.
+        // The text deliberately names another key.
         OrvTrace().Print("IsDebugEnbled() - Unable to open the TERN registry key - exiting");
         return false;
     }

@@ -6,7 +6,7 @@
 #include "Handles.h"
 #include "OrvString.h"
 
-/// The services that CHelper knows by number. Any other number is a service without a name, which does not exist.
+/// The services that CHelper knows by number. Any other number means a service without a name, which never exists.
 enum HelperServiceKind : int
 {
     kServiceNordaDCB = 0,
@@ -17,15 +17,15 @@ enum HelperServiceKind : int
 /// How a library is loaded.
 enum class AgentLibraryUse
 {
-    Code,      ///< To call it.
-    Resources, ///< To read its resources; none of its code runs.
+    Code,      ///< To be called.
+    Resources, ///< For its resources; none of its code runs.
 };
 
 /// What is installed on this machine: components of the maker's management extension (registry flags), debugging
-/// switches, the user-interface language, services, and the maker's other libraries. Nothing is kept between calls:
-/// each reads the registry anew, under HKEY_LOCAL_MACHINE. Nothing throws; what is missing is false (or -1) with a line
-/// in the library trace. The entry lines say "Enterning", and some lines name another operation or component, as the
-/// readers of these traces know them.
+/// switches, the user-interface language, services, and the maker's other libraries. Nothing is cached: each call reads
+/// the registry, under HKEY_LOCAL_MACHINE. Nothing throws; a missing item gives false (or -1) and a line in the library
+/// trace. The entry lines say "Enterning", and some lines name another operation or component: existing log readers
+/// expect it.
 class CHelper
 {
 public:
@@ -40,9 +40,9 @@ public:
 
     /// @return true when debugging is switched on ("Debugging" is 1).
     [[nodiscard]] bool IsDebugEnbled();
-    /// Reads a debug value that stands for a real reading.
-    /// @param value  Untouched while debugging is off; 0 when there is no such value. One of another type is no number,
-    ///               and up to 4 of its bytes may end up here.
+    /// Reads a debug value that replaces a real reading.
+    /// @param value  Unchanged while debugging is off; 0 when there is no such value. Up to 4 bytes of a value of
+    ///               another type may be stored here, though the result is false.
     /// @return true when debugging is on and the number was read.
     bool IsSettingDebugable(const COrvString& name, DWORD& value);
     /// The same for a text; `value` is empty when debugging is on and there is no such text.
@@ -58,18 +58,18 @@ public:
     /// @return true when the service runs; false while it starts or stops.
     [[nodiscard]] bool IsServiceRunning(int kind);
     /// Starts a service and waits until it runs, at most as long as ServicePolling.h says.
-    /// @return true when it runs, also when it did before.
+    /// @return true when it runs, even if it did before.
     bool StartServiceOfKind(int kind);
     /// Stops a service and waits until it has stopped.
-    /// @return true when it has stopped, also when it was not running.
+    /// @return true when it has stopped, even if it was not running.
     bool StopServiceOfKind(int kind);
 
-    /// @return true when the operating system brings its own DCB: it answers WMI questions about its DCBX settings.
+    /// @return true when the operating system brings its own DCB: it answers WMI queries about its DCBX settings.
     [[nodiscard]] bool IsOsDcbPresent();
 
-    /// Loads one of the maker's libraries from where the registry says that it is installed.
-    /// @param libraries  Where each library is found.
-    /// @param shortName  Compared without regard to letter case.
+    /// Loads one of the maker's libraries from the directory that the registry names.
+    /// @param libraries  Where each library is.
+    /// @param shortName  Compared ignoring letter case.
     /// @return the library; null when the table or the registry does not know it or it cannot be loaded.
     [[nodiscard]] UniqueLibrary LoadAgentLibrary(std::span<const AgentLibrary> libraries, const COrvString& shortName,
                                                  AgentLibraryUse use);

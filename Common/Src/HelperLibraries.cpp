@@ -10,11 +10,11 @@ constexpr char kStatusTextLibrary[] = "NetShell";
 
 DWORD LoadFlags(AgentLibraryUse use)
 {
-    // With its own folder first, a library finds the others that it was installed with.
+    // With its own folder searched first, a library finds those installed with it.
     return use == AgentLibraryUse::Resources ? LOAD_LIBRARY_AS_DATAFILE : LOAD_WITH_ALTERED_SEARCH_PATH;
 }
 
-// An empty text when the registry does not know the directory.
+// Empty when the registry does not name the directory.
 COrvString InstalledDirectory(const AgentLibrary& library)
 {
     COrvRegKey key;

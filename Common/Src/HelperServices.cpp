@@ -75,7 +75,7 @@ bool CHelper::StopServiceOfKind(int kind)
     }
     SERVICE_STATUS status{};
     const BOOL asked = ControlService(service.get(), SERVICE_CONTROL_STOP, &status);
-    // One that is on its way down takes no orders any more: it is waited for like one that obeyed.
+    // A stopping service rejects controls; wait for it too.
     if (asked == FALSE && GetLastError() != ERROR_SERVICE_NOT_ACTIVE &&
         ServiceState(service.get()) != SERVICE_STOP_PENDING) {
         OrvTrace().Print("StopServiceOfKind() - Unable to stop the service - exiting");

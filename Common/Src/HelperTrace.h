@@ -1,12 +1,12 @@
 #pragma once
 
-/// Traces "Enterning CHelper::name()" and "Exiting CHelper::name()" around a scope. The misspelling is what readers of
-/// these traces look for.
+/// Traces "Enterning CHelper::name()" and "Exiting CHelper::name()" around a scope. Existing log readers expect the
+/// misspelling.
 class HelperTrace
 {
 public:
     explicit HelperTrace(const char* name) : HelperTrace(name, name) {}
-    /// For an operation whose exit line names another. The names must outlive the object.
+    /// For an operation whose exit line names another operation. The names must outlive the object.
     HelperTrace(const char* entryName, const char* exitName);
     ~HelperTrace();
     HelperTrace(const HelperTrace&) = delete;

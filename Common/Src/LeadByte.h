@@ -5,5 +5,5 @@
 /// @return true when `byte` starts a character of two bytes in the code page of the text.
 using LeadByteTest = bool (*)(unsigned char byte);
 
-/// The test for the system's code page, in which the platform gives paths.
+/// The test for the system's code page, which the platform uses for paths.
 [[nodiscard]] bool IsSystemLeadByte(unsigned char byte);

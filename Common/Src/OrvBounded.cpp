@@ -7,7 +7,7 @@ namespace {
 int CopyAt(char* buffer, size_t bufferBytes, size_t offset, const char* source) noexcept
 {
     const size_t room = bufferBytes - offset;
-    // The end is looked for within the room only: a source that does not fit may be of any length.
+    // The source is read only as far as the destination reaches: it may have any length.
     const void* end = std::memchr(source, '\0', room);
     if (end == nullptr) {
         buffer[0] = '\0';

@@ -26,12 +26,12 @@
     return OrvIsNumeric(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-/// Classes that OrvIsTextOfType may allow, to be combined; other bits of the mask are ignored.
+/// Classes for OrvIsTextOfType, which may be combined; other bits of the mask are ignored.
 inline constexpr uint32_t kOrvAllowAlphabetic = 1;
 inline constexpr uint32_t kOrvAllowNumeric = 2;
 inline constexpr uint32_t kOrvAllowSymbolic = 4;
 
-/// @return false when `text` holds a character of a class that `allowed` lacks. Characters of no class never count.
+/// @return false when `text` holds a character of a class that `allowed` lacks. Characters without a class are ignored.
 [[nodiscard]] bool OrvIsTextOfType(std::string_view text, uint32_t allowed) noexcept;
 
 /// @return true when every character is a hexadecimal digit; the empty text is hexadecimal.

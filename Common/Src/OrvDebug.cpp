@@ -21,7 +21,7 @@ constexpr char kSetUpModule[] = "Orv2Setp";
 constexpr size_t kPathBytes = 1024;
 constexpr size_t kTempBytes = 260;
 
-// Fixed line numbers: readers of these traces look for them.
+// Fixed line numbers: existing log readers expect them.
 constexpr int kModuleNameLine = 403;
 constexpr int kEmptyPathLine = 413;
 constexpr int kPlainPathLine = 419;
@@ -88,20 +88,20 @@ uint32_t RegistryLevel(uint32_t given)
     return set ? level : given;
 }
 
-// An unset variable, or one that is too long, gives an empty directory.
+// A variable that is unset or too long gives an empty directory.
 void ReadTempDirectory(char (&temp)[kTempBytes])
 {
     const DWORD chars = GetEnvironmentVariableA("Temp", temp, kTempBytes);
     if (chars == 0 || chars >= kTempBytes) {
-        // The platform promises nothing about the buffer then.
+        // The contents of the buffer are then undefined.
         temp[0] = '\0';
     }
 }
 
-// An unreadable value gives an empty directory, and with it the root directory of the current drive.
+// An unreadable value gives an empty directory, and so the root of the current drive.
 std::string InstalledDirectory(HKEY key)
 {
-    // One byte more than is asked for: a stored text may lack its terminator.
+    // One byte more than requested: a stored text may lack its terminator.
     std::array<char, kPathBytes + 1> directory{};
     DWORD bytes = kPathBytes;
     if (RegQueryValueExA(key, "InstalledDir", nullptr, nullptr, reinterpret_cast<BYTE*>(directory.data()), &bytes) !=
@@ -149,13 +149,13 @@ void ComposeLogPath(char (&path)[kPathBytes], const char* moduleName, const char
 COrvDebug& OrvTrace()
 {
     // Never destroyed: destructors of static objects and threads that outlive main may still trace. Every line is
-    // flushed as it is written, so nothing is lost at the end.
-    // Made without the language's own guard for such objects, which takes memory that it does not look at.
+    // flushed when it is written, so nothing is lost at the end. Created without the language's own guard, which
+    // allocates memory without checking.
     static constinit std::atomic<COrvDebug*> trace = nullptr;
     COrvDebug* made = trace.load();
     if (made == nullptr) {
         auto own = std::make_unique<COrvDebug>();
-        // Of two threads that come here at the same time, the later one takes the other's object.
+        // If two threads get here at the same time, the later one uses the other's object.
         if (trace.compare_exchange_strong(made, own.get())) {
             made = own.release();
         }
@@ -246,7 +246,7 @@ void COrvDebug::Error(const char* file, int line, const char* format, ...)
     _vsnprintf(text.data(), kTraceMessageChars, format, arguments);
     va_end(arguments);
 
-    // The line carries its level with it: raising the object's own would let lines of other threads slip through.
+    // The line has its own level: raising the object's level would let lines of other threads through.
     struct ErrorLine
     {
         const char* file;
@@ -300,7 +300,7 @@ void COrvDebug::WriteLine(uint32_t level, MessageWriterFn writeMessage, void* co
 
 void COrvDebug::ComposeAndWrite(uint32_t level, MessageWriterFn writeMessage, void* context)
 {
-    // The log stops growing, silently, once it has reached its limit.
+    // The log silently stops growing at its limit.
     if (m_maxFileSize != 0 && _filelengthi64(_fileno(m_file.get())) >= static_cast<__int64>(m_maxFileSize)) {
         return;
     }
@@ -319,7 +319,7 @@ void COrvDebug::ComposeAndWrite(uint32_t level, MessageWriterFn writeMessage, vo
     const auto prefixChars = static_cast<size_t>(prefixLength);
     const std::span<char> room = OrvTraceMessageRoom(line, prefixChars);
     OrvFinishTraceLine(line, prefixChars, room, writeMessage(room.data(), room.size(), context));
-    // A log that cannot be written, for want of room say, must not disturb the program that it is about.
+    // A log that cannot be written, for example on a full disk, must not disturb the program.
     static_cast<void>(std::fputs(line.data(), m_file.get()));
     static_cast<void>(std::fflush(m_file.get()));
     if (OrvMirrorsToDebugger(level)) {

@@ -8,10 +8,9 @@
 #include <cstdio>
 #include <memory>
 
-/// Trace writer of the library: a log file with one time-stamped line for each message, mirrored to the
-/// debugger output on request. OrvTraceRules.h has the table of levels. A line is
-///   module \t PID:x \t TID:x \t hh:mm:ss.mmm \t (counter) \t message \n
-/// Nothing is written before Configure succeeds. Lines of different threads never interleave.
+/// Trace writer of the library: a log file with one time-stamped line for each message, mirrored to the debugger output
+///   on request. OrvTraceRules.h has the table of levels. A line is module \t PID:x \t TID:x \t hh:mm:ss.mmm \t
+///   (counter) \t message \n Nothing is written before Configure succeeds. Lines of different threads never interleave.
 class COrvDebug
 {
 public:
@@ -20,16 +19,16 @@ public:
     COrvDebug(const COrvDebug&) = delete;
     COrvDebug& operator=(const COrvDebug&) = delete;
 
-    /// Opens the log file. The file lies in the directory that "InstalledDir" of the product's registry key names, or
-    /// in "Temp" when there is no such key or the module is "Orv2Setp"; for the module "Kwelpad" the file name is used
-    /// as given. A file that cannot be opened there is tried in "Temp". "TRACE" (REG_DWORD) of the same key replaces
-    /// level 1 or 2. A second call that succeeds closes the file opened before; one that
-    /// fails at the opening leaves that file open and has replaced its module name and size limit.
+    /// Opens the log file. The file is in the directory that "InstalledDir" of the product's registry key names, or in
+    /// "Temp" when there is no such key or the module is "Orv2Setp"; for the module "Kwelpad" the file name is used
+    /// unchanged. A file that cannot be opened there is tried in "Temp". "TRACE" (REG_DWORD) of the same key replaces
+    /// level 1 or 2. A second call that succeeds closes the previous file; one that cannot open its file leaves the
+    /// previous one open, with the new module name and size limit.
     /// @param moduleName   Printed at the start of every line; copied.
     /// @param fileName     1 to 245 characters.
     /// @param level        0 switches the trace off.
     /// @param append       Non-zero keeps what the file holds.
-    /// @param maxFileSize  Length of the file in bytes at which the log stops growing; 0 for no limit.
+    /// @param maxFileSize  Size of the file in bytes at which the log stops growing; 0 for no limit.
     /// @param reserved     Not used.
     /// @return 0 when the log file is open, -1 otherwise.
     int Configure(const char* moduleName, const char* fileName, uint32_t level, int append, uint32_t maxFileSize,
@@ -38,26 +37,26 @@ public:
     /// Writes one line. The message is cut after 1023 characters.
     void Print(const char* format, ...) __attribute__((format(ms_printf, 2, 3)));
 
-    /// Writes "file (line): message", at level 2 as well. Does nothing at level 0 or without an open file.
+    /// Writes "file (line): message", also at level 2. Does nothing at level 0 or without an open file.
     void Error(const char* file, int line, const char* format, ...) __attribute__((format(ms_printf, 4, 5)));
 
     /// Writes the system's text for an error code.
-    /// @param code  The code, or 0 for GetLastError(). A code without a text writes nothing.
+    /// @param code  The code, or 0 for GetLastError(). Nothing is written for a code without a text.
     void PrintLastError(int code);
 
     [[nodiscard]] uint32_t GetCurrentLogLevel() const { return m_level; }
     [[nodiscard]] bool IsConfigured() const { return m_configured; }
 
 protected:
-    /// Closes the log file: the object is as it was before it was configured. Programs keep their log to their end;
-    /// this is for a derived class that has to let go of the file before.
+    /// Closes the log file: the object is as before it was configured. For a derived class that must release the file
+    /// before the program ends.
     void Close();
 
-    /// Writes a message of at most `chars` characters to `text`, without a terminator when it is that long.
+    /// Writes a message of at most `chars` characters to `text`, without a terminator when it fills the room.
     /// @return the number of characters, or a negative value when the message was cut or could not be formatted.
     using MessageWriterFn = int (*)(char* text, size_t chars, void* context);
 
-    /// Writes one line as at `level`. An exception of the message writer is caught and a line that says so is written.
+    /// Writes one line as at `level`. An exception of the message writer is caught and reported in a line.
     void WriteLine(uint32_t level, MessageWriterFn writeMessage, void* context);
 
     /// Writes a text of the system with the text itself as the format: a percent sign in it is interpreted, and its
@@ -69,7 +68,7 @@ private:
     {
         void operator()(FILE* file) const noexcept
         {
-            // Every line is flushed as it is written: nothing is left that could fail.
+            // Every line has been flushed: nothing is left that could fail.
             static_cast<void>(std::fclose(file));
         }
     };

@@ -8,7 +8,7 @@ std::vector<std::string> OrvReadMultiString(std::string_view data)
         if (!text.empty()) {
             texts.emplace_back(text);
         }
-        // The last text may lack its terminator: then nothing is left.
+        // The last text may lack its terminator.
         data.remove_prefix(text.size() < data.size() ? text.size() + 1 : data.size());
     }
     return texts;

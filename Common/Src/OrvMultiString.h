@@ -7,7 +7,7 @@
 
 /// Lists of texts as the registry stores them: each text with its terminator, one more terminator at the end.
 
-/// Reads stored data. Empty texts are dropped, wherever they stand; a last text without a terminator counts.
+/// Reads stored data. All empty texts are dropped; a last text without a terminator counts.
 /// @param data  The stored bytes, of any length and content.
 [[nodiscard]] std::vector<std::string> OrvReadMultiString(std::string_view data);
 

@@ -55,7 +55,7 @@ COrvRegKey& COrvRegKey::operator=(HKEY key)
         return *this;
     }
     if (m_owner && m_owner.use_count() == 1) {
-        // The handle held so far stays open: the caller was to close it and may still be using it.
+        // The previous handle stays open: the caller should have closed it and may still use it.
         static_cast<void>(m_owner->release());
     }
     Store(key);
@@ -99,7 +99,7 @@ void COrvRegKey::Close()
     }
 }
 
-// The path is composed even when the open fails, so that it names what was asked for. The enumeration index stays, too.
+// The path is set even when the open fails, so that it names the requested key. The enumeration index is not reset.
 bool COrvRegKey::Open(HKEY root, const COrvString& subKey, bool write)
 {
     CloseHandleOnly();
@@ -172,7 +172,7 @@ bool COrvRegKey::EnumValue(COrvString& name)
 
 bool COrvRegKey::DeleteSubKey(const char* name)
 {
-    // An empty name would mean this key itself.
+    // An empty name would be this key itself.
     if (!m_bOpen || name == nullptr || *name == '\0') {
         return false;
     }
@@ -183,7 +183,7 @@ bool COrvRegKey::DeleteSubKey(const char* name)
     std::array<char, kSubKeyNameBytes> buffer{};
     DWORD chars = kSubKeyNameBytes;
     FILETIME lastWrite{};
-    // Always the first one: the others move up as it goes.
+    // Always the first: the others move up when it is deleted.
     while (RegEnumKeyExA(child.m_hKey, 0, buffer.data(), &chars, nullptr, nullptr, nullptr, &lastWrite) ==
            ERROR_SUCCESS) {
         if (!child.DeleteSubKey(buffer.data())) {

@@ -8,7 +8,7 @@
 #include "Handles.h"
 #include "OrvString.h"
 
-/// Owner of one open registry key. Operations answer true or false and keep the platform's status for LastResult; none
+/// Owner of one open registry key. Operations return true or false and store the platform's status for LastResult; none
 /// throws on a registry error. Keys are opened for reading (KEY_READ) or for reading and writing (KEY_READ |
 /// KEY_WRITE), never with more.
 class COrvRegKey
@@ -17,23 +17,23 @@ public:
     COrvRegKey() = default;
     /// Takes over an open key.
     explicit COrvRegKey(HKEY key);
-    /// Copies nothing: the new object is closed. A list or a return value that copies a key object therefore never
-    /// holds a second owner of its handle.
+    /// Copies nothing: the new object is closed. So a container or a return value never creates a second owner of the
+    /// handle.
     COrvRegKey(const COrvRegKey& other);
     /// Takes over an open key and keeps the path. A key that was open before is not closed: the caller closes first.
     /// Assigning the handle that the object holds already changes nothing.
     COrvRegKey& operator=(HKEY key);
-    /// Copies everything; both objects then hold the same handle. They share its ownership: the key is closed once,
-    /// when the last of them lets go of it. (With two plain owners the second close would hit whatever key has got the
-    /// handle's number by then.) The key that this object held before is closed, unless another object shares it.
+    /// Copies everything; both objects then hold the same handle. They share its ownership: the key is closed once, by
+    /// the last of them. (With two plain owners the second close would hit whatever key has the handle's number by
+    /// then.) The key that this object held before is closed, unless another object shares it.
     COrvRegKey& operator=(const COrvRegKey& other) = default;
     virtual ~COrvRegKey();
 
     [[nodiscard]] HKEY GetHKey() const { return m_hKey; }
     /// Win32 status of the last call that stored one, 0 for success.
     [[nodiscard]] long LastResult() const { return m_lLastResult; }
-    /// Full path of the key, root name first. It follows opens below one of the predefined roots only: after an open
-    /// below another key it is still that of the key opened before.
+    /// Full path of the key, root name first. It follows opens below one of the predefined roots only: an open below
+    /// another key does not change it.
     [[nodiscard]] const COrvString& KeyPath() const { return m_strKeyPath; }
     void Close();
     void ResetEnumeration() { m_dwEnumIndex = 0; }
@@ -45,7 +45,7 @@ public:
     /// Opens a key, creating it when it is missing.
     /// @param isVolatile  A key that is created lives until the system stops.
     bool Create(HKEY root, const COrvString& subKey, bool write, bool isVolatile);
-    /// @return true when a key of this name below this one can be opened for reading. LastResult stays.
+    /// @return true when a key of this name below this one can be opened for reading. LastResult is unchanged.
     [[nodiscard]] bool SubKeyExists(const COrvString& name) const;
 
     /// Reads a number. True for a stored REG_DWORD only; `value` may be overwritten by up to 4 bytes of another type.
@@ -69,35 +69,35 @@ public:
 
     /// @return true when the value is deleted, and also when no key is open.
     bool DeleteValue(const COrvString& name);
-    /// @return the stored type, or REG_NONE when it cannot be had.
+    /// @return the stored type, or REG_NONE when it cannot be read.
     DWORD GetRegType(const COrvString& name);
 
-    /// The next sub-key's name. Both enumerations share one index, so that interleaving them skips items. After the
-    /// last item the result is false, the status 259, and the next call starts over; any other failure skips an item.
+    /// The next sub-key's name. Both enumerations share one index, so interleaving them skips items. After the last
+    /// item the result is false, the status 259, and the next call starts over; any other failure skips an item.
     bool EnumSubKey(COrvString& name);
     /// The next value's name.
     bool EnumValue(COrvString& name);
 
-    /// Deletes a key below this one with everything below it. The first failure ends it; what was deleted until then
-    /// stays deleted. LastResult stays.
+    /// Deletes a key below this one with everything below it. It stops at the first failure; what was deleted so far
+    /// stays deleted. LastResult is unchanged.
     bool DeleteSubKey(const char* name);
-    /// Deletes a key without sub-keys. LastResult stays.
+    /// Deletes a key without sub-keys. LastResult is unchanged.
     /// @return the platform's status.
     unsigned long RemoveSubKey(const char* name) const;
-    /// Writes the key's changes to disk. LastResult stays.
+    /// Writes the key's changes to disk. LastResult is unchanged.
     /// @return the platform's status.
     long FlushKey() const;
 
-    // Lists of texts. Whole texts are compared without regard to letter case, multibyte-aware.
+    // Lists of texts. Whole texts are compared ignoring letter case, multibyte-aware.
 
     /// Appends a text unless the list holds it. A list that cannot be read counts as empty.
     bool AddValueToMultiString(const COrvString& name, const COrvString& value);
-    /// Removes every equal text. True when there is nothing to remove, and that includes a list that cannot be read.
-    /// The value itself stays, even with an empty list.
+    /// Removes every equal text. True when there is nothing to remove, also when the list cannot be read. The value
+    /// itself stays, even with an empty list.
     bool RemoveValueFromMultiString(const COrvString& name, const COrvString& value);
     [[nodiscard]] bool IsValueInMultiString(const COrvString& name, const COrvString& value);
-    /// Looks for a text that contains `value`, without regard to letter case.
-    /// @param match  Receives the first such text as stored; untouched when there is none.
+    /// Finds a text that contains `value`, ignoring letter case.
+    /// @param match  Receives the first such text as stored; unchanged when there is none.
     [[nodiscard]] bool IsSubStringValueInMultiString(const COrvString& name, const COrvString& value,
                                                      COrvString& match);
 

@@ -14,10 +14,10 @@
 
 namespace {
 constexpr char kSourceFile[] = R"(..\..\Common\Src\OrvRegKey)";
-// A fixed line number: readers of these traces look for it.
+// A fixed line number: existing log readers expect it.
 constexpr int kListEntryLine = 921;
 constexpr DWORD kTextBytes = 512;
-// Zeros behind data read from the registry, which may be empty or lack its terminator.
+// Zeros after data read from the registry, which may be empty or lack its terminator.
 constexpr size_t kSpareBytes = 5;
 
 const unsigned char* MultibyteText(const COrvString& text)
@@ -40,7 +40,7 @@ bool COrvRegKey::GetValue(const COrvString& name, DWORD& value)
         DWORD bytes = sizeof(value);
         m_lLastResult = RegQueryValueExA(m_hKey, name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &bytes);
         OrvTrace().Print("Opened COrvRegKey::GetValue :%d", static_cast<int>(m_lLastResult));
-        // The platform tells the type of a value that is too long for a number, too.
+        // The platform reports the type of a value that is too long for a number, too.
         const bool typeKnown = m_lLastResult == ERROR_SUCCESS || m_lLastResult == ERROR_MORE_DATA;
         if (typeKnown && type != REG_DWORD) {
             OrvTrace().Print("COrvRegKey::GetValue dwRegType != REG_DWORD ");
@@ -53,7 +53,7 @@ bool COrvRegKey::GetValue(const COrvString& name, DWORD& value)
 
 bool COrvRegKey::GetValue(const COrvString& name, COrvString& value)
 {
-    // One byte more than is asked for: a text that fills the buffer may lack its terminator.
+    // One byte more than requested: a text that fills the buffer may lack its terminator.
     std::array<char, kTextBytes + 1> buffer{};
     bool read = false;
     if (m_bOpen) {
@@ -62,7 +62,7 @@ bool COrvRegKey::GetValue(const COrvString& name, COrvString& value)
             RegQueryValueExA(m_hKey, name, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &bytes);
         read = m_lLastResult == ERROR_SUCCESS;
     }
-    // Written last, since `name` and `value` may be the same object.
+    // Assigned last, since `name` and `value` may be the same object.
     value = read ? buffer.data() : "";
     return read;
 }
@@ -79,7 +79,7 @@ bool COrvRegKey::GetValue(const COrvString& name, BYTE* data, DWORD& size)
 bool COrvRegKey::GetValue(const COrvString& name, std::vector<COrvString>& list)
 {
     m_lLastResult = 0;
-    // Taken first, since `name` may stand in `list`.
+    // Copied first, since `name` may be in `list`.
     const std::string asked = static_cast<const char*>(name);
     list.clear();
     if (!m_bOpen) {
@@ -132,8 +132,7 @@ bool COrvRegKey::SetValue(const COrvString& name, const BYTE* data, DWORD size)
     return m_lLastResult == ERROR_SUCCESS;
 }
 
-// By value, so that a caller can hand its list over; it is released here.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// By value, so that a caller can move its list here. NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool COrvRegKey::SetValue(const COrvString& name, std::vector<COrvString> list)
 {
     m_lLastResult = 0;
@@ -157,7 +156,7 @@ bool COrvRegKey::DeleteValue(const COrvString& name)
     if (m_bOpen) {
         m_lLastResult = RegDeleteValueA(m_hKey, name);
     }
-    // True for a closed key, too: there is nothing that could hold the value.
+    // Also true for a closed key: it holds no values.
     return m_lLastResult == ERROR_SUCCESS;
 }
 
@@ -177,7 +176,7 @@ long COrvRegKey::FlushKey() const
     OrvTrace().Print("Opened COrvRegKey::RegFlushKey ");
     const LONG status = RegFlushKey(m_hKey);
     if (status != ERROR_SUCCESS) {
-        // The format lacks its conversion letter, so the status does not appear; the text stays as readers know it.
+        // The format lacks its conversion letter, so the status does not appear; existing log readers expect the text.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
 #pragma GCC diagnostic ignored "-Wformat-extra-args"

@@ -8,7 +8,7 @@ constinit OrvSecureRecord OrvSecureState;
 
 namespace {
 constexpr char kSourceFile[] = R"(..\..\Common\Src\OrvSecure)";
-// Fixed line numbers: readers of these traces look for them.
+// Fixed line numbers: existing log readers expect them.
 constexpr int kCopyInstallLine = 98;
 constexpr int kAppendInstallLine = 150;
 constexpr int kNullDestinationLine = 189;
@@ -16,7 +16,7 @@ constexpr int kNullDestinationLine = 189;
 using SetInvalidParameterHandlerFn = OrvInvalidParameterHandlerFn (*)(OrvInvalidParameterHandlerFn);
 
 /// @return the function that installs a handler with the runtime that this program is linked to; null when the system's
-///         runtime has none. The name is also that of a stand-in in our own file, of which the runtime never hears.
+///         runtime has none. Our own file has a stand-in of that name, which the runtime never calls.
 SetInvalidParameterHandlerFn FindHandlerInstallation()
 {
     const HMODULE runtime = GetModuleHandleA("msvcrt.dll");
@@ -45,10 +45,10 @@ int Report(int error, const char* sourceFile, int line, const char* destination)
     if (error == kOrvTooSmall) {
         OrvTrace().Error(sourceFile, line, "OrvSafeCopy ERROR: strDestination size 0, or too small");
     } else if (destination != nullptr) {
-        // A size of 0 is reported with this text as well.
+        // A size of 0 is reported with this text too.
         OrvTrace().Error(sourceFile, line, "OrvSafeCopy ERROR: NULL == strSource");
     } else {
-        // This one names the library's own place, not the caller's.
+        // This line names the library's file, not the caller's.
         OrvTrace().Error(kSourceFile, kNullDestinationLine, "OrvSafeCopy ERROR: NULL == strDestination");
     }
     return error;
@@ -80,7 +80,7 @@ int OrvSafeCopy(const char* sourceFile, int line, char* destination, size_t dest
     return Report(OrvBoundedCopy(destination, destinationBytes, source), sourceFile, line, destination);
 }
 
-// The error texts speak of OrvSafeCopy for both operations.
+// The error texts name OrvSafeCopy for both operations.
 int OrvSafeCat(const char* sourceFile, int line, char* destination, size_t destinationBytes, const char* source)
 {
     InstallHandlerOnce(kAppendInstallLine);

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Bounded copy and append into fixed buffers. Every failure is traced through the library trace with the caller's
-/// source file and line, so a text that was cut off can be found; callers may ignore the result.
+/// Bounded copy and append into fixed buffers. Every failure is written to the library trace with the caller's source
+/// file and line; callers may ignore the result.
 
 /// @param sourceFile        The caller's source file, for the error trace.
 /// @param line              The caller's line, for the error trace.
@@ -24,14 +24,14 @@ int OrvSafeCopy(const char* sourceFile, int line, char (&destination)[1024], con
 int OrvSafeCat(const char* sourceFile, int line, char (&destination)[1024], const char* source);
 int OrvSafeCat(const char* sourceFile, int line, char (&destination)[260], const char* source);
 
-/// The library's answer to an invalid argument of a checked function: one trace line, then the function returns its
-/// error instead of ending the process. The arguments are not used. The library's own checked operations always call
-/// it. The first of them also installs it with the runtime, msvcrt.dll, when the system's runtime has
-/// `_set_invalid_parameter_handler`; where it has not, the runtime's own functions report nothing here.
+/// The library's handler for an invalid argument of a checked function: it traces one line, and the function returns
+/// its error and does not end the process. The arguments are not used. The library's own checked operations always call
+/// it. The first of them also installs it in the runtime, msvcrt.dll, if that has `_set_invalid_parameter_handler`;
+/// otherwise the runtime's own functions report nothing here.
 void OrvSecureInvalidParameterHandler(const wchar_t* expression, const wchar_t* function, const wchar_t* file,
                                       unsigned line, uintptr_t reserved);
 
-/// Reports an invalid argument of the library's own checked operations, which do not go through the runtime.
+/// Reports an invalid argument of the library's own checked operations, which bypass the runtime.
 void OrvReportInvalidParameter();
 
 using OrvInvalidParameterHandlerFn = decltype(&OrvSecureInvalidParameterHandler);
@@ -39,10 +39,10 @@ using OrvInvalidParameterHandlerFn = decltype(&OrvSecureInvalidParameterHandler)
 /// Written once per process, by the first bounded copy or append.
 struct OrvSecureRecord
 {
-    /// The library's handler once its installation was asked for, null before. It stays set on a system whose runtime
-    /// takes no handler.
+    /// The library's handler once its installation was requested, null before; also on a system whose runtime takes no
+    /// handler.
     std::atomic<OrvInvalidParameterHandlerFn> installed{nullptr};
-    /// The handler that it replaced in the runtime; null when there was none, or when the runtime takes none.
+    /// The handler that it replaced; null when there was none or the runtime takes none.
     std::atomic<OrvInvalidParameterHandlerFn> previous{nullptr};
 };
 extern OrvSecureRecord OrvSecureState;

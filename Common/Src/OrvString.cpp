@@ -11,7 +11,7 @@
 
 namespace {
 constexpr char kSourceFile[] = R"(..\..\Common\Src\OrvString)";
-// Fixed line numbers: readers of these traces look for them.
+// Fixed line numbers: existing log readers expect them.
 constexpr int kMakeUpperLine = 110;
 constexpr int kMakeLowerLine = 130;
 constexpr size_t kFormatBytes = 1024;
@@ -40,7 +40,7 @@ COrvString::COrvString(int number) : m_text(DecimalText(number)) {}
 
 COrvString& COrvString::operator=(const char* text)
 {
-    // The text may be a part of this string, which the runtime's own assignment copes with.
+    // The text may be part of this string; std::string's own assignment allows that.
     m_text.assign(text == nullptr ? "" : text);
     return *this;
 }

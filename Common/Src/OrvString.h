@@ -28,7 +28,7 @@ public:
 
     operator const char*() const { return m_text.c_str(); }
     /// A new BSTR with the text, converted with the thread's ANSI code page; null when it cannot be converted. The
-    /// caller frees it with SysFreeString, which is why this conversion never happens by itself.
+    /// caller frees it with SysFreeString, so this conversion is explicit.
     explicit operator wchar_t*() const;
     // The pointer to the text is never null, so a test of it would say nothing.
     explicit operator bool() const = delete;
@@ -55,7 +55,7 @@ public:
     // Case folding of the runtime's current locale.
     void MakeUpper();
     void MakeLower();
-    /// @return true when the texts are equal but for letter case.
+    /// @return true when the texts are equal, ignoring letter case.
     [[nodiscard]] bool CompareI(COrvString other) const;
 
     [[nodiscard]] static bool IsAlphaChar(char c);
@@ -73,8 +73,8 @@ public:
     /// @return true when the text holds a separator; otherwise `parts` is empty.
     bool Split(char separator, std::vector<COrvString>& parts) const;
 
-    /// Replaces the text by formatted text, cut after 1023 characters. A null format and a lack
-    /// of memory change nothing; a conversion that fails leaves what was written before it.
+    /// Replaces the text by formatted text, cut after 1023 characters. A null format or a lack of memory changes
+    /// nothing; a conversion that fails leaves what was written before it.
     /// @return the number of characters, -1 when the text was cut, 0 when it cannot be formatted.
     int FormatString(const char* format, ...) __attribute__((format(ms_printf, 2, 3)));
 
@@ -88,12 +88,12 @@ public:
     /// Converts 8-bit to wide text.
     /// @param source        Text to convert.
     /// @param sourceLength  Its length in bytes, or -1 for a terminated text, whose terminator is converted too.
-    /// @param target        Receives the text. Its last character is always replaced by the terminator, also when the
-    ///                      source was given with a length and so brings none.
+    /// @param target        Receives the text. Its last character is always replaced by the terminator, even for a
+    ///                      source with a length.
     /// @param targetLength  Room in `target` in characters, or -1 for "as long as it needs to be".
-    /// @return the number of characters that the whole text takes, even when `target` took fewer. Below 1 for a
-    ///         failure: 0 for a null target, a target length of 0 or below -1, or a source length below -1, else what
-    ///         the platform answers.
+    /// @return the number of characters that the whole text takes, even when `target` received fewer. Below 1 on
+    ///         failure: 0 for a null target, a target length of 0 or below -1, or a source length below -1, else the
+    ///         platform's result.
     static int OrvMultiByteToWideChar(unsigned codePage, unsigned long flags, const char* source, int sourceLength,
                                       wchar_t* target, int targetLength);
     /// The other direction; as above, with the platform's default character and used-default flag (both may be null).
@@ -108,7 +108,7 @@ public:
                                             wchar_t*& target);
     static int OrvWideCharToMultiByte_alloc(unsigned codePage, unsigned long flags, const wchar_t* source,
                                             char*& target, const char* defaultChar, BOOL* usedDefault);
-    /// Frees what the matching _alloc made and sets the pointer to null. A null pointer is left alone.
+    /// Frees the result of the matching _alloc and sets the pointer to null. Does nothing for a null pointer.
     static void OrvMultiByteToWideChar_dealloc(wchar_t*& target);
     static void OrvWideCharToMultiByte_dealloc(char*& target);
 
@@ -118,7 +118,7 @@ private:
         Default = 1,
     };
 
-    /// The language has no effect: the platform picks the string table.
+    /// The language has no effect: the platform chooses the string table.
     int LoadStringA(HINSTANCE module, unsigned long id, LangRes language);
 
     std::string m_text;

@@ -25,8 +25,8 @@ std::string NarrowWithThreadCodePage(const wchar_t* text)
     return buffer.data();
 }
 
-// Converts into memory of its own and hands over as much as the caller has room for. `convert(target, length)` is the
-// platform's conversion; with no target it measures.
+// Converts into a temporary buffer and copies as much as fits. `convert(target, length)` is the platform's conversion;
+// without a target it measures.
 template <class Char, class Convert>
 int ConvertBounded(Convert convert, int sourceLength, Char* target, int targetLength)
 {
@@ -48,7 +48,7 @@ int ConvertBounded(Convert convert, int sourceLength, Char* target, int targetLe
     }
     const int copied = targetLength == kUnlimited ? count : std::min(count, targetLength);
     std::copy_n(converted.get(), copied, target);
-    // The terminator takes the last place copied, even when a converted character stands there.
+    // Always overwrite the last copied character with a terminator.
     target[copied - 1] = Char();
     return count;
 }

@@ -29,7 +29,7 @@ std::vector<std::string> OrvSplitText(std::string_view text, char separator)
 
 bool OrvDecimalText(int32_t value, std::span<char, kOrvDecimalBytes> text) noexcept
 {
-    // The last byte is the terminator's.
+    // The last byte is for the terminator.
     const auto [end, error] = std::to_chars(text.data(), text.data() + text.size() - 1, value);
     if (error != std::errc()) {
         text[0] = '\0';

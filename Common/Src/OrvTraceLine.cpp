@@ -4,10 +4,10 @@
 #include <cstdio>
 
 namespace {
-// The line feed's last place; the terminator follows it.
+// The last place for the line feed; the terminator follows it.
 constexpr size_t kLastLineFeed = kTraceLineBytes - 2;
 
-// What may stand between the percent sign and the conversion letter.
+// What may come between the percent sign and the conversion letter.
 constexpr std::string_view kModifiers = "-+ #0123456789.*hlLwI";
 
 struct Conversion
@@ -17,7 +17,7 @@ struct Conversion
     bool writes = false; // "%n" stores through its argument
 };
 
-// Reads the conversion at the start of `text`, which is a percent sign.
+// Reads the conversion at the start of `text`, which begins with a percent sign.
 Conversion ReadConversion(std::string_view text)
 {
     Conversion conversion;

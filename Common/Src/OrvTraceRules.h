@@ -4,7 +4,7 @@
 
 #include "LeadByte.h"
 
-/// The decisions of the library trace: what each level writes, and where the log file lies.
+/// The decisions of the library trace: what each level writes, and where the log file is.
 ///
 /// level  Print                error                registry consulted
 /// 0      nothing              nothing              no
@@ -19,7 +19,7 @@
 [[nodiscard]] bool OrvMirrorsToDebugger(uint32_t level) noexcept;
 [[nodiscard]] bool OrvConsultsRegistry(uint32_t level) noexcept;
 
-/// The level at which an error line is written while the trace stands at `level`: errors go to the file at level 2 too.
+/// The level at which an error line is written while the trace level is `level`: errors go to the file at level 2 too.
 [[nodiscard]] uint32_t OrvErrorLineLevel(uint32_t level) noexcept;
 
 /// @return true for a file name of 1 to 245 characters.
@@ -27,14 +27,14 @@
 
 enum class OrvLogDirectory
 {
-    None,         ///< The file name is used as given.
+    None,         ///< The file name is used unchanged.
     InstalledDir, ///< The directory that the registry names.
     Temp,         ///< The directory of the environment variable "Temp".
 };
 
-/// Where the log file of a module lies.
-/// @param plainFileName     The module writes to its file name as given.
-/// @param setUpModule       The module runs before anything is installed, so the registry has nothing to say to it.
+/// Where the log file of a module is.
+/// @param plainFileName     The module's file name is used unchanged.
+/// @param setUpModule       The module runs before anything is installed, so the registry is not read.
 /// @param productKeyOpened  The product's key could be opened.
 [[nodiscard]] OrvLogDirectory OrvChooseLogDirectory(bool plainFileName, bool setUpModule,
                                                     bool productKeyOpened) noexcept;

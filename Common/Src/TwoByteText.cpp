@@ -1,6 +1,7 @@
 #include "TwoByteText.h"
 
 namespace {
+/// @return the number of bytes of the character at `at`, never more than the text has.
 std::size_t CharacterBytes(std::string_view text, std::size_t at, CharacterRule rule)
 {
     return rule.FirstCharacterBytes(text.substr(at));

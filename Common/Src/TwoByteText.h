@@ -14,7 +14,7 @@
 
 [[nodiscard]] bool EndsWithBackslash(std::string_view path, LeadByteTest isLeadByte);
 
-/// @return true when two backslashes follow each other somewhere in `path`.
+/// @return true when `path` contains two backslashes in a row.
 [[nodiscard]] bool HasDoubleBackslash(std::string_view path, LeadByteTest isLeadByte);
 
 /// @return `text`, or as many whole characters of its start as fit into `maxBytes`.

@@ -7,7 +7,7 @@
 #include "ComOwners.h"
 
 namespace {
-// Some classes, such as that of the installed fixes, are put together while the caller waits.
+// Some classes, such as that of the installed fixes, are computed while the caller waits.
 constexpr LONG kFirstRowMilliseconds = 60000;
 
 UniqueInterface<IWbemServices> Connect(const wchar_t* nameSpace)
@@ -24,8 +24,8 @@ UniqueInterface<IWbemServices> Connect(const wchar_t* nameSpace)
                                       nullptr, &connected))) {
         return nullptr;
     }
-    // The service answers as far as the caller may know, so it has to learn who asks. Where the service lives in this
-    // very process there is no proxy and nothing to set; a proxy that keeps its default is refused later, if at all.
+    // The service must know the caller's identity. In the service's own process there is no proxy and nothing to set;
+    // if setting fails, a later call is refused, if at all.
     CoSetProxyBlanket(connected, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
                       RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
     return UniqueInterface<IWbemServices>(connected);

@@ -19,11 +19,11 @@ static_assert(sizeof(DriverInstallRecord) == 1280);
 static_assert(offsetof(DriverInstallRecord, infPath) == 204);
 static_assert(offsetof(DriverInstallRecord, hardwareId) == 716);
 
-/// The system families, as the prober names them. The spelling "Millenium" is the name, not a slip.
+/// The system families, as the prober names them; "Millenium" is its spelling.
 inline constexpr std::string_view kFamilyWindows2000 = "Windows 2000";
 inline constexpr std::string_view kFamilyWindowsWhistler = "Windows Whistler";
 inline constexpr std::string_view kFamilyWindowsVista = "Windows Vista";
-inline constexpr std::string_view kFamilyWindowsMillenium = "Windows Millenium";
+inline constexpr std::string_view kFamilyWindowsMe = "Windows Millenium";
 inline constexpr std::string_view kFamilyWindows98 = "Windows 98";
 inline constexpr std::string_view kFamilyWindowsNT = "Windows NT";
 
@@ -40,6 +40,3 @@ template <std::size_t Size>
 {
     return std::string(TextIn(record.osFamily));
 }
-
-/// @return true when `text` equals `other` as a whole, letter case of A to Z aside.
-[[nodiscard]] bool EqualsIgnoringCase(std::string_view text, std::string_view other);

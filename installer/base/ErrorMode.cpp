@@ -3,13 +3,13 @@
 #include <windows.h>
 
 namespace {
-// What this file has added to the mode that the process started with.
+// What this file has added to the process's initial mode.
 UINT added = 0;
 
 /// @return the mode before.
 UINT Change(UINT remove, UINT add) noexcept
 {
-    // No system before Vista can only read the mode.
+    // Before Vista the mode cannot be read without setting it.
     const UINT before = SetErrorMode(SEM_FAILCRITICALERRORS);
     SetErrorMode((before & ~remove) | add);
     return before;

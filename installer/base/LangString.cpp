@@ -66,7 +66,7 @@ int LoadLangString(HMODULE module, uint32_t id, char* buffer, int bufferSize)
         return 0;
     }
     if (WideCharToMultiByte(CP_ACP, 0, wide.data(), -1, buffer, bufferSize, nullptr, nullptr) == 0) {
-        // The text does not fit: what the platform wrote before it found out may lack its terminator.
+        // The text does not fit, and what was written may lack its terminator.
         buffer[bufferSize - 1] = '\0';
     }
     return static_cast<int>(std::strlen(buffer));
@@ -77,11 +77,4 @@ std::string LangString(uint32_t id)
     std::array<char, kMessageBytes> buffer{};
     LoadLangString(resourceModule, id, buffer.data(), kMessageBytes);
     return buffer.data();
-}
-
-int AskRestartQuestion()
-{
-    const std::string question = LangString(kStringRestartQuestion);
-    const std::string caption = LangString(kStringCaption);
-    return MessageBoxA(nullptr, question.c_str(), caption.c_str(), MB_YESNO);
 }

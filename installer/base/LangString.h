@@ -29,9 +29,5 @@ wchar_t* GetLanguageSpecificString(HMODULE module, uint32_t id, uint16_t languag
 /// @return length of the text in bytes, without the terminator.
 int LoadLangString(HMODULE module, uint32_t id, char* buffer, int bufferSize);
 
-/// @return string `id` of the resource library through a message buffer of 260 bytes.
+/// @return string `id` of the resource library, cut to a message buffer of 260 bytes.
 std::string LangString(uint32_t id);
-
-/// Asks the restart question in a Yes/No box without an owner.
-/// @return IDYES or IDNO.
-int AskRestartQuestion();

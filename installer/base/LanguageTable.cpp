@@ -6,7 +6,7 @@
 
 namespace {
 // Primary languages (LANG_... of winnt.h) with one table of texts each; no value means that the system's own identifier
-// selects the table, because the sub-languages have tables of their own.
+// selects the table, because each sub-language has its own.
 struct LanguageRow
 {
     uint16_t primary;

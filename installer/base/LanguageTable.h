@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// What the program speaks on a system of a given default language.
+/// The program's language on a system of a given default language.
 struct RunLanguage
 {
     std::string_view code3; ///< three letters, empty when the language is not supported
@@ -13,10 +13,11 @@ struct RunLanguage
 /// @param systemLanguage  Windows language identifier (LANGID): primary language in the low 10 bits.
 [[nodiscard]] RunLanguage LanguageForSystem(uint16_t systemLanguage);
 
-/// The same in the form in which the run asks for it.
+/// The same for C callers.
 /// @param code3  Receives the three-letter code, empty when the language is not supported; may be null. All its bytes
 ///               are cleared first.
-/// @param size   Size of `code3` in bytes. Below 4 the code does not fit, and the system's own identifier is returned.
+/// @param size   Size of `code3` in bytes. When it is below 4, the code does not fit and the system's own identifier is
+///               returned.
 /// @return the identifier of the resources to use, 0 when the language is not supported.
 uint16_t LanguageAnswer(uint16_t systemLanguage, char* code3, int size);
 
@@ -24,7 +25,7 @@ uint16_t LanguageAnswer(uint16_t systemLanguage, char* code3, int size);
 inline constexpr uint16_t kFallbackLanguage = 1033;
 
 /// @param systemAnswer  Identifier of the texts for the system's language, 0 when there are none.
-/// @return the identifier of the language that the run speaks.
+/// @return the identifier of the run's language.
 [[nodiscard]] constexpr uint16_t RunLanguageIdFor(uint16_t systemAnswer)
 {
     return systemAnswer == 0 ? kFallbackLanguage : systemAnswer;

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Traces the system's text for the calling thread's last error. The last error itself is read first, so nothing that
-/// the trace does can change what is reported.
+/// Traces the system's text for the calling thread's last error. The last error is read first, so the trace cannot
+/// change it.
 void PrintGetLastErrorMessage();

@@ -9,7 +9,7 @@ struct LocationInfoRecord
 {
     std::string invokedDir;  ///< current directory at start; gains a trailing backslash when the path is built from it
     std::string programName; ///< argv[0] as given
-    std::string setupDir;    ///< the executable's directory, no trailing backslash; Morvix.ini lies here
+    std::string setupDir;    ///< the executable's directory, no trailing backslash; Morvix.ini is here
 };
 
 /// Written once by SetLocationInfo at start-up; read-only afterwards.
@@ -20,5 +20,5 @@ extern LocationInfoRecord LocationInfo;
 ///         none.
 std::string FullProgramPath(const std::string& programName, std::string& invokedDir, LeadByteTest isLeadByte);
 
-/// @return `path` up to, not including, its last backslash; the whole text when it has none.
+/// @return `path` up to and without its last backslash; the whole text when it has none.
 std::string DirectoryOf(const std::string& path, LeadByteTest isLeadByte);

@@ -5,10 +5,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <utility>
 
-#include "ErrorMode.h"
-#include "Handles.h"
+#include "EqualsIgnoringCase.h"
 #include "LastError.h"
+#include "ProcessStart.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
 
@@ -21,32 +22,20 @@ enum class WaitTrace
     AroundTheWait,
 };
 
-/// @return false when the program could not be started; the last error then says why.
-bool Start(std::string& commandLine, PROCESS_INFORMATION& process)
+int StartAndWait(std::string commandLine, WaitTrace waitTrace)
 {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    const StartErrorMode inherited;
-    return CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                          &process) != FALSE;
-}
-
-int StartAndWait(std::string& commandLine, WaitTrace waitTrace)
-{
-    PROCESS_INFORMATION process{};
-    if (!Start(commandLine, process)) {
+    const auto started = StartProcess({.commandLine = std::move(commandLine)});
+    if (!started) {
         const DWORD error = GetLastError();
         Trace("CreateProcess() error (path too long?)");
         SetLastError(error);
         PrintGetLastErrorMessage();
         return -1;
     }
-    const UniqueHandle processOwner(process.hProcess);
-    const UniqueHandle threadOwner(process.hThread);
     if (waitTrace == WaitTrace::AroundTheWait) {
         Trace("waiting for process to exit");
     }
-    WaitForSingleObject(process.hProcess, INFINITE);
+    WaitForSingleObject(started->process.get(), INFINITE);
     if (waitTrace == WaitTrace::AroundTheWait) {
         Trace("done waiting for process to exit\n");
     }
@@ -61,21 +50,20 @@ int LaunchAppandWait(std::string commandLine)
     std::array<char, MAX_PATH> directory{};
     GetCurrentDirectoryA(MAX_PATH, directory.data());
     Trace("current directory:  ", directory.data(), "\n");
-    return StartAndWait(commandLine, WaitTrace::AroundTheWait);
+    return StartAndWait(std::move(commandLine), WaitTrace::AroundTheWait);
 }
 
 int UninstallAppandWait(std::string commandLine)
 {
     Trace("Entering - UninstallAppandWait");
-    return StartAndWait(commandLine, WaitTrace::Quiet);
+    return StartAndWait(std::move(commandLine), WaitTrace::Quiet);
 }
 
 int DoUninstall(const DriverInstallRecord& record)
 {
     Trace("Entering - DoUninstall");
     const std::string family = FamilyOf(record);
-    const bool is9x =
-        EqualsIgnoringCase(family, kFamilyWindows98) || EqualsIgnoringCase(family, kFamilyWindowsMillenium);
+    const bool is9x = EqualsIgnoringCase(family, kFamilyWindows98) || EqualsIgnoringCase(family, kFamilyWindowsMe);
     const std::string directory = SystemDirectory();
     const std::string path = directory + (is9x ? R"(\Kelsdel.exe)" : R"(\Tavunstl.exe)");
     Trace("uninstall app: ", path, "\n");

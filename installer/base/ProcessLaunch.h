@@ -9,9 +9,9 @@
 /// @return 0 when the program was started and has ended, -1 when it could not be started.
 int LaunchAppandWait(std::string commandLine);
 
-/// The same contract for an uninstaller, with a shorter trace.
+/// The same for an uninstaller, with a shorter trace.
 int UninstallAppandWait(std::string commandLine);
 
 /// Looks for the uninstaller in the system directory and runs it without its user interface.
-/// @return 1 when one was found (whatever running it gave), 0 otherwise.
+/// @return 1 when one was found (regardless of its result), 0 otherwise.
 int DoUninstall(const DriverInstallRecord& record);

@@ -19,11 +19,11 @@ void SetText(HKEY key, const char* name, DWORD type, const std::string& text)
 
 bool RestartFollows()
 {
-    return RunState.windows98Run == 1 || RunState.windowsMeRun == 1 || RunState.fcoeRestart == 1;
+    return RunState.windows98Run || RunState.windowsMeRun || RunState.fcoeRestart;
 }
 
 // The stored length of "Reboot" is that of the result text, not of "Yes": readers stop at the terminator and see "Yes".
-// The bytes behind it are zeros of our own.
+// The bytes after it are zeros.
 void SetReboot(HKEY key, const std::string& result)
 {
     std::string data = "Yes";
@@ -79,7 +79,7 @@ void PostResultToRegistry(const std::string& result, char* driverType, size_t dr
     Trace(version);
 
     HKEY opened = nullptr;
-    if (RegCreateKeyA(HKEY_LOCAL_MACHINE, R"(Software\Norda\Basedrivers)", &opened) == ERROR_SUCCESS) {
+    if (RegCreateKeyA(HKEY_LOCAL_MACHINE, kBasedriversKey, &opened) == ERROR_SUCCESS) {
         const UniqueRegKey key(opened);
         SetText(key.get(), driverType, REG_EXPAND_SZ, result);
         if (RestartFollows()) {
@@ -88,12 +88,12 @@ void PostResultToRegistry(const std::string& result, char* driverType, size_t dr
         if (result == kResultSuccess) {
             SetVersions(key.get(), driverType, driverTypeBytes, version);
         }
-        // The first result always lands; later ones only when they are worse.
-        if (RunState.resultAlreadyPosted == 0 || result == kResultFailure) {
+        // The first result is always stored; a later one only when it is worse.
+        if (!RunState.resultAlreadyPosted || result == kResultFailure) {
             Trace("First time calling PostResultToRegistry() or FAILURE found!");
             SetText(key.get(), "Install", REG_EXPAND_SZ, result);
         }
     }
-    RunState.resultAlreadyPosted = 1;
+    RunState.resultAlreadyPosted = true;
     Trace("Exit -> PostResultToRegistry");
 }

@@ -4,13 +4,13 @@
 #include <string>
 #include <string_view>
 
-/// The run's outward report: values under SOFTWARE\Norda\Basedrivers in HKEY_LOCAL_MACHINE, read by other installers
-/// and by the management software.
-inline constexpr char kBasedriversKey[] = R"(SOFTWARE\Norda\Basedrivers)";
+#include "ResultKeyNames.h"
+
+/// The run's outward report: values of kBasedriversKey.
 inline constexpr std::string_view kResultSuccess = "SUCCESS";
 inline constexpr std::string_view kResultFailure = "FAILURE";
 
-/// Deletes "RebootNeeded", so that the value speaks of this run only. Nothing is reported when there is none.
+/// Deletes "RebootNeeded", so that the value is about this run only. Nothing is reported when there is none.
 void DeleteRebootNeeded();
 
 /// Sets "RebootNeeded" to 1 (REG_DWORD). The key is opened, not created: without it nothing is written or reported.
@@ -18,7 +18,7 @@ void SetRebootNeeded();
 
 /// Records the outcome of one installed driver.
 /// @param result          "SUCCESS" or "FAILURE".
-/// @param driverType      Value name, such as "TAVX_Install". Modified: after a success it is cut behind its last
+/// @param driverType      Value name, such as "TAVX_Install". Modified: after a success it is cut after its last
 ///                        underscore and ends in "Version".
 /// @param driverTypeBytes Size of the `driverType` buffer in bytes.
 /// @param version         Version text; used after a success only.

@@ -9,14 +9,14 @@ bool WaitAnsweringSentMessages(HANDLE object, DWORD milliseconds)
         const DWORD passed = GetTickCount() - start;
         const DWORD left = milliseconds == INFINITE ? INFINITE : milliseconds - std::min(passed, milliseconds);
         const DWORD woken = MsgWaitForMultipleObjects(1, &object, FALSE, left, QS_SENDMESSAGE);
-        // Without time left, messages that keep coming must not prolong the wait.
+        // When the time is up, messages that keep coming must not prolong the wait.
         if (woken == WAIT_FAILED || left == 0) {
             return WaitForSingleObject(object, left) == WAIT_OBJECT_0;
         }
         if (woken != WAIT_OBJECT_0 + 1) {
             return woken == WAIT_OBJECT_0;
         }
-        // This is what answers the sent messages; it takes none from the queue.
+        // This call answers the sent messages; it removes none from the queue.
         MSG message{};
         PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
     }

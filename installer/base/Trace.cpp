@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "Handles.h"
+#include "ResultKeyNames.h"
 
 void Trace(std::string&& message)
 {
@@ -14,7 +15,7 @@ void Trace(std::string&& message)
 void TracePieces(std::span<const std::string_view> pieces)
 {
     HKEY key = nullptr;
-    if (RegOpenKeyA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Basedrivers\Debug)", &key) != ERROR_SUCCESS) {
+    if (RegOpenKeyA(HKEY_LOCAL_MACHINE, kTraceSwitchKey, &key) != ERROR_SUCCESS) {
         return;
     }
     const UniqueRegKey owner(key);

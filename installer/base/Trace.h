@@ -5,17 +5,17 @@
 #include <string>
 #include <string_view>
 
-/// Sends one line to the debugger output, as "Morvix: " + message, while the key SOFTWARE\Norda\Basedrivers\Debug
-/// exists under HKEY_LOCAL_MACHINE. The key is looked for on every call, so the trace can be switched on and off during
-/// a run. No newline is added: messages carry their own where they want one.
+/// Sends one line to the debugger output, as "Morvix: " + message, while the key kTraceSwitchKey exists. The key is
+/// looked up on every call, so the trace can be switched on and off during a run. No newline is added: messages bring
+/// their own where they need one.
 /// @param message  Consumed: empty when the call returns.
 void Trace(std::string&& message);
 
-/// The same for a message in pieces, which are put together only while the trace is on.
+/// The same for a message in pieces, which are joined only while the trace is on.
 void TracePieces(std::span<const std::string_view> pieces);
 
-/// The same, given one by one. Nothing is consumed.
-/// @param pieces  Each a text that turns into a std::string_view; a null pointer is not one.
+/// The same, with the pieces as arguments. Nothing is consumed.
+/// @param pieces  Texts that convert to std::string_view; never a null pointer.
 template <class... Pieces>
 void Trace(const Pieces&... pieces)
 {

@@ -1,5 +1,5 @@
-// The entry points that the package names. Each gets the engine's handle of its step and answers ERROR_SUCCESS,
-// ERROR_INSTALL_FAILURE when the installation must not go on, or ERROR_INSTALL_USEREXIT when the user has cancelled it.
+// The entry points that the package names. Each gets the engine's handle of its step and returns ERROR_SUCCESS,
+// ERROR_INSTALL_FAILURE to stop the installation, or ERROR_INSTALL_USEREXIT when the user has cancelled it.
 
 #include <exception>
 #include <optional>
@@ -100,7 +100,7 @@ UINT PassRestartOn(const InstallerSession& session)
     return ERROR_SUCCESS;
 }
 
-/// Nothing may be thrown into the engine.
+/// No exception may reach the engine.
 template <class Step>
 UINT Run(MSIHANDLE handle, Step step) noexcept
 {
@@ -118,20 +118,20 @@ UINT Run(MSIHANDLE handle, Step step) noexcept
 } // namespace
 
 /// Sets CallerIsAdministrator to 1 for an administrator. Runs with the rights of the user who started the installation,
-/// while the script is written. The engine's own properties do not tell: since Vista, AdminUser follows Privileged, and
-/// Privileged is set for everybody who repairs a package that an administrator has installed.
+/// while the script is written. The engine's own properties are no help: since Vista, AdminUser follows Privileged, and
+/// Privileged is set for everybody who repairs a package that an administrator installed.
 extern "C" UINT __stdcall CheckCaller(MSIHANDLE handle)
 {
     return Run(handle, NoteAdministrator);
 }
 
-/// Saves what the steps may change, for their rollback. Runs while the script is written.
+/// Saves what the steps may change, for the rollback. Runs while the script is written.
 extern "C" UINT __stdcall SaveRecords(MSIHANDLE handle)
 {
     return Run(handle, SaveForRollback);
 }
 
-/// Makes the records what they were before the step, as a rollback of the installation script.
+/// Restores the records, as a rollback of the installation script.
 extern "C" UINT __stdcall RestoreRecords(MSIHANDLE handle)
 {
     return Run(handle, PutBackRecords);

@@ -8,7 +8,7 @@
 #include "SystemLibrary.h"
 
 /// The functions of the Windows Installer engine that a step uses, taken from the system directory by full path: the
-/// engine's library is no known library of the system, and whoever loads this one need not be the engine.
+/// engine's library is not a known library, and this one may be loaded by other programs.
 struct InstallerFunctions
 {
     UniqueLibrary library = LoadSystemLibrary("msi.dll");
@@ -24,7 +24,7 @@ struct InstallerFunctions
         FindEntry<decltype(&MsiProcessMessage)>(library.get(), "MsiProcessMessage");
     decltype(&MsiCloseHandle) closeHandle = FindEntry<decltype(&MsiCloseHandle)>(library.get(), "MsiCloseHandle");
 
-    /// The engine has had all of them in every version.
+    /// Every version of the engine has all of them.
     [[nodiscard]] bool AreComplete() const
     {
         return getProperty != nullptr && setProperty != nullptr && setMode != nullptr && createRecord != nullptr &&

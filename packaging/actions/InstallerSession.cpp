@@ -43,7 +43,7 @@ std::string InstallerSession::StepData() const
     constexpr char kProperty[] = "CustomActionData";
     std::string text(1, '\0');
     DWORD chars = 0;
-    // Asked with an empty buffer, the engine tells the length without the terminator.
+    // With an empty buffer, the engine returns the length without the terminator.
     if (m_functions.getProperty(m_handle, kProperty, text.data(), &chars) != ERROR_MORE_DATA) {
         return {};
     }
@@ -70,7 +70,7 @@ ProgramEnd InstallerSession::RunAndReport(const ProgramStart& start, std::uint32
 {
     WaitProgress progress(limitSeconds);
     const ProgramEnd end = RunAndWait(start, limitSeconds, [&](std::uint32_t seconds) {
-        // The package has a template for the text; either message tells whether the user has cancelled.
+        // The package has a template for the text; the result of either message shows whether the user has cancelled.
         return Send(INSTALLMESSAGE_ACTIONDATA, nullptr, progress.Text(seconds)) != IDCANCEL &&
                SendProgress(kTicksDone, progress.TicksAfter(seconds)) != IDCANCEL;
     });

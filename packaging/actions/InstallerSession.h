@@ -6,7 +6,7 @@
 #include "ChildProcess.h"
 #include "InstallerFunctions.h"
 
-/// One step of an installation, as the Windows Installer engine hands it to the library. The engine owns the handle.
+/// One step of a Windows Installer installation. The engine owns the handle.
 class InstallerSession
 {
 public:
@@ -17,7 +17,7 @@ public:
     /// @return the text that the package passes to this deferred step; empty when there is none.
     [[nodiscard]] std::string StepData() const;
 
-    /// Sets a property of the installation. Only steps that run while the script is written can do that.
+    /// Sets a property of the installation. Only steps that run while the script is written can.
     void SetProperty(const char* name, const std::string& text) const;
 
     /// Lengthens the progress bar by the ticks of one wait, also while the script is written.

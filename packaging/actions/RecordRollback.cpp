@@ -7,11 +7,12 @@
 
 #include "Handles.h"
 #include "RecordNames.h"
+#include "ResultKeyNames.h"
 
 namespace {
 // The longest name that a value can have, with its terminator.
 constexpr DWORD kValueNameChars = 16384;
-// The snapshot travels through a property of the package. A data file is a list of a few kilobytes.
+// The snapshot is passed in a property of the package. A data file is a list of a few kilobytes.
 constexpr LONGLONG kLargestDataFileBytes = 262144;
 
 [[noreturn]] void RefuseToGuess(const std::string& what, LSTATUS error)
@@ -114,7 +115,7 @@ bool WriteDataFile(const std::string& path, const std::string& bytes)
            written == bytes.size();
 }
 
-/// Removes a key that the step has made.
+/// Removes a key that the step has created.
 bool RemoveAddedKey(const char* path)
 {
     if (const UniqueRegKey key = OpenKey(path, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
@@ -129,9 +130,9 @@ bool RemoveAddedKey(const char* path)
 bool RestoreResults(const std::optional<std::vector<SavedValue>>& results)
 {
     if (!results) {
-        return RemoveAddedKey(kResultKey);
+        return RemoveAddedKey(kBasedriversKey);
     }
-    const UniqueRegKey key = CreateKey(kResultKey);
+    const UniqueRegKey key = CreateKey(kBasedriversKey);
     if (!key) {
         return false;
     }
@@ -176,7 +177,7 @@ bool RestoreDataFile(const RecordSnapshot& snapshot, const std::string& path)
 RecordSnapshot TakeSnapshot(const std::string& dataFile)
 {
     RecordSnapshot snapshot;
-    if (const UniqueRegKey key = OpenKey(kResultKey, KEY_QUERY_VALUE)) {
+    if (const UniqueRegKey key = OpenKey(kBasedriversKey, KEY_QUERY_VALUE)) {
         snapshot.results = ReadValues(key.get());
     }
     if (const UniqueRegKey key = OpenKey(kRegistrationKey, KEY_QUERY_VALUE)) {

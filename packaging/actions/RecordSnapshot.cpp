@@ -12,7 +12,7 @@ constexpr std::string_view kResultEntry = "V";
 constexpr std::string_view kRegistrationEntry = "R";
 constexpr std::string_view kFileEntry = "F";
 constexpr std::string_view kUnknownFileEntry = "U";
-// Ends the text: one that was cut off is not taken for a snapshot.
+// Ends the text, so that a text that was cut off is rejected.
 constexpr std::string_view kEnd = "end";
 constexpr int kHexBase = 16;
 
@@ -42,7 +42,7 @@ std::optional<std::string> FromHex(std::string_view text)
     std::string bytes;
     for (size_t at = 0; at < text.size(); at += 2) {
         unsigned char value = 0;
-        // from_chars takes no sign for an unsigned number, so that two characters are two digits.
+        // from_chars accepts no sign for an unsigned number, so two characters are two digits.
         if (at + 1 == text.size() || !ReadNumber(text.substr(at, 2), value, kHexBase)) {
             return std::nullopt;
         }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// A registry value as it lies in the registry.
+/// A registry value as stored.
 struct SavedValue
 {
     std::string name;
@@ -25,7 +25,7 @@ struct RecordSnapshot
     {
         Missing,
         Saved,
-        /// It could not be read, so a rollback leaves it alone.
+        /// It could not be read, so a rollback does not change it.
         Unknown,
     };
 
@@ -40,8 +40,8 @@ struct RecordSnapshot
     bool operator==(const RecordSnapshot&) const = default;
 };
 
-/// @return the snapshot as text of printable ASCII without blanks, to travel through a property of the package.
+/// @return the snapshot as printable ASCII without blanks, to be passed in a property of the package.
 [[nodiscard]] std::string EncodeSnapshot(const RecordSnapshot& snapshot);
 
-/// @return no value for a text that EncodeSnapshot has not made.
+/// @return no value for a text that is not from EncodeSnapshot.
 [[nodiscard]] std::optional<RecordSnapshot> DecodeSnapshot(std::string_view text);

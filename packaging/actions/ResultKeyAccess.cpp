@@ -9,6 +9,7 @@
 #include "Handles.h"
 #include "NetInst.h"
 #include "RecordNames.h"
+#include "ResultKeyNames.h"
 
 namespace {
 constexpr char kRestartValue[] = "RebootNeeded";
@@ -37,7 +38,7 @@ std::string ReadText(HKEY key, const std::string& name)
         ERROR_SUCCESS) {
         return {};
     }
-    // The stored text may be longer than its terminator says, or lack one.
+    // The stored text may continue after its terminator, or lack one.
     text.resize(bytes);
     return text.substr(0, text.find('\0'));
 }
@@ -70,7 +71,7 @@ bool IsNumberOtherThanZero(HKEY key, const char* name)
 
 void ForgetEarlierFailures()
 {
-    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kBasedriversKey, KEY_QUERY_VALUE | KEY_SET_VALUE)) {
         for (const std::string& name : FailureRecords(key.get())) {
             RegDeleteValueA(key.get(), name.c_str());
         }
@@ -84,7 +85,7 @@ void ForgetEarlierFailures()
 ResultRecords ReadResultRecords()
 {
     ResultRecords records;
-    if (const UniqueRegKey key = OpenMachineKey(kResultKey, KEY_QUERY_VALUE)) {
+    if (const UniqueRegKey key = OpenMachineKey(kBasedriversKey, KEY_QUERY_VALUE)) {
         records.install = ReadText(key.get(), "Install");
         records.version = ReadText(key.get(), "Version");
         records.restartNeeded = IsNumberOtherThanZero(key.get(), kRestartValue);

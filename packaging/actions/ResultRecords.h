@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the program has left under its result key.
+/// What the program has written to its result key.
 struct ResultRecords
 {
     /// "SUCCESS" or "FAILURE"; empty when the run recorded nothing, as without a matching adapter.
@@ -22,5 +22,5 @@ struct ResultRecords
 /// Whether a value under the result key records a failure, of the run or of one family.
 [[nodiscard]] bool IsFailureRecord(std::string_view valueName, std::string_view text);
 
-/// @return the family that a value stands for, such as "TAVG_PCIE" for "TAVG_PCIE_Install"; empty for any other value.
+/// @return the family of a value, such as "TAVG_PCIE" for "TAVG_PCIE_Install"; empty for any other value.
 [[nodiscard]] std::string FamilyOfRecord(std::string_view valueName);

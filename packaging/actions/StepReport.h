@@ -24,7 +24,7 @@ struct ProgramEnd
     std::uint32_t code = 0;
 };
 
-/// What a step answers the engine.
+/// A step's result for the engine.
 enum class StepOutcome
 {
     Done,
@@ -33,16 +33,15 @@ enum class StepOutcome
 };
 
 /// Whether the step has failed: the program did not run to its end, refused to start its work, or recorded a failure. A
-/// run that recorded nothing found no adapter of its kind, which is no failure.
+/// run that recorded nothing found no adapter, which is not a failure.
 [[nodiscard]] bool StepHasFailed(const ProgramEnd& end, const ResultRecords& records);
 
-/// A failure fails the package only when the caller asked for that. A program that still runs always does: nobody knows
-/// yet what becomes of the drivers, and the package must not be taken for installed.
+/// A failure fails the package only when the caller asked for that. A program that is still running always does: the
+/// drivers' state is unknown, and the package must not count as installed.
 [[nodiscard]] StepOutcome DecideStep(const StepRequest& request, const ProgramEnd& end, const ResultRecords& records);
 
 /// The lines that the installation log gets after the step: how the program ended, what it recorded, and for a failure
-/// whether the package fails with it. A program that was left running has no result yet: the lines say what may still
-/// be going on instead.
+/// whether the package fails with it. For a program that was left running, the lines say what may still be going on.
 [[nodiscard]] std::vector<std::string> StepReport(const StepRequest& request, const ProgramEnd& end,
                                                   const ResultRecords& records);
 
@@ -51,5 +50,5 @@ enum class StepOutcome
 
 [[nodiscard]] bool RestartIsNeeded(const ResultRecords& records);
 
-/// The line of the log that says whether a restart is asked for, and who recorded that it is needed.
+/// The log line that says whether a restart is requested, and who recorded that it is needed.
 [[nodiscard]] std::string RestartReport(const ResultRecords& records);

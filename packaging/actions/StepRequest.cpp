@@ -5,7 +5,7 @@
 namespace {
 constexpr char kSeparator = '|';
 
-/// Takes the part before the next separator off `rest`; no value when there is no separator left.
+/// Removes the part before the next separator from `rest`; no value when there is no separator.
 std::optional<std::string_view> TakePart(std::string_view& rest)
 {
     const size_t end = rest.find(kSeparator);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// How long a program may take when the package says nothing else, and the longest time that can be asked for.
+/// The default time limit for a program, and the longest one that can be requested.
 inline constexpr std::uint32_t kDefaultTimeLimitSeconds = 900;
 inline constexpr std::uint32_t kLongestTimeLimitSeconds = 86400;
 
@@ -21,8 +21,8 @@ struct StepRequest
 };
 
 /// Reads the text that the package passes to the step, "PROGRAM|OEMVARIANT|FAILONFAILURE|STEPTIMELIMIT". A deferred
-/// step cannot read the package's properties itself. The path comes first: no path holds the separator, so what a
-/// caller puts into the properties cannot change which program is started. A switch is on when it is "1".
+/// step cannot read the package's properties itself. The path comes first: no path contains the separator, so a
+/// caller's properties cannot change which program is started. A switch is on when it is "1".
 /// @return no value when a part is missing or the program is not given by its full path.
 [[nodiscard]] std::optional<StepRequest> ReadStepRequest(std::string_view data);
 

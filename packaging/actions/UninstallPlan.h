@@ -10,7 +10,7 @@ struct UninstallPlan
     std::string uninstaller;
     /// Makes it run without its user interface.
     std::string arguments;
-    /// The copy of the kit's uninstall data that the program has put there for it.
+    /// The copy of the kit's uninstall data that the program put there.
     std::string dataFile;
 };
 

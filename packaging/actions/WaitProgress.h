@@ -6,14 +6,14 @@
 /// Ticks that waiting for a program adds to the progress bar; the engine counts one for each byte of a file.
 inline constexpr std::uint32_t kWaitTicks = 1000000;
 
-/// Shares the ticks of one wait out over its time.
+/// Spreads the ticks of one wait over its time.
 class WaitProgress
 {
 public:
     /// @param limitSeconds  At least 1.
     explicit WaitProgress(std::uint32_t limitSeconds) : m_limitSeconds(limitSeconds) {}
 
-    /// @return the ticks that are new after so many seconds. Over the whole wait they add up to kWaitTicks at most.
+    /// @return the new ticks after so many seconds. Over the whole wait they add up to kWaitTicks at most.
     [[nodiscard]] std::uint32_t TicksAfter(std::uint32_t seconds);
 
     /// @return the ticks that are left, for a program that ended earlier.

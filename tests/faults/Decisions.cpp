@@ -174,7 +174,7 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {R"(install GetFileVersionInfo*(<SYSTEM>\drivers\ngea62x64.sys) 1)", kVersions},
     {"install VerQueryValueA() 1", kVersions},
     {"install wsprintfA() 1", kVersions},
-    {R"(install RegCreateKeyA(Software\Norda\Basedrivers) 1)",
+    {R"(install RegCreateKeyA(SOFTWARE\Norda\Basedrivers) 1)",
      "-Install, -Reboot, -Version, -family Install, -family Version"},
     {"install RegSetValueExA(Install) 1", "-Install"},
     {"install RegSetValueExA(Reboot) 1", "-Reboot"},

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "FileAnswers.h"
 #include "InfModelLine.h"
 #include "InfQualification.h"

@@ -59,12 +59,12 @@ void CheckOptions(const OptionMap& map)
     const bool suppressed = silent && !forced && Has(map, "nr");
     const bool package = !help && !forced && !suppressed && (Has(map, "m") || Has(map, "md"));
     Promise(decision.help == help, "help is asked for with /h or /?");
-    Promise((options.silent == 1) == silent, "/s");
-    Promise((options.forceReboot == 1) == forced, "/r counts with /s");
-    Promise((options.suppressReboot == 1) == suppressed, "/nr counts with /s, and /r wins");
-    Promise((options.msiMode == 1) == package, "/m and /md count unless a restart option cancels them");
-    Promise((options.oemGui == 1) == (package && !Has(map, "m")), "/md without /m");
-    Promise((options.forceInfScan == 1) == (!help && Has(map, "n")), "/n");
+    Promise(options.silent == silent, "/s");
+    Promise(options.forceReboot == forced, "/r counts with /s");
+    Promise(options.suppressReboot == suppressed, "/nr counts with /s, and /r wins");
+    Promise(options.msiMode == package, "/m and /md count unless a restart option cancels them");
+    Promise(options.oemGui == (package && !Has(map, "m")), "/md without /m");
+    Promise(options.forceInfScan == (!help && Has(map, "n")), "/n");
     const std::size_t lines = map.empty() ? 1U
                               : help      ? 2U
                                           : std::size_t{silent} + forced + suppressed + package + options.forceInfScan;
@@ -74,18 +74,18 @@ void CheckOptions(const OptionMap& map)
 void CheckEnd(const RunOptionsRecord& options, bool needed)
 {
     const RestartAction action = DecideRestart(options, needed);
-    if (options.forceReboot != 0) {
+    if (options.forceReboot) {
         Promise(action == RestartAction::Restart, "/r restarts whatever was found");
-    } else if (options.suppressReboot != 0 || !needed) {
+    } else if (options.suppressReboot || !needed) {
         Promise(action == RestartAction::None, "no restart that is not needed or not wanted");
-    } else if (options.msiMode != 0) {
+    } else if (options.msiMode) {
         Promise(action == RestartAction::RecordForInstaller, "a package restarts by itself");
     } else {
-        Promise(action == (options.silent != 0 ? RestartAction::Restart : RestartAction::Ask), "asks who can answer");
+        Promise(action == (options.silent ? RestartAction::Restart : RestartAction::Ask), "asks who can answer");
     }
-    Promise(OutcomeDecidesRestart(options) == (options.forceReboot + options.suppressReboot == 0),
+    Promise(OutcomeDecidesRestart(options) == (!options.forceReboot && !options.suppressReboot),
             "unless it is settled");
-    Promise(IsUnattended(options) == (options.silent != 0 || (options.msiMode != 0 && options.oemGui == 0)),
+    Promise(IsUnattended(options) == (options.silent || (options.msiMode && !options.oemGui)),
             "silent, or a package's step other than the OEM variant");
     if (IsUnattended(options)) {
         Promise(action != RestartAction::Ask, "nobody is asked when nobody is there");
@@ -180,9 +180,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const RunOptionsRecord options = DecideOptions(expected).options;
     CheckEnd(options, false);
     CheckEnd(options, true);
-    unsigned bits = size == 0 ? 0U : data[size - 1];
+    const unsigned bits = size == 0 ? 0U : data[size - 1];
     CheckOutcome(bits);
-    RunOptionsRecord any{bits & 1, bits >> 1 & 1, bits >> 2 & 1, bits >> 3 & 1, bits >> 4 & 1, 0};
-    CheckEnd(any, (bits >> 5 & 1) != 0);
+    const auto bit = [bits](unsigned place) { return (bits >> place & 1) != 0; };
+    const RunOptionsRecord any{bit(0), bit(1), bit(2), bit(3), bit(4), false};
+    CheckEnd(any, bit(5));
     return 0;
 }

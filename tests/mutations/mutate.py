@@ -66,7 +66,7 @@ class Sources:
 
 
 def pure_files():
-    """The files that the rooms build without platform calls, each with its header."""
+    """The files that the rooms build without platform calls, each with its header, and headers with their own tests."""
     for room, suite in SUITES.items():
         text = (ROOT / room / "CMakeLists.txt").read_text()
         names = re.search(r"PURE((?:\s+\w+\.cpp)+)", text).group(1).split()
@@ -75,6 +75,10 @@ def pure_files():
             header = f"{room}/{pathlib.Path(name).stem}.h"
             if (ROOT / header).exists():
                 yield header, suite
+        for header in sorted((ROOT / room).glob("*.h")):
+            tested = any((HERE.parent / "pure").glob(f"*/{header.stem}Test.cpp"))
+            if tested and not header.with_suffix(".cpp").exists():
+                yield str(header.relative_to(ROOT)), suite
 
 
 def entries(name):

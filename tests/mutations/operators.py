@@ -1,6 +1,6 @@
 """Finds the places of a C++ source at which one of these operators makes a small fault:
 
-  negate    a condition is inverted; a "!" is left out
+  negate    a condition is inverted, also a name before "?"; a "!" is left out
   equality  == and != are swapped
   boundary  < and <=, > and >= are swapped
   logic     && and || are swapped
@@ -29,6 +29,7 @@ SWAPS = {
 }
 BINARY = re.compile(r"(?<=\s)(==|!=|<=|>=|<|>|&&|\|\||&)(?=\s)")
 NOT = re.compile(r"(?<![\w)\]])!(?!=)")
+CHOICE = re.compile(r"(?:(?<=[(\[{])|(?<=return )|(?<= = )|(?<=[,:?] )|^)[A-Za-z_][\w.]*(?= \? )")
 FLAG = re.compile(r"\b(true|false)\b")
 NUMBER = re.compile(r"(?<![\w.'<])(0[xX][0-9A-Fa-f]+|\d+)([uUlL]*)(?![\w.'>])")
 # What holds no code: literals, comments, directives.
@@ -225,6 +226,8 @@ class Source:
             add(SWAPS[match.group(0)][0], match.start(), match.end(), SWAPS[match.group(0)][1])
         for match in NOT.finditer(code):
             add("negate", match.start(), match.end(), "")
+        for match in CHOICE.finditer(code):
+            add("negate", match.start(), match.end(), "!" + match.group(0))
         for match in FLAG.finditer(code):
             add("flag", match.start(), match.end(), "false" if match.group(0) == "true" else "true")
         for match in NUMBER.finditer(code):

@@ -14,7 +14,7 @@ constexpr uint32_t ShiftLeft(uint32_t mask, unsigned count)
     return mask << (count % kMaskBits);
 }
 
-// Shift counts are taken modulo 32, so a mask of all ones never shows a zero; its count ends behind 32.
+// Shift counts are taken modulo 32, so a mask of all ones never shows a zero; its count ends above 32.
 constexpr unsigned CountLeadingOnes(uint32_t mask)
 {
     constexpr uint32_t kTopBit = 0x80000000;
@@ -33,7 +33,7 @@ MaskVerdict JudgeSubnetMask(uint32_t mask)
         return MaskVerdict::FirstOctetTooSmall;
     }
     const uint32_t bits = FirstOctetInFront(mask);
-    // The count of a mask of all ones is beyond its width, so something is left of it here: all ones are rejected like
-    // a mask with a gap, and that is meant.
+    // The count of a mask of all ones exceeds its width, so bits remain here: all ones are rejected like a mask with a
+    // gap, deliberately.
     return ShiftLeft(bits, CountLeadingOnes(bits)) == 0 ? MaskVerdict::Valid : MaskVerdict::OneAfterZero;
 }

@@ -13,8 +13,8 @@
 
 namespace {
 constexpr bool kForReading = false;
-// What the iSCSI library says of the initiator. Declared here because the compiler's header has it for 6.0 and later
-// only; the systems before have the library too, once an initiator is installed.
+// The iSCSI library's record about the initiator. Declared here because the compiler's header has it for 6.0 and later
+// only; earlier systems have the library too, once an initiator is installed.
 struct IScsiVersionInfo
 {
     ULONG majorVersion;

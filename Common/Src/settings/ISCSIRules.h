@@ -14,7 +14,7 @@
     return lun <= 255;
 }
 
-/// Port 1024 is rejected like the well-known ports below it, on purpose.
+/// Port 1024 is deliberately rejected like the well-known ports below it.
 [[nodiscard]] constexpr bool IsTargetPortInRange(int32_t port)
 {
     return port >= 1025 && port <= 65535;
@@ -27,11 +27,11 @@
 }
 
 /// @return true when the system can boot with the software initiator: Windows Server 2003 with a service pack, for
-///         which there is an initiator to install, and every system from 6.0 on, which brings its own. The
-///         workstations of 5.x and everything before have none that boots.
+///         which an initiator can be installed, and every system from 6.0 on, which has its own. 5.x workstations and
+///         all earlier systems have none that boots.
 [[nodiscard]] bool CanBootOverISCSI(OSCode code, const SystemFacts& facts);
 
-/// The initiator's version, as it tells it.
+/// The initiator's version, as reported.
 struct InitiatorVersion
 {
     uint32_t major = 0;
@@ -39,8 +39,8 @@ struct InitiatorVersion
     uint32_t build = 0;
 };
 
-/// @return true for an initiator that can boot: 2.0 build 1895, the first that can, and everything later. The
-///         initiators that are part of a system have its version, 6.0 and later.
+/// @return true for an initiator that can boot: 2.0 build 1895, the first that can, and everything later. Initiators
+///         that are part of a system have its version, 6.0 and later.
 [[nodiscard]] bool IsInitiatorRecentEnough(const InitiatorVersion& version);
 
 /// @return true when the system's service pack contains the initiator's hotfix: Server 2003 from service pack 2 on.
@@ -54,6 +54,6 @@ inline constexpr char kInitiatorHotFix[] = "KB902113";
 /// The hotfix with which Server 2003 writes a crash dump over iSCSI.
 inline constexpr char kServer2003DumpHotFix[] = "KB939875";
 
-/// @param hotFixId  Such as "KB902113". Quotation marks and backslashes stand for themselves.
+/// @param hotFixId  Such as "KB902113". Quotation marks and backslashes are escaped.
 /// @return the WMI query that has rows when that hotfix is installed.
 [[nodiscard]] std::wstring HotFixQuery(std::wstring_view hotFixId);

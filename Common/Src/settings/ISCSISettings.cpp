@@ -15,7 +15,7 @@ static_assert(INADDR_NONE == kNoAddress);
 uint32_t ParseAddress(const COrvString& text)
 {
     char bounded[260];
-    // A text that is too long is no address. The buffer would be empty then, which some systems read as address 0.
+    // A text that is too long is not an address. The buffer would be empty, which some systems read as address 0.
     if (OrvBoundedCopy(bounded, sizeof(bounded), text) != 0) {
         OrvReportInvalidParameter();
         return kNoAddress;
@@ -39,7 +39,7 @@ bool CheckAddress(const char* name, const COrvString& address, uint32_t lowestFi
     });
 }
 
-// Only acceptance is worth a line of its own.
+// Only acceptance is traced.
 bool CheckNumber(const char* name, bool acceptable, const char* description)
 {
     return TracedISCSICheck(name, [&] {

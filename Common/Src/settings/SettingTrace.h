@@ -2,7 +2,7 @@
 
 #include "OrvDebug.h"
 
-/// Runs a check with its entry and exit lines in the library trace.
+/// Runs a check between its entry and exit lines in the library trace.
 /// @param name   The operation's name, without its class.
 /// @param check  Returns bool.
 /// @return what the check returned.

@@ -32,22 +32,3 @@ TEST(DriverInstallRecord, UnterminatedFamilyNameEndsWithItsField)
     record.infPath.fill('y');
     EXPECT_EQ(std::string(204, 'x'), FamilyOf(record));
 }
-
-TEST(DriverInstallRecord, FamiliesAreComparedWholeAndLetterCaseAside)
-{
-    EXPECT_TRUE(EqualsIgnoringCase("WINDOWS vista", kFamilyWindowsVista));
-    EXPECT_FALSE(EqualsIgnoringCase("Windows Vista ", kFamilyWindowsVista));
-    EXPECT_FALSE(EqualsIgnoringCase("Windows", kFamilyWindowsVista));
-    EXPECT_FALSE(EqualsIgnoringCase("", kFamilyWindowsVista));
-}
-
-TEST(DriverInstallRecord, EveryLetterHasItsOtherCaseAndNoOtherByteHasOne)
-{
-    for (int value = 0; value < 256; ++value) {
-        const char byte = static_cast<char>(value);
-        const bool upper = byte >= 'A' && byte <= 'Z';
-        const bool lower = byte >= 'a' && byte <= 'z';
-        const char other = static_cast<char>(value ^ 0x20);
-        EXPECT_EQ(upper || lower, EqualsIgnoringCase(std::string(1, byte), std::string(1, other))) << value;
-    }
-}

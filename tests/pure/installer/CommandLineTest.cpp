@@ -28,13 +28,13 @@ std::string Flags(const RunOptionsRecord& options)
 {
     std::string text;
     for (const auto& [name, flag] :
-         std::initializer_list<std::pair<const char*, uint32_t>>{{"silent ", options.silent},
-                                                                 {"forceReboot ", options.forceReboot},
-                                                                 {"suppressReboot ", options.suppressReboot},
-                                                                 {"msiMode ", options.msiMode},
-                                                                 {"oemGui ", options.oemGui},
-                                                                 {"forceInfScan ", options.forceInfScan}}) {
-        text += flag == 1 ? name : "";
+         std::initializer_list<std::pair<const char*, bool>>{{"silent ", options.silent},
+                                                             {"forceReboot ", options.forceReboot},
+                                                             {"suppressReboot ", options.suppressReboot},
+                                                             {"msiMode ", options.msiMode},
+                                                             {"oemGui ", options.oemGui},
+                                                             {"forceInfScan ", options.forceInfScan}}) {
+        text += flag ? name : "";
     }
     return text;
 }

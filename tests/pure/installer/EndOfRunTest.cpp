@@ -7,7 +7,7 @@
 #include "StringIds.h"
 
 namespace {
-RunOptionsRecord Options(unsigned silent, unsigned force, unsigned suppress, unsigned msi)
+RunOptionsRecord Options(bool silent, bool force, bool suppress, bool msi)
 {
     RunOptionsRecord options;
     options.silent = silent;
@@ -21,10 +21,10 @@ RunOptionsRecord Options(unsigned silent, unsigned force, unsigned suppress, uns
 namespace {
 struct EndRow
 {
-    unsigned silent;
-    unsigned force;
-    unsigned suppress;
-    unsigned msi;
+    bool silent;
+    bool force;
+    bool suppress;
+    bool msi;
     bool needed; ///< one of the three reasons holds
     RestartAction action;
 };
@@ -78,14 +78,15 @@ TEST(EndOfRun, EveryCombinationOfFlagsAndNeedHasItsAction)
     std::set<unsigned> seen;
     for (const EndRow& row : kEnds) {
         SCOPED_TRACE(testing::Message() << row.silent << row.force << row.suppress << row.msi << row.needed);
-        seen.insert(row.silent << 4U | row.force << 3U | row.suppress << 2U | row.msi << 1U | (row.needed ? 1U : 0U));
+        seen.insert(unsigned{row.silent} << 4U | unsigned{row.force} << 3U | unsigned{row.suppress} << 2U |
+                    unsigned{row.msi} << 1U | unsigned{row.needed});
         RunOptionsRecord options = Options(row.silent, row.force, row.suppress, row.msi);
         // Neither the dialog's variant nor the scan of all INF files has a say.
         for (const unsigned others : {0U, 1U, 2U, 3U}) {
-            options.oemGui = others & 1U;
-            options.forceInfScan = others >> 1U;
+            options.oemGui = (others & 1U) != 0;
+            options.forceInfScan = others >> 1U != 0;
             EXPECT_EQ(row.action, DecideRestart(options, row.needed));
-            EXPECT_EQ(row.force == 0 && row.suppress == 0, OutcomeDecidesRestart(options));
+            EXPECT_EQ(!row.force && !row.suppress, OutcomeDecidesRestart(options));
         }
     }
     EXPECT_EQ(32U, seen.size());
@@ -93,7 +94,7 @@ TEST(EndOfRun, EveryCombinationOfFlagsAndNeedHasItsAction)
 
 TEST(EndOfRun, ForcedRestartRestartsWhateverWasFound)
 {
-    for (const unsigned msi : {0U, 1U}) {
+    for (const bool msi : {false, true}) {
         EXPECT_EQ(RestartAction::Restart, DecideRestart(Options(1, 1, 0, msi), false));
         EXPECT_EQ(RestartAction::Restart, DecideRestart(Options(1, 1, 1, msi), true));
         EXPECT_FALSE(OutcomeDecidesRestart(Options(1, 1, 0, msi)));
@@ -112,7 +113,7 @@ TEST(EndOfRun, SuppressedRestartNeverRestartsAndNeverAsks)
 TEST(EndOfRun, WithoutAReasonNothingIsDone)
 {
     for (const unsigned silent : {0U, 1U}) {
-        for (const unsigned msi : {0U, 1U}) {
+        for (const bool msi : {false, true}) {
             EXPECT_TRUE(OutcomeDecidesRestart(Options(silent, 0, 0, msi)));
             EXPECT_EQ(RestartAction::None, DecideRestart(Options(silent, 0, 0, msi), false));
         }

@@ -10,6 +10,7 @@
 #include "ImportOverride.h"
 #include "RecordNames.h"
 #include "RegistryKeys.h"
+#include "ResultKeyNames.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 
@@ -24,9 +25,9 @@ protected:
     /// What a run of the program leaves.
     void RunLeavesRecords() const
     {
-        SetRegistryText(kResultKey, "Install", "FAILURE", REG_EXPAND_SZ);
-        SetRegistryText(kResultKey, "TAVX_Install", "FAILURE", REG_EXPAND_SZ);
-        SetRegistryNumber(kResultKey, "RebootNeeded", 1);
+        SetRegistryText(kBasedriversKey, "Install", "FAILURE", REG_EXPAND_SZ);
+        SetRegistryText(kBasedriversKey, "TAVX_Install", "FAILURE", REG_EXPAND_SZ);
+        SetRegistryNumber(kBasedriversKey, "RebootNeeded", 1);
         SetRegistryText(kRegistrationKey, kRegistrationValue, "Morvix.Uninstall");
         WriteFileBytes(File(), "of the run");
     }
@@ -62,17 +63,17 @@ TEST_F(RecordRollback, TakesAwayWhatWasNotThereBefore)
                 ElementsAre("rolled back: the result values", "rolled back: the uninstaller's registration",
                             "rolled back: " + File()));
 
-    EXPECT_FALSE(RegistryKeyExists(kResultKey));
+    EXPECT_FALSE(RegistryKeyExists(kBasedriversKey));
     EXPECT_FALSE(ReadRegistryValue(kRegistrationKey, kRegistrationValue).has_value());
     EXPECT_FALSE(FileExists(File()));
 }
 
 TEST_F(RecordRollback, PutsBackWhatWasThereBeforeByteForByte)
 {
-    SetRegistryText(kResultKey, "Install", "SUCCESS", REG_EXPAND_SZ);
-    SetRegistryText(kResultKey, "Version", "11.4.62.0");
-    SetRegistryBytes(kResultKey, "Odd", std::string("a\0b", 3), REG_BINARY);
-    SetRegistryBytes(kResultKey, "Empty", "", REG_SZ);
+    SetRegistryText(kBasedriversKey, "Install", "SUCCESS", REG_EXPAND_SZ);
+    SetRegistryText(kBasedriversKey, "Version", "11.4.62.0");
+    SetRegistryBytes(kBasedriversKey, "Odd", std::string("a\0b", 3), REG_BINARY);
+    SetRegistryBytes(kBasedriversKey, "Empty", "", REG_SZ);
     SetRegistryText(kRegistrationKey, kRegistrationValue, "Earlier.Uninstall");
     WriteFileBytes(File(), std::string("of an earlier kit\0", 18));
     const RecordSnapshot before = Now();
@@ -97,7 +98,7 @@ TEST_F(RecordRollback, OtherKitsStayRegistered)
 
 TEST_F(RecordRollback, TheSnapshotSurvivesItsWayThroughThePackage)
 {
-    SetRegistryText(kResultKey, "Install", "SUCCESS", REG_EXPAND_SZ);
+    SetRegistryText(kBasedriversKey, "Install", "SUCCESS", REG_EXPAND_SZ);
     WriteFileBytes(File(), std::string(5000, 'x'));
     const RecordSnapshot before = Now();
     EXPECT_EQ(DecodeSnapshot(EncodeSnapshot(before)), before);

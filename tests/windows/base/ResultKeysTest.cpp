@@ -118,11 +118,11 @@ TEST_F(ResultKeys, VersionNameThatDoesNotFitItsBufferIsNotWrittenPastTheEnd)
 
 TEST_F(ResultKeys, RebootIsYesWhenAFlagSaysThatARestartFollows)
 {
-    for (uint32_t RunStateRecord::*flag :
+    for (bool RunStateRecord::*flag :
          {&RunStateRecord::windows98Run, &RunStateRecord::windowsMeRun, &RunStateRecord::fcoeRestart}) {
         DeleteRegistryTree(kBasedriversKey);
         RunState = {};
-        RunState.*flag = 1;
+        RunState.*flag = true;
         Post("FAILURE", "TAVX_Install", "");
         EXPECT_EQ("Yes", Text("Reboot"));
         EXPECT_EQ(DWORD{REG_SZ}, Type("Reboot"));
@@ -131,7 +131,7 @@ TEST_F(ResultKeys, RebootIsYesWhenAFlagSaysThatARestartFollows)
 
 TEST_F(ResultKeys, RebootIsStoredWithTheLengthOfTheResultText)
 {
-    RunState.windows98Run = 1;
+    RunState.windows98Run = true;
     Post("SUCCESS", "TAVX_Install", "1.0.0.0");
     EXPECT_EQ(std::string("Yes\0\0\0\0\0", 8), ReadRegistryValue(kBasedriversKey, "Reboot")->bytes);
 }
@@ -164,7 +164,7 @@ TEST_F(ResultKeys, AKeyThatCannotBeCreatedStillCountsAsPosted)
                 ElementsAre("Enter -> PostResultToRegistry", "Installation result is ->", "SUCCESS",
                             "The type of driver being installed is ->", "TAVX_Install",
                             "The driver version being installed is ->", "1.0.0.0", "Exit -> PostResultToRegistry"));
-    EXPECT_EQ(1U, RunState.resultAlreadyPosted);
+    EXPECT_TRUE(RunState.resultAlreadyPosted);
     Post("SUCCESS", "TAVX_Install", "1.0.0.0");
     EXPECT_EQ("SUCCESS", Text("TAVX_Install"));
     EXPECT_EQ("<none>", Text("Install"));

@@ -13,6 +13,7 @@
 #include "MachineKeyOverride.h"
 #include "ProberStatus.h"
 #include "RegistryKeys.h"
+#include "RestartQuestion.h"
 #include "RunOptions.h"
 #include "RunState.h"
 #include "SingleInstance.h"

@@ -1,4 +1,4 @@
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 
 #include <algorithm>
 

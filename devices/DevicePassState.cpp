@@ -1,3 +1,0 @@
-#include "DevicePassState.h"
-
-DevicePassStateRecord DevicePassState;

@@ -1,3 +1,0 @@
-#include "RestartMessage.h"
-
-const UINT restartMessage = RegisterWindowMessageA("Norda Morvix Restart Now");

@@ -1,3 +1,0 @@
-#include "RunOptions.h"
-
-RunOptionsRecord RunOptions;
