@@ -2,30 +2,47 @@
 # form <name> and build for Windows only. A room sees the headers of the rooms it uses and of no others, because headers
 # are included by bare name and every include path comes from a link.
 
-add_library(morvix_flags INTERFACE)
-target_compile_features(morvix_flags INTERFACE cxx_std_20)
+# What everything is compiled and linked with, whatever the flavour.
+add_library(morvix_plain_flags INTERFACE)
+target_compile_features(morvix_plain_flags INTERFACE cxx_std_20)
 # The resource compiler takes none of these.
-target_compile_options(morvix_flags INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:\
+target_compile_options(morvix_plain_flags INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:\
 -Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror;\
 -ffunction-sections;-fdata-sections;-fstack-protector-strong>")
 if(WIN32)
   # 0x0502 is Windows XP x64 and Server 2003, the oldest 64-bit systems served.
-  target_compile_definitions(morvix_flags INTERFACE
+  target_compile_definitions(morvix_plain_flags INTERFACE
     _WIN32_WINNT=0x0502 WINVER=0x0502 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
-  target_link_options(morvix_flags INTERFACE
+  target_link_options(morvix_plain_flags INTERFACE
     -static -fstack-protector-strong -Wl,--gc-sections
     -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
     -Wl,--major-subsystem-version,5 -Wl,--minor-subsystem-version,2
     -Wl,--major-os-version,5 -Wl,--minor-os-version,2)
-else()
-  target_compile_options(morvix_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
-    -fno-omit-frame-pointer)
-  target_compile_definitions(morvix_flags INTERFACE _GLIBCXX_ASSERTIONS)
-  target_link_options(morvix_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+add_library(morvix_flags INTERFACE)
+target_link_libraries(morvix_flags INTERFACE morvix_plain_flags)
+if(NOT WIN32)
+  set(MORVIX_SANITIZERS "address,undefined" CACHE STRING
+    "Sanitizers of what is built for the build machine; empty for programs that are used rather than tested")
+  # morvix_sanitize(FLAGS SANITIZERS): whoever is compiled with FLAGS ends at the first thing that the sanitizers find.
+  function(morvix_sanitize flags sanitizers)
+    target_compile_options(${flags} INTERFACE -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_definitions(${flags} INTERFACE _GLIBCXX_ASSERTIONS)
+    target_link_options(${flags} INTERFACE -fsanitize=${sanitizers})
+  endfunction()
+  if(MORVIX_SANITIZERS)
+    morvix_sanitize(morvix_flags ${MORVIX_SANITIZERS})
+  endif()
   if(MORVIX_FUZZ)
     # The fuzzer sees which branches an input has reached; its own main program comes with the targets.
     target_compile_options(morvix_flags INTERFACE -fsanitize=fuzzer-no-link)
   endif()
+  # Programs that run the pure files in several threads link copies of the rooms in which a data race ends the program:
+  # config_pure_threads instead of config_pure.
+  add_library(morvix_thread_flags INTERFACE)
+  target_link_libraries(morvix_thread_flags INTERFACE morvix_plain_flags)
+  morvix_sanitize(morvix_thread_flags thread)
 endif()
 
 # What the product's own files are compiled and linked with beside that, and the suites, because a program keeps one copy of
@@ -52,14 +69,16 @@ function(morvix_room name)
   morvix_room_libraries("" ${name} ${ARGN})
   if(WIN32)
     morvix_room_libraries("_checked" ${name} ${ARGN})
+  else()
+    morvix_room_libraries("_threads" ${name} ${ARGN})
   endif()
 endfunction()
 
-# The libraries of a room; with the suffix "_checked" the ones for test programs.
+# The libraries of a room; with the suffix "_checked" or "_threads" the ones for test programs.
 function(morvix_room_libraries suffix name)
   cmake_parse_arguments(ROOM "" "" "PURE;SHELL;USES;SYSTEM_LIBRARIES" ${ARGN})
   set(pure ${name}_pure${suffix})
-  if(suffix AND NOT MORVIX_TRAPS)
+  if(suffix STREQUAL "_checked" AND NOT MORVIX_TRAPS)
     add_library(${pure} INTERFACE)
     add_library(${name}${suffix} INTERFACE)
     target_link_libraries(${pure} INTERFACE ${name}_pure morvix_assertions)
@@ -68,12 +87,17 @@ function(morvix_room_libraries suffix name)
   endif()
   set(flags morvix_flags)
   set(own_flags morvix_product)
-  if(suffix)
+  set(on_request "")
+  if(suffix STREQUAL "_checked")
     list(APPEND flags morvix_assertions)
     list(APPEND own_flags morvix_traps)
+  elseif(suffix STREQUAL "_threads")
+    set(flags morvix_thread_flags)
+    set(own_flags morvix_thread_flags)
+    set(on_request EXCLUDE_FROM_ALL)
   endif()
   if(ROOM_PURE)
-    add_library(${pure} STATIC ${ROOM_PURE})
+    add_library(${pure} STATIC ${on_request} ${ROOM_PURE})
     target_link_libraries(${pure} PRIVATE ${own_flags})
     set(scope PUBLIC)
   else()

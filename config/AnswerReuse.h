@@ -29,13 +29,6 @@ private:
     FileAnswers* m_before;
 };
 
-/// How a file begins.
-struct FileMark
-{
-    bool opened = false;
-    bool read = false;
-    bool utf16 = false; ///< with the little-endian UTF-16 mark
-};
 /// @return the mark of a file, as it was read when answers about the file began to be kept, otherwise as it is now.
 [[nodiscard]] FileMark MarkOf(const std::string& path);
 

@@ -12,19 +12,12 @@
 #include <unordered_map>
 #include <utility>
 
-#include "ModelSection.h"
+#include "KitSource.h"
 
 /// What the platform has answered about INF files and the setup INI, kept so that the same question need not be asked
 /// again. An answer belongs to a file of one size and one write time. One that a failed call would give as well
 /// (nothing, or the question's default text) also belongs to one device: the file may be readable again for the next
 /// one.
-
-struct FileStamp
-{
-    uint64_t bytes = 0;
-    uint64_t writeTime = 0; ///< in the platform's own unit
-    friend bool operator==(const FileStamp&, const FileStamp&) = default;
-};
 
 /// One call of a private-profile function.
 struct ProfileQuestion
