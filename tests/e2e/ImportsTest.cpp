@@ -1,6 +1,6 @@
-// What the shipped files have the loader find for them: a name that the oldest system lacks, and it refuses the file
-// before a line of it runs; a library that is not the system's own everywhere, and a file beside the program takes its
-// place. The kept list is imports.txt, beside this program.
+// What the shipped files import. If the oldest system lacks a name, it refuses the file before any of it runs; if a
+// library is not a known one, a file beside the program can take its place. The kept list is imports.txt, beside this
+// program.
 
 #include <gmock/gmock.h>
 
@@ -66,7 +66,7 @@ KeptImports ReadKeptImports()
     return kept;
 }
 
-/// Every program, library and driver that is shipped, by its path; the package's action library travels in the package.
+/// Every program, library and driver that is shipped, by its path; the package's action library is inside the package.
 std::vector<std::string> ShippedFiles()
 {
     std::vector<std::string> files = {TestFile("MorvixActions.dll")};

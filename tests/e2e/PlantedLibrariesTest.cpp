@@ -1,4 +1,4 @@
-// Whoever may write a file where the system looks for a library must not get an administrator's rights by it.
+// A user who can write a file where the system searches for a library must not gain administrator rights.
 
 #include <gmock/gmock.h>
 
@@ -42,7 +42,7 @@ TEST_F(PlantedLibraries, FileVersionsAreReadByTheSystemsLibraryAndNotByOneBeside
     }
 }
 
-TEST_F(PlantedLibraries, DevicesAndControlsAreTheSystemsAndNotOfLibrariesBesideTheProgram)
+TEST_F(PlantedLibraries, DevicesAndControlsUseTheSystemsLibrariesAndNotThoseBesideTheProgram)
 {
     const NativeLibrary setup("setupapi");
     const NativeLibrary controls("comctl32");
@@ -84,7 +84,7 @@ class PlantedBesideNetInst : public CleanMachine
 {
 };
 
-TEST_F(PlantedBesideNetInst, WhatTheInstallerLibraryLinksIsTheSystemsToo)
+TEST_F(PlantedBesideNetInst, TheInstallerLibraryLinksTheSystemsLibrariesToo)
 {
     const Adapter adapter(kKitAdapters[0].deviceId);
     const NativeLibrary setup("setupapi");

@@ -13,7 +13,7 @@ struct SystemRow
     const char* wineVersion;
     KitDirectory directory;
 };
-// The x64 systems that can be had by name: workstation and server of each generation, the last one as workstation.
+// The x64 systems that can be chosen by name: workstation and server of each generation, the last one as workstation.
 constexpr SystemRow kSystems[] = {
     {"winxp64", kKitDirectories[0]}, {"win2003", kKitDirectories[0]}, {"vista", kKitDirectories[1]},
     {"win2008", kKitDirectories[1]}, {"win7", kKitDirectories[2]},    {"win2008r2", kKitDirectories[2]},

@@ -12,9 +12,9 @@ namespace {
 class SourceFiles : public testing::Test
 {
 protected:
-    /// @param copy   What stands behind "CopyFiles=".
+    /// @param copy   The text after "CopyFiles=".
     /// @param more   Further sections.
-    /// @param disk   What stands behind "1=".
+    /// @param disk   The text after "1=".
     void WriteInf(const std::string& copy, const std::string& more, const std::string& disk = "disk")
     {
         WriteFileBytes(m_kit.At("kit.inf"),

@@ -25,7 +25,7 @@ public:
     /// Has the system lack the library `name`.
     void Lack(const std::string& name);
 
-    /// Lays down an answer of the double for `name`.
+    /// Sets an answer of the double for `name`.
     void Answer(const std::string& name, const std::string& key, const std::string& value) const;
     /// What the doubles were asked so far.
     [[nodiscard]] std::vector<std::string> Journal() const;

@@ -27,7 +27,7 @@ TEST(SingleInstance, RunStopsWhenAnotherHoldsTheMutex)
     EXPECT_EQ(1, PreviousInstanceRunning("MorvixTestSecond"));
 }
 
-TEST(SingleInstance, ManagementSoftwareIsFoundByItsMutexAndLeavesNoneBehind)
+TEST(SingleInstance, ManagementSoftwareIsFoundByItsMutexAndNoMutexIsLeft)
 {
     EXPECT_EQ(0, IsTaviskActive());
     EXPECT_EQ(nullptr, UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, "TaviskMutex")));
@@ -63,7 +63,7 @@ HANDLE WINAPI NoteMutex(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCSTR name)
 }
 } // namespace
 
-TEST(SingleInstance, BothMutexesAreAskedForOwned)
+TEST(SingleInstance, BothMutexesAreRequestedOwned)
 {
     mutexRequests.clear();
     const ImportOverride note("CreateMutexA", InPlaceOf(platformCreate, &CreateMutexA, &NoteMutex));
