@@ -20,14 +20,14 @@ bool BeginsWithNumberFormat(std::string_view rest)
 bool InsertsAreNumbers(std::string_view message)
 {
     for (std::size_t at = message.find('%'); at != std::string_view::npos; at = message.find('%', at)) {
-        const std::string_view behind = message.substr(at + 1);
-        if (behind.empty()) {
+        const std::string_view rest = message.substr(at + 1);
+        if (rest.empty()) {
             return true;
         }
         // %0, %% and %n are not inserts.
-        if (behind.front() >= '1' && behind.front() <= '9') {
-            const std::size_t digits = behind.size() > 1 && kDigits.find(behind[1]) != std::string_view::npos ? 2 : 1;
-            if (!BeginsWithNumberFormat(behind.substr(digits))) {
+        if (rest.front() >= '1' && rest.front() <= '9') {
+            const std::size_t digits = rest.size() > 1 && kDigits.find(rest[1]) != std::string_view::npos ? 2 : 1;
+            if (!BeginsWithNumberFormat(rest.substr(digits))) {
                 return false;
             }
         }

@@ -12,7 +12,7 @@ adapter='VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01'
 results_key='HKLM\SOFTWARE\Norda\Basedrivers'
 
 # run_block FILE: runs the lines as a batch file; what they print goes into FILE.output, `block_status` is the exit code of
-# the last one. What an installation is to write must not stand there already.
+# the last one. What an installation will write must not exist already.
 run_block() {
     local batch=$WINEPREFIX/drive_c/block.cmd
     if grep -q 'msiexec /i' "$1"; then
@@ -158,9 +158,9 @@ query_finds_adapter() {
     [[ $found == "PCI\\$adapter\\"* && $found != *$'\n'* ]] || { printf 'found: %s\n' "$found"; return 1; }
 }
 
-# shows_output FOLDER NUMBER: the block behind this one shows what it prints.
+# shows_output FOLDER NUMBER: the block after this one shows what it prints.
 shows_output() {
-    awk -F '\t' -v number="$2" 'behind { found = $3 == "text" && $4 == "output"; exit } $1 == number { behind = 1 }
+    awk -F '\t' -v number="$2" 'after { found = $3 == "text" && $4 == "output"; exit } $1 == number { after = 1 }
         END { exit !found }' "$1/index"
 }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # shellcheck disable=SC2154,SC2317 # promises call functions by name
-# Every example of the kit author's guide: the program runs on a kit made of the lines that stand there. The installer
+# Every example of the kit author's guide: the program runs on a kit made of the lines shown there. The installer
 # library is a stand-in that binds nothing; the search is the program's own.
 set -euo pipefail
 # shellcheck source=lib/windows.sh

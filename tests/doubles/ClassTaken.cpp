@@ -1,5 +1,5 @@
-// Stands for MorvixRes.dll. It takes the window class "Morvix" for its own module as soon as it is loaded, so that the
-// program cannot register that class itself. From then on the program's message boxes tell their type.
+// Stands in for MorvixRes.dll. It takes the window class "Morvix" for its own module as soon as it is loaded, so that
+// the program cannot register that class itself. From then on the program's message boxes tell their type.
 
 #include <windows.h>
 

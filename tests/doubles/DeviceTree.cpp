@@ -1,4 +1,4 @@
-// Stands for cfgmgr32.dll. Answers (section Answers of cfgmgr32.answers.ini, all optional):
+// Stands in for cfgmgr32.dll. Answers (section Answers of cfgmgr32.answers.ini, all optional):
 //   Node          the node that is located, 1 when not given
 //   Locate        result of the location, 0 (success) when not given
 //   Reenumerate   result of the scan, 0 when not given

@@ -1,7 +1,7 @@
-// Stands for newdev.dll. Answers (section Answers of newdev.answers.ini, all optional):
+// Stands in for newdev.dll. Answers (section Answers of newdev.answers.ini, all optional):
 //   Fail=1      the update is refused
 //   Error       last error of a refused update, 0 when not given
-//   Restart=1   the update wants a restart
+//   Restart=1   the update requests a restart
 
 #include <windows.h>
 // newdev.h needs windows.h first.

@@ -1,4 +1,4 @@
-// Stands for nordhapi.dll. nordhapi_without_<entry>.dll are the same library without that one entry point. Answers
+// Stands in for nordhapi.dll. nordhapi_without_<entry>.dll are the same library without that one entry point. Answers
 // (section Answers of <own name>.answers.ini, all optional; a WWN is named by its last byte):
 //   Status.<entry or slot>     status of that call, 0 (success) when not given
 //   Handle, Handle.<adapter>   what opening an adapter gives: for any name, for this name; 7 when not given, 0 for none
@@ -9,9 +9,9 @@
 //   CountThen.<entry>          how many it has when it is fetched, when that is another number
 //   Value.<entry>              what a setting reads
 //   Adapters, Mappings         number of adapters, of target mappings
-//   JournalMutex=1             each line of the journal ends with " locked" while the machine-wide mutex exists, else "
-//   free" Quiet=1                    no journal and no answers but this one: for tests that count handles over many
-//   calls
+//   JournalMutex=1             each line of the journal ends with " locked" while the machine-wide mutex exists, else
+//                              " free"
+//   Quiet=1                    no journal and no answers but this one: for tests that count handles over many calls
 
 #include "HbaApi.h"
 
@@ -216,7 +216,7 @@ HBA_STATUS SendReadCapacity(HBA_HANDLE handle, HBA_WWN port, HBA_UINT64 lun, voi
     return ReadCapacity("SendReadCapacity", handle, port, lun, response, responseBytes, sense, senseBytes);
 }
 
-// A slot that nobody should call: it leaves its number in the journal.
+// A slot that should not be called: it writes its number to the journal.
 template <int number>
 void WrongSlot()
 {

@@ -1,4 +1,4 @@
-// Stands for iscsidsc.dll. Answers (section Answers of <own name>.answers.ini, all optional):
+// Stands in for iscsidsc.dll. Answers (section Answers of <own name>.answers.ini, all optional):
 //   Major, Minor, Build  the initiator's version, 0.0.0 when not given
 //   Status               status of the version query, 0 (success) when not given; the version is not written then
 //   Quiet=1              no journal: for tests that count handles over many calls

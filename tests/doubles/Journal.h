@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-/// What every double shares: a journal of what it was asked and the answers that a test has laid down for it. Both lie
-/// beside the double's own file.
+/// What every double shares: a journal of its calls and the answers that a test has set for it. Both are beside the
+/// double's own file.
 
 /// @return the full path of a file beside the double.
 [[nodiscard]] std::string BesideTheDouble(const std::string& name);
@@ -19,7 +19,7 @@ void WriteJournal(const std::string& line);
 /// @return the answer as a number, decimal or with 0x; 0 when there is none.
 [[nodiscard]] uint32_t AnswerNumber(const std::string& key);
 
-/// Waits until a file of this name lies beside the double.
+/// Waits until there is a file of this name beside the double.
 void HoldUntilThereIs(const std::string& name);
 
 /// @return `number` as 0x and eight hexadecimal digits.

@@ -15,7 +15,7 @@ int main(int argc, char** argv)
     const UniqueHandle mutex(CreateMutexA(nullptr, FALSE, argv[1]));
     const UniqueHandle taken(OpenEventA(EVENT_MODIFY_STATE, FALSE, argv[2]));
     const UniqueHandle release(OpenEventA(SYNCHRONIZE, FALSE, argv[3]));
-    // A test that dies must not leave this process behind for ever.
+    // A test that dies must not leave this process running for ever.
     constexpr DWORD kLongestTest = 120000;
     if (!mutex || !taken || !release || WaitForSingleObject(mutex.get(), kLongestTest) != WAIT_OBJECT_0 ||
         SetEvent(taken.get()) == FALSE || WaitForSingleObject(release.get(), kLongestTest) != WAIT_OBJECT_0) {

@@ -1,14 +1,13 @@
-// Stands for NetInst.dll. Answers (section Answers of NetInst.answers.ini, all optional):
+// Stands in for NetInst.dll. Answers (section Answers of NetInst.answers.ini, all optional):
 //   Family                     family name written into the record, "Windows Vista" when not given
 //   ProberStatus               status of the system prober
-//   ProberUpperHalf            upper half of the prober's 64-bit answer, which is no part of the status; 0x12345678
-//   when
-//                              not given
+//   ProberUpperHalf            upper half of the prober's 64-bit answer, which is not part of the status;
+//                              0x12345678 when not given
 //   CreateProberStatus, CreateDriverInstallStatus
 //                              nonzero: status that goes with the prober or the driver-install interface
 //   HandOutFailedFactories=1   a factory comes with its failure status too
-//   ProberFactoryStatus        nonzero: the prober's factory cannot be had, with this status
-//   DriverInstallFactoryStatus nonzero: the driver-install interface's factory cannot be had, with this status
+//   ProberFactoryStatus        nonzero: the prober's factory cannot be created, with this status
+//   DriverInstallFactoryStatus nonzero: the driver-install interface's factory cannot be created, with this status
 //   Impersonate=1              the calling thread gets a token that nobody may open, so that the test for administrator
 //                              rights fails by itself
 //   InstallStatus<n>, LastError<n>, DebugKey<n>
@@ -17,7 +16,7 @@
 //   FaultIn                    "prober" or "install": the call that raises a fault, which Fault names: "access" for a
 //                              write to address 0, "division" for a division by 0
 //   TellWhoIsAsked=1           each install call journals whether the process's set-up functions ask nobody
-//   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release stands beside the library
+//   HoldInstall<n>=1           the n-th install call lasts until the file NetInst.release is beside the library
 
 #include "NetInst.h"
 

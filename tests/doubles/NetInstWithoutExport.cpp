@@ -1,4 +1,4 @@
-// Stands for a NetInst.dll of the wrong kind: it loads, but does not hand out class factories.
+// Stands in for a NetInst.dll of the wrong kind: it loads, but does not hand out class factories.
 
 #include "Journal.h"
 

@@ -1,6 +1,6 @@
-// A library that somebody has left under the name of another one: journals that it was loaded. Under the name of
-// version.dll it journals calls of the functions that the program uses, too; the others are the system's (Planted.def),
-// because in Wine a library of the system itself links them.
+// A library planted under the name of another one: journals that it was loaded. Under the name of version.dll it
+// journals calls of the functions that the program uses, too; the others are the system's (Planted.def), because in
+// Wine a library of the system itself links them.
 
 #include <windows.h>
 

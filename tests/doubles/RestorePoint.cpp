@@ -1,7 +1,7 @@
-// Stands for srclient.dll. Answers (section Answers of srclient.answers.ini, all optional):
+// Stands in for srclient.dll. Answers (section Answers of srclient.answers.ini, all optional):
 //   Fail=1      every call fails
 //   FailEnd=1   the call that ends a restore point fails
-//   HoldEnd=1   that call lasts until the file srclient.release lies beside the library
+//   HoldEnd=1   that call lasts until the file srclient.release is beside the library
 //   Status      status reported, 0 when not given
 //   Sequence    sequence number reported
 

@@ -1,5 +1,5 @@
-// Stands for the system's runner of libraries, Rundll.exe, which starts the legacy install helper: journals its command
-// line, its current directory, and the instance that "RegPCIpath" names at that moment.
+// Stands in for the system's runner of libraries, Rundll.exe, which starts the legacy install helper: journals its
+// command line, its current directory, and the instance that "RegPCIpath" names at that moment.
 
 #include <windows.h>
 

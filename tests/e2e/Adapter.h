@@ -3,12 +3,11 @@
 #include <string>
 #include <vector>
 
-/// What a network adapter of ours says of itself beside its name.
+/// What one of our network adapters reports besides its name.
 inline const std::vector<std::string> kEthernetCompatibleIds = {R"(PCI\VEN_5D1A&CC_020000)", R"(PCI\VEN_5D1A&CC_0200)",
                                                                 R"(PCI\CC_020000)", R"(PCI\CC_0200)"};
 
-/// A simulated network adapter: the keys that the system makes for a PCI device. They are gone at the end of the
-/// object's life.
+/// A simulated network adapter: the keys that the system makes for a PCI device. The destructor removes them.
 class Adapter
 {
 public:
@@ -33,5 +32,5 @@ private:
     std::string m_instanceKey;
 };
 
-/// Takes every simulated adapter of our vendors off this machine, with its driver key. Harmless when there is none.
+/// Removes every simulated adapter of our vendors and its driver key from this machine. Harmless when there is none.
 void RemoveSimulatedAdapters();

@@ -61,7 +61,7 @@ void RemoveFile(const std::string& path)
 }
 void RemoveStoredInfs()
 {
-    // Windows stores an INF under a name of its own; Wine keeps the name where it can.
+    // Windows stores an INF under another name; Wine keeps the name where it can.
     const std::string directory = WindowsDirectory() + "\\inf\\";
     for (const std::string& name : FilesMatching(directory + (RunsInWine() ? "*.inf" : "oem*.inf"))) {
         const std::string text = UpperCase(ReadFileBytes(directory + name));

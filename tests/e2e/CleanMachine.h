@@ -10,8 +10,8 @@
 #include "ProgramRun.h"
 #include "RunFolder.h"
 
-/// Takes off this machine whatever a run of the program or a test can leave: simulated adapters, services and driver
-/// files of the sample kit, stored INF files, the program's registry values and its uninstall file.
+/// Removes from this machine everything that a run of the program or a test can leave: simulated adapters, services and
+/// driver files of the sample kit, stored INF files, the program's registry values and its uninstall file.
 void CleanTheMachine();
 
 /// Every test starts on a clean machine with the installer's trace on and a fresh copy of the shippable folder, and

@@ -46,7 +46,7 @@ void PressKey(const ProgressWindow& window, int key)
     PostMessageA(window.Window(), WM_KEYUP, static_cast<WPARAM>(key), 0);
 }
 
-// A program that were about to end by itself would do so in this time.
+// A program that was about to end would do so in this time.
 bool StaysForASecond(const ProgramRun& run)
 {
     const UniqueHandle process(OpenProcess(SYNCHRONIZE, FALSE, run.ProcessId()));
@@ -270,7 +270,7 @@ TEST_F(DialogStates, TheTimerOfTheOemVariantEndsTheRun)
     EXPECT_LT(GetTickCount() - start, 4500u);
 }
 
-// A run that waits for ever unless somebody ends it: its system has no flow, so nothing is posted to the dialog.
+// A run that waits until it is ended: its system has no flow, so nothing is posted to the dialog.
 class WaitingRun : public DialogStates
 {
 protected:
@@ -292,7 +292,7 @@ TEST_F(WaitingRun, CloseTimerTakesTheEndOfRunDecisionBeforeTheLoopEnds)
     EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 
-TEST_F(WaitingRun, TimerOfNobodyEndsTheLoopWithoutThatDecision)
+TEST_F(WaitingRun, AnUnknownTimerEndsTheLoopWithoutThatDecision)
 {
     const auto run = StartMorvix("/s /r");
     const ProgressWindow window(*run);
@@ -338,7 +338,7 @@ protected:
     const NativeLibrary m_native{"srclient"};
 };
 
-TEST_F(FailedPass, IsToldToTheUserWhoFinishesTheRun)
+TEST_F(FailedPass, IsShownToTheUserWhoFinishesTheRun)
 {
     const auto run = StartMorvix("");
     const ProgressWindow window(*run);
@@ -373,7 +373,7 @@ TEST_F(FailedPass, PostsNothingInASilentRunAndAnInstallerStepSoTheProcessStays)
     }
 }
 
-// The Windows 98 family restarts whatever was found.
+// The Windows 98 family always restarts.
 class Countdown : public DialogStates
 {
 protected:
@@ -399,8 +399,8 @@ protected:
         window.WaitUntilOffered(ProgressWindow::kRestartLater);
     }
 
-    // Offers the restart anew, which sets the countdown back, and sends the first twenty ticks before the clock sends
-    // one. A machine that is too slow for that tries again.
+    // Offers the restart again, which resets the countdown, and sends the first twenty ticks before the clock sends
+    // one. Repeated on a machine that is too slow for that.
     static std::vector<std::string> TwentyTicksAtOnce(const ProgressWindow& window)
     {
         constexpr DWORD kBeforeTheClock = 900;

@@ -9,7 +9,7 @@
 /// A system as the version calls report it.
 struct SystemVersion
 {
-    const char* wineName;    ///< Wine's name for it, or null when it has none and the registry has to say it
+    const char* wineName;    ///< Wine's name for it, or null when it has none and the registry is set
     const char* version;     ///< "6.2"
     const char* build;       ///< "9200"
     const char* productType; ///< "WinNT", "ServerNT" or "LanmanNT"
@@ -39,7 +39,7 @@ private:
 };
 
 /// Makes Wine take a library from the program's folder instead of its own for the life of the object. Real Windows does
-/// so by itself, and there this changes nothing.
+/// so anyway, and there this changes nothing.
 class NativeLibrary
 {
 public:
@@ -52,7 +52,7 @@ private:
     std::string m_library;
 };
 
-/// Takes away what a test program that was killed has left of the two above for Morvix.exe.
+/// Removes the settings of the two above that a killed test program has left for Morvix.exe.
 void EndEmulations();
 
 [[nodiscard]] bool RunsInWine();

@@ -103,7 +103,7 @@ std::string ResourceText(unsigned id, unsigned short language)
 {
     const std::string path = DistFolder() + "\\MorvixRes.dll";
     const UniqueLibrary library(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-    // Strings lie in blocks of 16, each a length in characters followed by the characters.
+    // Strings are in blocks of 16, each a length in characters followed by the characters.
     const HRSRC found = library ? FindResourceExA(library.get(), reinterpret_cast<LPCSTR>(RT_STRING),
                                                   MAKEINTRESOURCEA(id / 16 + 1), language)
                                 : nullptr;

@@ -1,4 +1,4 @@
-// Machines and folders that are not as they should be: every run ends, with a trace and an exit code that tell.
+// Defective machines and folders: every run ends with a trace and an exit code that show it.
 
 #include <gmock/gmock.h>
 
@@ -125,7 +125,7 @@ protected:
         SetRegistryText(kCrashKey, "Auto", "1");
     }
 
-    // The fault is raised in the named call of the library; everything that such a run has to leave is expected.
+    // The fault is raised in the named call of the library; everything that such a run must leave is expected.
     void ExpectTracedAndReported(const char* call, const char* fault, uint32_t code)
     {
         Folder().Answer("NetInst", "FaultIn", call);

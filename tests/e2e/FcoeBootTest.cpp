@@ -1,5 +1,5 @@
-// Machines that boot or page over FCoE: their network drivers are only touched when the installed management extension
-// can cope with it, or when an installer package answers for it.
+// Machines that boot or page over FCoE: their network drivers are only updated when the installed management extension
+// supports it, or when an installer package requests it.
 
 #include <gmock/gmock.h>
 
@@ -38,7 +38,7 @@ protected:
         EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
     }
 
-    // The run ended by itself and touched nothing: not even the installer library was asked for an install.
+    // The run ended by itself and changed nothing: not even the installer library was called for an install.
     void ExpectRefused(const FinishedRun& run)
     {
         EXPECT_EQ(run.exitCode, 0);
@@ -172,7 +172,7 @@ TEST_F(FcoeBoot, PortThatNeitherBootsNorPagesIsInstalledWithoutARestart)
     ExpectNoRestart(run);
 }
 
-TEST_F(FcoeBoot, EveryAdapterIsAskedAlsoBehindABootPort)
+TEST_F(FcoeBoot, EveryAdapterIsAskedEvenAfterABootPort)
 {
     const InstalledAdapter second(kSecondDevice, "9002", kSecondInstance);
     UseFcoeLibrary("1");
@@ -188,7 +188,7 @@ TEST_F(FcoeBoot, EveryAdapterIsAskedAlsoBehindABootPort)
     EXPECT_EQ(FcoeQuestions(Folder()), expected);
 }
 
-TEST_F(FcoeBoot, BootPortBehindAnAdapterWithoutInstanceIdIsFound)
+TEST_F(FcoeBoot, BootPortAfterAnAdapterWithoutInstanceIdIsFound)
 {
     const Adapter withoutDriver("VEN_5D1A&DEV_7A00&SUBSYS_00115D1A&REV_03");
     UseFcoeLibrary("1");
@@ -251,7 +251,7 @@ TEST_P(BrokenExtension, VersionWithoutTwoPartsEndsTheRunAsAFault)
 INSTANTIATE_TEST_SUITE_P(Versions, BrokenExtension,
                          testing::Values(ExtensionCase{"OnePart", "16"}, ExtensionCase{"Empty", ""}), NameOf);
 
-TEST_F(FcoeBoot, BrokenExtensionVersionIsNotLookedAtInAnInstallerStep)
+TEST_F(FcoeBoot, BrokenExtensionVersionIsIgnoredInAnInstallerStep)
 {
     SetExtensionVersion("16");
 
@@ -274,7 +274,7 @@ TEST_P(FcoeDebugging, MakesABootPortWhenItIsSwitchedOn)
 INSTANTIATE_TEST_SUITE_P(Values, FcoeDebugging, testing::Values("FcoE_RemoteBooted", "FcoE_RemotePageFile"),
                          [](const testing::TestParamInfo<const char*>& value) { return std::string(value.param); });
 
-TEST_F(FcoeBoot, DebugValueMakesABootPortAlsoWhenTheLibraryFails)
+TEST_F(FcoeBoot, DebugValueMakesABootPortEvenWhenTheLibraryFails)
 {
     UseFcoeLibrary("0");
     Folder().Answer("nordhapi", "Status.NORDA_GetFCAndNICProperties", "1");
@@ -358,7 +358,7 @@ TEST_F(InteractiveFcoeBoot, WithANewExtensionInstallsAndOffersTheRestart)
     ExpectNoRestart(finished);
 }
 
-TEST_F(InteractiveFcoeBoot, WhileTheQuestionIsOpenTheCountdownStandsStill)
+TEST_F(InteractiveFcoeBoot, WhileTheQuestionIsOpenTheCountdownIsStopped)
 {
     constexpr DWORD kMoreThanTwoTicks = 2500;
     SetExtensionVersion("16.2");
@@ -403,7 +403,7 @@ TEST_F(InteractiveFcoeBoot, CountdownRunsFrom20To0AndRestartsOnThe21stTick)
     const DWORD start = GetTickCount();
     const std::string done = ResourceText(9);
     std::vector<std::string> texts;
-    // A slow machine may not let us see each of them, but in this order.
+    // A slow machine may not show each of them, but in this order.
     while (!run->SoFar().Traced("Entering - RestartMachine") && GetTickCount() - start < ProgramRun::kLimit) {
         const std::string text = window.TextOf(ProgressWindow::kStatus);
         if (text != done && (texts.empty() || texts.back() != text)) {

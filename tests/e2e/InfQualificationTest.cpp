@@ -21,7 +21,7 @@ class InfQualification : public DoubleRun
 protected:
     InfQualification() { WriteInf("second.inf", InfFor(kDevice)); }
 
-    // What the first pass says of first.inf, closed by the line that begins the next file.
+    // What the first pass traces about first.inf, up to the line that begins the next file.
     std::vector<std::string> SaidOfFirst(const FinishedRun& run)
     {
         return run.Between("processing: first.inf\n", "processing: second.inf\n");
@@ -32,7 +32,7 @@ protected:
     const Adapter m_adapter{kDevice};
 };
 
-TEST_F(InfQualification, AnExcludedFileIsPassedOverWithoutAWordWhateverItsCase)
+TEST_F(InfQualification, AnExcludedFileIsSkippedSilentlyInAnyLetterCase)
 {
     Folder().WriteSetupIni(
         {std::string("InfSectionName=") + kModelSection, "InfDir=Inf", "InfExclude=other.inf", "InfExclude=FIRST.inf"});
@@ -46,7 +46,7 @@ TEST_F(InfQualification, AnExcludedFileIsPassedOverWithoutAWordWhateverItsCase)
     ExpectSecondInstalled();
 }
 
-TEST_F(InfQualification, WithSlashNAnExcludedFileIsTakenLikeAnyOther)
+TEST_F(InfQualification, WithSlashNAnExcludedFileIsUsed)
 {
     Folder().WriteSetupIni({std::string("InfSectionName=") + kModelSection, "InfDir=Inf", "InfExclude=first.inf"});
     WriteInf("first.inf", InfFor(kDevice));
@@ -70,7 +70,7 @@ TEST_F(InfQualification, AFileSignedForAnotherSystemIsRefused)
     ExpectSecondInstalled();
 }
 
-TEST_F(InfQualification, AFileOfAnotherMakerIsPassedOver)
+TEST_F(InfQualification, AFileOfAnotherMakerIsSkipped)
 {
     WriteInf("first.inf", InfText({.ids = {kDevice}, .manufacturer = "Contoso"}));
 
@@ -109,7 +109,7 @@ TEST_F(InfQualification, AFileThatCannotBeOpenedIsReportedAndRefused)
     ExpectSecondInstalled();
 }
 
-TEST_F(InfQualification, AFileThatDoesNotListTheDeviceIsStoredAllTheSame)
+TEST_F(InfQualification, AFileThatDoesNotListTheDeviceIsStillStored)
 {
     WriteInf("first.inf", InfFor("VEN_5D1A&DEV_7A02"));
     const std::string directory = Folder().At("Inf\\");

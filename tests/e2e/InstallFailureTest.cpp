@@ -1,4 +1,4 @@
-// What a run makes of the answers of the driver-install interface.
+// How a run treats the results of the driver-install interface.
 
 #include <gmock/gmock.h>
 
@@ -39,7 +39,7 @@ protected:
                                             InstallLine(std::string("Inf\\") + kSecondInf, kSecondDevice)));
     }
 
-    // Everything said of the first device's install, from its call to the next device.
+    // Everything traced about the first device's install, from its call to the next device.
     static std::vector<std::string> SaidOfFirstInstall(const FinishedRun& run)
     {
         return run.Between("==>installing driver(s)\n", "Exit -> PostInstallRegResult\n");
@@ -114,7 +114,7 @@ TEST_F(InstallAnswers, AnotherNegativeStatusIsTracedAndTheDriverFileDecides)
     EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
 }
 
-TEST_F(InstallAnswers, APositiveStatusIsNoFailure)
+TEST_F(InstallAnswers, APositiveStatusIsNotAFailure)
 {
     // Positive, so not the failure that the same digits with a top bit would be.
     Answer("InstallStatus1", "0x60000207");
@@ -134,7 +134,7 @@ TEST_F(InstallAnswers, APositiveStatusIsNoFailure)
 TEST_F(InstallAnswers, AnInfOfNoFamilyIsReportedInTheTraceOnly)
 {
     WriteInf(kFirstInf, InfFor("VEN_5D1A&DEV_7A09"));
-    // The prefix stands inside the name, not at its start.
+    // The prefix is inside the name, not at its start.
     WriteInf("myngea.inf", InfFor(kFirstDevice));
     const Adapter& unclassified = m_first;
 
@@ -163,12 +163,12 @@ TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryMatchedDeviceCountsAsR
     EXPECT_FALSE(ReadRegistryValue(kResults, "Version"));
 }
 
-TEST_F(InstallAnswers, WithADriverInstallInterfaceNothingIsSaidOfIt)
+TEST_F(InstallAnswers, ADriverInstallInterfaceIsNotMentioned)
 {
     EXPECT_EQ(RunMorvix("/s /nr").Count("no driver-install interface: status 0\n"), 0u);
 }
 
-TEST_F(InstallAnswers, OnlyARunThatAsksNobodySilencesThePlatform)
+TEST_F(InstallAnswers, OnlyAnUnattendedRunSilencesThePlatform)
 {
     Answer("TellWhoIsAsked", "1");
     RunMorvix("/m");
@@ -195,7 +195,7 @@ TEST_F(InstallAnswers, TheUninstallersSourcePathExistsOnlyDuringTheInstallCall)
 {
     RunMorvix("/s /nr");
 
-    // The journal line tells what the double saw during the call.
+    // The journal line shows what the double saw during the call.
     ExpectBothInstallsWereTried();
     EXPECT_FALSE(ReadRegistryValue(kResults, "Tavunstl_source_path"));
 }

@@ -6,8 +6,7 @@
 
 #include "Handles.h"
 
-/// A window of the class by which Windows Installer's user interface is known, on a thread of its own, for the life of
-/// the object.
+/// A window of the class of Windows Installer's user interface, on its own thread, during the object's lifetime.
 class InstallerWindow
 {
 public:

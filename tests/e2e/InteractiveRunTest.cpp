@@ -169,7 +169,7 @@ TEST_F(InteractiveRun, InTheOemVariantInstallsAtOnceShowsTheResultAndClosesAfter
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
 }
 
-TEST_F(InteractiveRun, OnASystemOfNoKnownFamilyPostsNothingAndStaysUntilItIsClosed)
+TEST_F(InteractiveRun, OnAnUnknownFamilyPostsNothingAndStaysUntilItIsClosed)
 {
     Folder().Answer("NetInst", "Family", "Windows NT");
     const auto run = StartMorvix("/s /nr");

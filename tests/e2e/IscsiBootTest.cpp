@@ -1,5 +1,5 @@
 // Machines that boot over iSCSI: the adapter's driver says so, and the system's iSCSI boot configuration tool then
-// looks after the settings, where the system has what it takes.
+// verifies the settings, if the system supports it.
 
 #include <gmock/gmock.h>
 
@@ -57,7 +57,7 @@ protected:
     const std::unique_ptr<TestAdapterDriver> m_driver = StartAdapterDriver();
 };
 
-TEST_F(IScsiBoot, AdapterFoundInTheFirstDeviceSparesTheSecondTheQuestion)
+TEST_F(IScsiBoot, AfterAnAdapterInTheFirstDeviceTheSecondIsNotAsked)
 {
     m_driver->AnswerBootMode(kFirstInstance, 2);
     m_driver->AnswerBootMode(kSecondInstance, 2);
@@ -85,7 +85,7 @@ TEST_F(IScsiBoot, AdapterIsFoundInTheSecondDevice)
     ExpectAsked(kSecondInstance);
 }
 
-TEST_F(IScsiBoot, OtherBootModesAndDriversWithoutTheRequestAreNoAdapter)
+TEST_F(IScsiBoot, OtherBootModesAndDriversWithoutTheRequestDoNotCount)
 {
     m_driver->AnswerBootMode(kFirstInstance, 1);
     m_driver->AnswerPrivateRequest(kSecondInstance,
@@ -140,7 +140,7 @@ private:
     std::optional<RegistryValue> m_before;
 };
 
-/// What a machine that boots over iSCSI has; a case changes one thing in it.
+/// A machine that boots over iSCSI; a case changes one thing.
 struct Machine
 {
     bool adapter = true;
@@ -225,7 +225,7 @@ INSTANTIATE_TEST_SUITE_P(
         MachineCase{"RestartSuppressed", {.options = "/s /nr"}, false, false}),
     [](const testing::TestParamInfo<MachineCase>& tested) { return std::string(tested.param.name); });
 
-TEST_F(IScsiBoot, ForcedRestartDoesWithoutTheConfigurationTool)
+TEST_F(IScsiBoot, ForcedRestartSkipsTheConfigurationTool)
 {
     const IScsiTool tool;
     const IScsiInitiator initiator("iSCSDump.sys");
@@ -240,7 +240,7 @@ TEST_F(IScsiBoot, ForcedRestartDoesWithoutTheConfigurationTool)
     ExpectRestart(run);
 }
 
-TEST_F(IScsiBoot, MissingConfigurationToolIsTracedAndTheRestartStillDue)
+TEST_F(IScsiBoot, MissingConfigurationToolIsTracedAndTheRestartStillNeeded)
 {
     ASSERT_FALSE(FileExists(IScsiTool::Path()));
     const IScsiInitiator initiator("iSCSDump.sys");

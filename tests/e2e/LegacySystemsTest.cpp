@@ -1,5 +1,5 @@
-// The flows of the 9x family: device pass, then staging, then classification, and the way in which such a run ends. The
-// system prober says which family it is; Wine says which version it is.
+// The flows of the 9x family: device pass, then staging, then classification, and how such a run ends. The system
+// prober says which family it is; Wine says which version it is.
 
 #include <gmock/gmock.h>
 
@@ -281,7 +281,7 @@ TEST_F(WindowsMeFlow, UpdatesTheDriverThenStagesThenClassifiesAndEndsASilentRunW
     ExpectNoRestart(run);
 }
 
-TEST_F(WindowsMeFlow, TakesTheDriverUpdateNotFromTheCurrentDirectory)
+TEST_F(WindowsMeFlow, DoesNotLoadTheDriverUpdateFromTheCurrentDirectory)
 {
     const Adapter adapter(kDevice);
     AddAdapter();
@@ -346,7 +346,7 @@ TEST_F(WindowsMeFlow, OnWindowsMeItselfStagesWithoutTheHelper)
     ExpectFlow(run);
 }
 
-// Anything else than the user's dialog: a Windows Installer step is not silent, so it is offered the restart too.
+// A Windows Installer step is not silent, so it is offered the restart too.
 TEST_F(WindowsMeFlow, AnInstallerStepThatIsNotSilentIsOfferedTheRestart)
 {
     const Adapter adapter(kDevice);

@@ -1,4 +1,4 @@
-// The OEM variant of an installer step on a machine that boots over FCoE: nobody need press a button for the restart.
+// The OEM variant of an installer step on a machine that boots over FCoE: the restart needs no button.
 
 #include <gmock/gmock.h>
 

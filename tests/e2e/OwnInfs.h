@@ -7,10 +7,10 @@
 
 /// The model section that the tests' own setup INI names and their own INF files hold.
 inline constexpr char kModelSection[] = "Norda.NTamd64";
-/// What the tests' own INF files call every device.
+/// The name that the tests' own INF files give every device.
 inline constexpr char kDeviceDescription[] = "Norda Test Adapter";
 
-/// An INF file in the making. Each member is what stands in the file.
+/// An INF file under construction. Each member is text in the file.
 struct InfContent
 {
     std::vector<std::string> ids; ///< hardware IDs without "PCI\"
@@ -26,7 +26,7 @@ struct InfContent
 [[nodiscard]] std::string AsUnicodeFile(const std::string& text);
 
 /// Runs with the NetInst double and INF files of the test's own in the folder "Inf", so that a run only asks and
-/// records: nothing is installed, and the double's journal tells what would have been.
+/// records: nothing is installed, and the double's journal shows what would have been.
 class DoubleRun : public CleanMachine
 {
 protected:
@@ -37,7 +37,7 @@ protected:
     /// The line that the NetInst double writes for the install of `deviceId` from the INF `inf` (path in the run
     /// folder).
     [[nodiscard]] std::string InstallLine(const std::string& inf, const std::string& deviceId);
-    /// The full path of a file in the run folder as the program hands it on.
+    /// The full path of a file in the run folder as the program passes it on.
     [[nodiscard]] std::string InfInUpperCase(const std::string& inf);
     [[nodiscard]] std::vector<std::string> Installs() { return Folder().JournalLines("InstallForRecord"); }
 };

@@ -147,7 +147,7 @@ TEST_F(Passes, AnInfNameIsStoredOncePerRunAcrossDevicesPassesAndFolders)
     EXPECT_EQ(run.Count("Adding INF same.infto vector\n"), 1u);
 }
 
-TEST_F(Passes, ADeviceOfAnotherMakerIsNotSearchedForAndOursIsFoundBehindIt)
+TEST_F(Passes, ADeviceOfAnotherMakerIsNotSearchedForAndOursAfterItIsFound)
 {
     const Adapter foreign("VEN_5D1A&DEV_7A00&SUBSYS_00115D1A&REV_03",
                           {R"(PCI\VEN_5D1B&CC_020000)", R"(PCI\CC_020000)"});

@@ -6,8 +6,7 @@
 #include "RegistryKeys.h"
 #include "ScratchDirectory.h"
 
-/// A current directory in which libraries lie that nobody asked for, on a system that looks there early: an
-/// administrator may have it so.
+/// A current directory with planted libraries, on a system that an administrator has configured to search it early.
 class PlantedDirectory
 {
 public:

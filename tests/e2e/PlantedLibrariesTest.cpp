@@ -1,4 +1,4 @@
-// Whoever may write a file where the system looks for a library must not get an administrator's rights by it.
+// A user who can write a file where the system searches for a library must not gain administrator rights.
 
 #include <gmock/gmock.h>
 

@@ -36,7 +36,7 @@ StartedProgram StartProgram(const std::string& program, std::string commandLine,
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
     BOOL started = FALSE;
-    // A busy Wine now and then fails to start any program at all, with this one error; the program has not run then.
+    // A busy Wine sometimes fails to start a program, with this error; the program has not run then.
     for (int attempt = 0; started == FALSE && (attempt == 0 || (attempt < 3 && GetLastError() == ERROR_INTERNAL_ERROR));
          ++attempt) {
         started = CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,

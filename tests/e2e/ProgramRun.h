@@ -20,7 +20,7 @@ struct FinishedRun
     /// How often `message` (without "Morvix: ") was traced.
     [[nodiscard]] size_t Count(const std::string& message) const;
     [[nodiscard]] bool Traced(const std::string& message) const { return Count(message) != 0; }
-    /// The messages from the first `from` to the first `to` behind it, both included; empty when either is missing.
+    /// The messages from the first `from` to the first `to` after it, both included; empty when either is missing.
     [[nodiscard]] std::vector<std::string> Between(const std::string& from, const std::string& to) const;
     /// The messages without "Morvix: ". A line without that start is kept as it is, so that a comparison shows it.
     [[nodiscard]] std::vector<std::string> Messages() const;
@@ -38,7 +38,7 @@ struct StartedProgram
 [[nodiscard]] StartedProgram StartProgram(const std::string& program, std::string commandLine,
                                           const std::string& workingDirectory);
 
-/// One process of the program under test. A process that still runs at the end of the object's life is ended.
+/// One process of the program under test. The destructor ends a process that is still running.
 class ProgramRun
 {
 public:

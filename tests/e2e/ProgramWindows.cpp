@@ -37,7 +37,7 @@ std::string ClassOf(HWND window)
     return name.data();
 }
 
-// Both enumerations only collect: a callback that throws or sends messages would be asking for trouble.
+// Both enumerations only collect: a callback must not throw or send messages.
 BOOL CALLBACK Collect(HWND window, LPARAM list)
 {
     reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);

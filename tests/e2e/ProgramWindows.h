@@ -39,7 +39,7 @@ public:
     [[nodiscard]] bool Visible() const { return IsWindowVisible(m_window) != FALSE; }
     [[nodiscard]] std::string Title() const;
     [[nodiscard]] std::string TextOf(int control) const;
-    /// A control that is there, seen and usable.
+    /// A control that exists, is visible and enabled.
     [[nodiscard]] bool Offers(int control) const;
 
     /// Waits until control `control` is offered; throws std::runtime_error when that does not happen.
@@ -53,7 +53,7 @@ public:
     /// Waits until the status text is `text`; throws std::runtime_error with the text seen last.
     void WaitForStatus(const std::string& text) const;
 
-    /// Presses a button as a user does: the program answers in its own time.
+    /// Presses a button as a user does, without waiting for the program.
     void Press(int control) const;
 
 private:

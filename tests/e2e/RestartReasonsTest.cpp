@@ -1,4 +1,4 @@
-// The three outcomes of a run that need a restart, and what the options make of one that is due.
+// The three outcomes of a run that need a restart, and the effect of the options on it.
 
 #include <gmock/gmock.h>
 
@@ -34,8 +34,8 @@ void PrintTo(Reason reason, std::ostream* out)
     *out << kNames[static_cast<int>(reason)];
 }
 
-// A machine on which a run has one reason for a restart and no other, and a list of pending file operations on which
-// the uninstaller stands.
+// A machine on which a run has exactly one reason for a restart, and a list of pending file operations with the
+// uninstaller in it.
 class RestartReason : public StorageRun
 {
 protected:
@@ -67,7 +67,7 @@ protected:
         m_driver = StartAdapterDriver(ndisVersion);
     }
 
-    // What the reason rests on really was found.
+    // What the reason depends on was really found.
     static void ExpectFound(Reason reason, const FinishedRun& run)
     {
         EXPECT_EQ(run.Traced(kQdatInstalled), reason == Reason::DmaEngine);
@@ -146,7 +146,7 @@ TEST_P(EachReason, IsLeftToTheInstallerByItsSteps)
     for (const char* options : {"/s /m", "/m"}) {
         SCOPED_TRACE(options);
 
-        // The run begins by taking away what an earlier one has recorded.
+        // The run begins by deleting the record of an earlier one.
         const FinishedRun run = RunMorvix(options);
 
         EXPECT_EQ(run.exitCode, 0);
@@ -225,7 +225,7 @@ TEST_F(RestartReason, MissingLeavesTheMachineAndThePendingOperationsAlone)
     ExpectNoRebootNeeded();
 }
 
-TEST_F(RestartReason, IsNoDmaEngineThatNothingCouldInstall)
+TEST_F(RestartReason, IsNotADmaEngineThatNothingCouldInstall)
 {
     LayDown(Reason::DmaEngine);
     Folder().Answer("NetInst", "DriverInstallFactoryStatus", "0x80004005");
@@ -286,7 +286,7 @@ INSTANTIATE_TEST_SUITE_P(
         StackCase{"WindowsServer2003", SystemVersion{"win2003", "5.2", "3790", "ServerNT"}, kNdis52, true},
         StackCase{"WindowsVista", SystemVersion{"vista", "6.0", "6002", "WinNT"}, 0x00060000, false},
         StackCase{"WindowsServer2008", SystemVersion{"win2008", "6.0", "6002", "ServerNT"}, 0x00060000, true},
-        // The 6.1 servers are left out on purpose.
+        // The 6.1 servers are deliberately left out.
         StackCase{"WindowsServer2008R2", SystemVersion{nullptr, "6.1", "7601", "ServerNT"}, 0x00060014, false},
         StackCase{"Windows8", SystemVersion{"win8", "6.2", "9200", "WinNT"}, 0x0006001E, true}),
     [](const testing::TestParamInfo<StackCase>& tested) { return std::string(tested.param.name); });

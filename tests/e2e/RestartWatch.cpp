@@ -11,7 +11,7 @@ constexpr char kClass[] = "MorvixRestartWatch";
 constexpr DWORD kLongestWait = 20000;
 constexpr DWORD kPollMilliseconds = 10;
 
-// A restart is asked for by starting this program of the system's, which asks every window whether the session may end.
+// A restart is requested by starting this system program, which asks every window whether the session may end.
 bool RestartIsUnderWay()
 {
     const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
@@ -55,7 +55,7 @@ RestartWatch::RestartWatch() : m_ready(CreateEventA(nullptr, TRUE, FALSE, nullpt
 
 RestartWatch::~RestartWatch()
 {
-    // The session must not end because the one who refuses has gone.
+    // The session must not end because the refusing window is gone.
     WaitUntilNoRestartIsUnderWay();
     PostMessageA(m_window, WM_CLOSE, 0, 0);
     WaitForSingleObject(m_thread.get(), kLongestWait);
@@ -80,7 +80,7 @@ bool RestartWatch::WaitForRefusal() const
     return false;
 }
 
-// The window is never shown; the system asks it all the same.
+// The window is never shown, but the system asks it.
 DWORD WINAPI RestartWatch::Watch(void* watch)
 {
     auto& self = *static_cast<RestartWatch*>(watch);

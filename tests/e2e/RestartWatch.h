@@ -8,7 +8,7 @@
 #include "Handles.h"
 
 /// Refuses every restart that a program asks the system for during the object's life, as a program with unsaved work
-/// may, so that the session goes on and the test can tell that the restart really was asked for.
+/// may, so that the session continues and the test can see that the restart was really requested.
 class RestartWatch
 {
 public:
@@ -18,8 +18,8 @@ public:
     RestartWatch(const RestartWatch&) = delete;
     RestartWatch& operator=(const RestartWatch&) = delete;
 
-    /// @return how many restarts have been refused, once no restart is under way any more. Throws std::runtime_error
-    ///         when one that is under way does not come to its end.
+    /// @return how many restarts have been refused, once no restart is in progress. Throws std::runtime_error when one
+    ///         does not finish.
     [[nodiscard]] std::size_t Refused() const;
 
     /// Waits until a restart has been refused.

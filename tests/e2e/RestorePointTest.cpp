@@ -42,7 +42,7 @@ class RestorePoint : public DoubleRun
 protected:
     RestorePoint() { WriteInf("one.inf", InfFor(kDevice)); }
 
-    // The restore-point service's library beside the program, in the place of the system's own.
+    // The restore-point service's library beside the program, in place of the system's own.
     void UseServiceDouble() { Folder().UseDouble("srclient.dll"); }
 
     const Adapter m_adapter{kDevice};
@@ -116,9 +116,9 @@ TEST_F(RestorePoint, ThatIsRefusedForAnotherReasonIsTracedWithoutTheReason)
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
 }
 
-TEST_F(RestorePoint, IsDoneWithoutWhereTheLibraryCannotBeLoaded)
+TEST_F(RestorePoint, IsSkippedWhereTheLibraryCannotBeLoaded)
 {
-    // A file that is no library, where the system looks first.
+    // A file that is not a library, where the system searches first.
     Folder().Write("srclient.dll", "no library");
 
     const FinishedRun run = RunMorvix("/s /nr");
@@ -131,7 +131,7 @@ TEST_F(RestorePoint, IsDoneWithoutWhereTheLibraryCannotBeLoaded)
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
 }
 
-TEST_F(RestorePoint, IsDoneWithoutWhereTheLibraryLacksTheFunction)
+TEST_F(RestorePoint, IsSkippedWhereTheLibraryLacksTheFunction)
 {
     Folder().UseDouble("NetInstWithoutExport.dll", "srclient.dll");
 
@@ -160,7 +160,7 @@ TEST_F(RestorePoint, IsEndedInARunThatRestartsToo)
     EXPECT_EQ(run.Count("Entering EndRestorePoint"), 1u);
 }
 
-// A restore point whose end lasts until the test lets it go, and a machine that refuses to restart.
+// A restore point whose end lasts until the test releases it, and a machine that refuses to restart.
 class SlowRestorePoint : public RestorePoint
 {
 protected:
@@ -181,7 +181,7 @@ protected:
         }
     }
 
-    // A program that were about to restart without waiting would do so in this time.
+    // A program that was about to restart without waiting would do so in this time.
     static bool StaysWithoutARestart(const ProgramRun& run)
     {
         Sleep(1000);

@@ -20,7 +20,7 @@ constexpr const char* kSystemSections[] = {
 RunFolder::RunFolder()
 {
     for (const auto& entry : std::filesystem::directory_iterator(DistFolder())) {
-        // The folder also holds the package that is made of it; no run needs that.
+        // The folder also holds the package made from it; no run needs that.
         if (entry.path().extension() != ".msi") {
             std::filesystem::copy(entry.path(), At(entry.path().filename().string()),
                                   std::filesystem::copy_options::recursive);

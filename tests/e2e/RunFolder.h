@@ -5,8 +5,7 @@
 
 #include "ScratchDirectory.h"
 
-/// A scratch copy of the shippable folder, in which a test may replace single files. Removed with its content at the
-/// end.
+/// A scratch copy of the shippable folder, in which a test may replace single files. The destructor removes it.
 class RunFolder
 {
 public:
@@ -28,7 +27,7 @@ public:
     /// Puts a double into the folder, under its own name or as `fileName`.
     void UseDouble(const std::string& name, const std::string& fileName = {}) const;
 
-    /// Lays down an answer of the double `name` (without extension), such as "NetInst".
+    /// Sets an answer of the double `name` (without extension), such as "NetInst".
     void Answer(const std::string& name, const std::string& key, const std::string& value) const;
 
     /// The lines that doubles in this folder have written so far.

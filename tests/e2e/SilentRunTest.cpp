@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(EverySystem, SilentRun,
                              return std::string(tested.param.name);
                          });
 
-/// A file in the system's driver directory, gone at the end of the object's life.
+/// A file in the system's driver directory, removed by the destructor.
 class OldDriverFile
 {
 public:
@@ -167,7 +167,7 @@ private:
 class KitOnAnUpgradedSystem : public CleanMachine
 {
 protected:
-    // Whatever names the drivers of older systems and kits have had lie there with another version.
+    // Files with all names that drivers of older systems and kits have had are there, with another version.
     void ExpectTheNewVersion(const SystemVersion& version, const KitSystem& kit)
     {
         SCOPED_TRACE(kit.folder);
@@ -203,7 +203,7 @@ protected:
     const OldDriverFile m_old{DistFolder() + "\\Drv\\WinXPx64\\ngea.sys", "ngea.sys"};
 };
 
-TEST_F(RefusedDriver, IsAFailureAlsoWhereAnOlderDriverFileLies)
+TEST_F(RefusedDriver, IsAFailureEvenWithAnOlderDriverFile)
 {
     Folder().Remove("Drv\\Win8x64\\ngea.sys");
 
@@ -237,7 +237,7 @@ class AnotherInstallerLibrary : public CleanMachine
 {
 };
 
-TEST_F(AnotherInstallerLibrary, ThatKeepsTheContractServesARunAsWell)
+TEST_F(AnotherInstallerLibrary, ThatKeepsTheContractWorksToo)
 {
     const EmulatedSystem windows8({"win8", "6.2", "9200", "WinNT"});
     Folder().UseDouble("PlainNetInst.dll", "NetInst.dll");

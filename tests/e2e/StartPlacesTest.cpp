@@ -1,4 +1,4 @@
-// Where the program may lie and from where it may be started.
+// Where the program may be, and from where it may be started.
 
 #include <gmock/gmock.h>
 
@@ -14,7 +14,7 @@ using testing::ElementsAre;
 constexpr char kDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 constexpr char kInf[] = "Inf\\one.inf";
 
-// A word with a letter beyond ASCII that the system's code page has; plain where it has none.
+// A word with a non-ASCII letter of the system's code page; plain ASCII where it has none.
 std::string AccentedWord()
 {
     std::array<char, 32> text{};
@@ -37,7 +37,7 @@ protected:
         EXPECT_TRUE(run.Traced("!!FOUND INF MATCH\n"));
     }
 
-    // Moves what a run needs to `folder`, which may have any letters.
+    // Moves what a run needs to `folder`, which may contain any letters.
     void MoveTo(const std::string& folder)
     {
         ASSERT_NE(CreateDirectoryA(folder.c_str(), nullptr), FALSE);
@@ -78,7 +78,7 @@ TEST_F(StartPlaces, CalledByARelativePathItIsFoundFromTheCurrentDirectory)
     EXPECT_THAT(Installs(), ElementsAre(InstallLine(kInf, kDevice)));
 }
 
-TEST_F(StartPlaces, CalledByAPathWithADoubleBackslashAtItsStartItTakesItAsItIs)
+TEST_F(StartPlaces, CalledByAPathThatStartsWithADoubleBackslashItIsUsedUnchanged)
 {
     const std::string folder = R"(\\?\)" + Folder().Path();
 

@@ -1,5 +1,5 @@
-// Runs that end before the dialog: what they say, show and answer. A run that ends by itself has shown no box: a box
-// would have kept it.
+// Runs that end before the dialog: their trace, boxes and exit code. A run that ends by itself has shown no box, which
+// would have blocked it.
 
 #include <gmock/gmock.h>
 
@@ -81,7 +81,7 @@ TEST_F(StartUp, CalledWithoutAPathTheProgramLooksInTheCurrentDirectory)
     EXPECT_TRUE(there.Traced("ini file: " + elsewhere.At("Morvix.ini") + ", NOT FOUND\n"));
 }
 
-TEST_F(StartUp, TheRestartFlagOfAnEarlierRunIsTakenAway)
+TEST_F(StartUp, TheRestartFlagOfAnEarlierRunIsDeleted)
 {
     SetRegistryNumber(R"(SOFTWARE\Norda\Basedrivers)", "RebootNeeded", 1);
     Folder().Remove("Morvix.ini");
@@ -112,7 +112,7 @@ TEST_F(StartUp, ASecondInstanceEndsWithoutABoxAndTheFirstGoesOn)
     EXPECT_EQ(first->Finish().exitCode, 0);
 }
 
-TEST_F(StartUp, AWindowClassThatCannotBeRegisteredShowsABoxEvenInASilentRunAndAnswersZero)
+TEST_F(StartUp, AWindowClassThatCannotBeRegisteredShowsABoxEvenInASilentRunAndReturnsZero)
 {
     Folder().UseDouble("NetInst.dll");
     Folder().UseDouble("MorvixResClassTaken.dll", "MorvixRes.dll");

@@ -27,7 +27,7 @@ public:
     InstalledAdapter(const std::string& deviceId, const std::string& driverKey, const std::string& instanceId);
 };
 
-/// The operating system's iSCSI initiator among the SCSI adapters, gone at the end of the object's life.
+/// The operating system's iSCSI initiator among the SCSI adapters, removed by the destructor.
 class IScsiInitiator
 {
 public:
@@ -39,8 +39,8 @@ private:
     ScratchRegistryKey m_key;
 };
 
-/// The system's iSCSI boot configuration tool: a program in the system directory that keeps its command line. Gone at
-/// the end of the object's life.
+/// The system's iSCSI boot configuration tool: a program in the system directory that records its command line. The
+/// destructor removes it.
 class IScsiTool
 {
 public:
@@ -69,8 +69,8 @@ private:
     std::optional<RegistryValue> m_before;
 };
 
-/// Lets Wine take away the windows of Morvix.exe at once. It would otherwise wait two seconds for each window that
-/// goes, for a window manager that a test's display does not have. Changes nothing on a real Windows.
+/// Makes Wine destroy the windows of Morvix.exe at once. It would otherwise wait two seconds for each, for a window
+/// manager that a test's display does not have. Changes nothing on a real Windows.
 class NoWindowManager
 {
 public:
@@ -80,14 +80,14 @@ public:
     NoWindowManager& operator=(const NoWindowManager&) = delete;
 };
 
-/// Runs on a machine that may boot from the network. No restart that a run asks for takes place.
+/// Runs on a machine that may boot from the network. Restarts are refused.
 class StorageRun : public DoubleRun
 {
 protected:
     /// The FCoE library beside the program; every port answers with these flags.
     void UseFcoeLibrary(const std::string& flags);
 
-    /// The iSCSI library beside the program, telling an initiator of that version.
+    /// The iSCSI library beside the program, reporting an initiator of that version.
     void UseIScsiLibrary(const std::string& major, const std::string& minor, const std::string& build);
 
     static void SetExtensionVersion(const std::string& version);
@@ -105,8 +105,8 @@ protected:
     static void ExpectRebootNeeded();
     static void ExpectNoRebootNeeded();
 
-    /// FinishedRun::Between for lines of the end-of-run decision, which the main thread takes while the install thread
-    /// may still say that it ends: what that says is left out.
+    /// FinishedRun::Between for lines of the end-of-run decision, which the main thread makes while the install thread
+    /// may still trace its end: the latter is left out.
     [[nodiscard]] static std::vector<std::string> DecidedBetween(const FinishedRun& run, const std::string& from,
                                                                  const std::string& to);
 

@@ -17,17 +17,17 @@ constexpr char kLookUp[] = "Entering - GetLanguageSpecificString";
 class ProberRefusal : public CleanMachine
 {
 protected:
-    // Runs once silently and once with a box, and checks everything that can be seen of both.
-    void ExpectRefusal(const Lines& behindPreviousInstance, const std::string& text)
+    // Runs once silently and once with a box, and checks everything visible of both.
+    void ExpectRefusal(const Lines& afterPreviousInstance, const std::string& text)
     {
         Lines silent = StartUpTrace(Folder(), kSilent);
-        silent.insert(silent.end(), behindPreviousInstance.begin(), behindPreviousInstance.end());
+        silent.insert(silent.end(), afterPreviousInstance.begin(), afterPreviousInstance.end());
         const FinishedRun silentRun = RunMorvix("/s");
         EXPECT_EQ(silentRun.exitCode, -1);
         EXPECT_EQ(silentRun.Messages(), silent);
 
         Lines shown = StartUpTrace(Folder(), kNoOptions);
-        shown.insert(shown.end(), behindPreviousInstance.begin(), behindPreviousInstance.end());
+        shown.insert(shown.end(), afterPreviousInstance.begin(), afterPreviousInstance.end());
         // The caption is looked up after the text was traced.
         shown.push_back(kLookUp);
         const auto run = StartMorvix("");
@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(ProberRefusal, SomebodyWithoutAdministratorRightsIsTold)
+TEST_F(ProberRefusal, AUserWithoutAdministratorRightsGetsAMessage)
 {
     Folder().UseDouble("NetInst.dll");
     Folder().Answer("NetInst", "Impersonate", "1");
@@ -67,7 +67,7 @@ TEST_F(ProberRefusal, SomebodyWithoutAdministratorRightsIsTold)
     EXPECT_EQ(Folder().Journal(), twice);
 }
 
-TEST_F(ProberRefusal, WithoutRightsTheProbersOwnRefusalIsNotLookedAt)
+TEST_F(ProberRefusal, WithoutRightsTheProbersOwnRefusalIsIgnored)
 {
     Folder().UseDouble("NetInst.dll");
     Folder().Answer("NetInst", "Impersonate", "1");
@@ -154,7 +154,7 @@ TEST_F(ProberRefusal, AFactoryThatComesWithAFailureIsReleased)
                             "DllGetClassFactoryObject ISysProberInterfaceFactory", "SysProberFactory Release"));
 }
 
-TEST_F(ProberRefusal, AProberFactoryThatCannotBeHadEndsTheRun)
+TEST_F(ProberRefusal, AProberFactoryThatCannotBeCreatedEndsTheRun)
 {
     Folder().UseDouble("NetInst.dll");
     Folder().Answer("NetInst", "ProberFactoryStatus", "0x80004005");

@@ -1,4 +1,4 @@
-// The whole debugger output of whole runs, and switching it during a run.
+// The complete debugger output of runs, and switching it during a run.
 
 #include <gmock/gmock.h>
 
@@ -55,7 +55,7 @@ protected:
     const Adapter m_second{kSecondDevice};
 };
 
-TEST_F(TraceSwitch, TakingTheDebugKeyAwayDuringTheRunEndsTheTraceAtOnce)
+TEST_F(TraceSwitch, DeletingTheDebugKeyDuringTheRunEndsTheTraceAtOnce)
 {
     Folder().Answer("NetInst", "DebugKey1", "delete");
 
@@ -68,7 +68,7 @@ TEST_F(TraceSwitch, TakingTheDebugKeyAwayDuringTheRunEndsTheTraceAtOnce)
                                     InfInUpperCase("Inf\\one.inf") + "\n");
 }
 
-TEST_F(TraceSwitch, LayingDownTheDebugKeyDuringTheRunBeginsTheTraceAtOnce)
+TEST_F(TraceSwitch, CreatingTheDebugKeyDuringTheRunBeginsTheTraceAtOnce)
 {
     SwitchTrace(false);
     Folder().Answer("NetInst", "DebugKey1", "create");

@@ -7,7 +7,7 @@
 
 #include "Outcome.h"
 
-/// What the program makes of a failing call, where the call is not done without.
+/// What a failing call changes, where the program cannot do without it.
 struct Decision
 {
     /// The call as Describe() puts it and which of its kind it is, such as "install FreeLibrary(library *) 1"; "*" is

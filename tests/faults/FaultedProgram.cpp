@@ -76,7 +76,7 @@ FaultedProgram::FaultedProgram()
           CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(FaultChannel), kFaultChannelName))
 {
     if (!m_mapping || GetLastError() == ERROR_ALREADY_EXISTS) {
-        throw std::runtime_error("the channel to the program under test cannot be had");
+        throw std::runtime_error("the channel to the program under test cannot be opened");
     }
     m_channel = static_cast<FaultChannel*>(MapViewOfFile(m_mapping.get(), FILE_MAP_WRITE, 0, 0, sizeof(FaultChannel)));
     if (m_channel == nullptr) {

@@ -111,7 +111,7 @@ class FailingCall : public testing::TestWithParam<const ScenarioRow*>
 {
 };
 
-TEST_P(FailingCall, EndsTheRunInItsWayLeaksNothingAndCostsOnlyWhatIsDecided)
+TEST_P(FailingCall, EndsTheRunAsDecidedAndLeaksNothing)
 {
     const ScenarioRow& row = *GetParam();
     const std::set<CallName> calls = CallsOf(row);
@@ -161,7 +161,7 @@ std::vector<unsigned> Samples(const Outcome& clean, std::size_t count)
     return samples;
 }
 
-TEST_P(MemoryShortage, OfOneRequestEndsTheRunWithItsTraceOrIsDoneWithoutAndLeavesNothingHalfWritten)
+TEST_P(MemoryShortage, OfOneRequestEndsTheRunWithItsTraceOrIsToleratedAndLeavesNothingHalfWritten)
 {
     const Outcome clean = Stage::WithoutFault(*GetParam());
     for (const unsigned request : Samples(clean, kOneRequestSamples)) {

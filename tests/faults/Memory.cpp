@@ -47,8 +47,8 @@ void LookForHalfWritten(const Outcome& clean, const Outcome& faulted, std::vecto
     const std::set<std::string> whole = LeftBy(clean);
     const std::set<std::string> left = LeftBy(faulted);
     for (const std::string& line : left) {
-        // What the run takes off the list of pending operations may still be on it, and the device that the legacy
-        // helper is told of changes during the run.
+        // The entry that the run removes from the list of pending operations may still be on it, and the value that
+        // names the legacy helper's device changes during the run.
         const bool comesAndGoes = IsPending(line) || line.find("RegPCIpath") != std::string::npos;
         if (!whole.contains(line) && !comesAndGoes) {
             complaints.push_back("only with the fault " + line);

@@ -57,7 +57,7 @@ unsigned EveryCallOf(const ScenarioRow& row, unsigned& runs)
                 const std::vector<std::string> difference = Difference(clean.lines, faulted.lines);
                 complaints.insert(complaints.end(), difference.begin(), difference.end());
                 wrong += Report(std::string(row.name) + ": request " + std::to_string(request) + " for memory" +
-                                    (isOut ? " and all behind it" : ""),
+                                    (isOut ? " and all after it" : ""),
                                 complaints);
             }
         }

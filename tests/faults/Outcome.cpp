@@ -21,7 +21,7 @@ std::string Fingerprint(Lines::const_iterator begin, Lines::const_iterator end)
     return text.data();
 }
 
-/// Lines that are missing, or are there in addition, one behind the other. Moves them from `lines` to `difference`.
+/// Missing or additional lines in a row. Moves them from `lines` to `difference`.
 void AppendRow(const std::string& sign, Lines& lines, Lines& difference)
 {
     constexpr std::size_t kMostShown = 6;

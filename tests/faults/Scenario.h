@@ -8,8 +8,8 @@
 #include "FaultedProgram.h"
 #include "RunFolder.h"
 
-/// A machine with everything that one way through the program needs. The machine is laid down once; before each run
-/// only what the last one left is taken away.
+/// A machine with everything that one way through the program needs. The machine is set up once; before each run only
+/// the leftovers of the last one are removed.
 class Scenario
 {
 public:
@@ -21,14 +21,14 @@ public:
     Outcome Run(const Fault& fault = {}, bool noteMemory = false);
 
 protected:
-    /// @param arguments    Command line behind the program's name.
+    /// @param arguments    Command line after the program's name.
     /// @param interactive  Whether somebody presses OK and the finish button.
     Scenario(std::string arguments, bool interactive = false);
 
     RunFolder& Folder() { return m_folder; }
     void WriteInf(const std::string& name, const std::string& content) { m_folder.Write("Inf\\" + name, content); }
 
-    /// Takes away what a run leaves beside the results and the uninstall file, and puts back what it takes away.
+    /// Removes what a run leaves besides the results and the uninstall file, and restores what it removes.
     virtual void Reset() {}
     /// What a run left beside these.
     virtual std::vector<std::string> State() { return {}; }

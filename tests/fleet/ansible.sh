@@ -30,7 +30,7 @@ in_ansible() {
     )
 }
 
-# On the recorded machines: their connection, and modules that stand for the Windows ones.
+# On the recorded machines: their connection, and modules that stand in for the Windows ones.
 play() {
     (
         export ANSIBLE_COLLECTIONS_PATH=$tests/machines/collections ANSIBLE_CONNECTION_PLUGINS=$tests/machines/connection_plugins
@@ -186,7 +186,7 @@ promise "a product that is there does not hide the failure that was recorded" \
 promise "the host is asked for the product that the package is" did signed-package "ask for {$(product_code "$(product_version)")}"
 promise "results of an earlier run are not taken for this one's" reports_that no-adapter "no adapter" "not needed"
 promise "an installed package is left alone" did_not owes-restart install
-promise "a host with nothing to do reports what stands there, and a restart that was not allowed before is made up for" \
+promise "a host with nothing to do reports the recorded results, and a restart that was not allowed before is made up for" \
     reports_that owes-restart current "done" TAVG_PCIE 12.1.63.0 SUCCESS TAVX 3.2.63.0 SUCCESS
 promise "a restart that only the installer library has recorded is made up for too" \
     reports_that library-owes-restart current "done" TAVG_PCIE 12.1.63.0 SUCCESS TAVX 3.2.63.0 SUCCESS

@@ -136,7 +136,7 @@ void CheckInstallingText(const std::string& format, const std::string& descripti
     }
     const std::string text = InstallingText(format, description, maxBytes, NoLeadByte);
     Promise(text.size() <= maxBytes, "the text keeps its limit");
-    Promise(text == expected.substr(0, maxBytes), "the first insert is replaced, a doubled sign stands for one");
+    Promise(text == expected.substr(0, maxBytes), "the first insert is replaced, a doubled sign means one");
     Promise(InstallingText("%s", description, description.size(), NoLeadByte) == description,
             "a description is never a format");
 }
@@ -193,7 +193,7 @@ void CheckPrivateRequest(FuzzedDataProvider& input)
         received.Text().substr(0, answer.bytesReturned) == answered.substr(kPrivateHeaderBytes, answer.bytesReturned),
         "the answer's bytes");
     Promise(received.Text().find_first_not_of('\x5A', answer.bytesReturned) == std::string_view::npos,
-            "nothing behind the answer's bytes changes");
+            "nothing after the answer's bytes changes");
 }
 
 void CheckEnumeration(FuzzedDataProvider& input)
@@ -222,7 +222,7 @@ void CheckNumbers(FuzzedDataProvider& input, const std::string& text)
             "5.2 or later");
     Promise(IsIScsiBootMode(word) == (word == 2 || word == 3), "two answers mean an iSCSI boot adapter");
     Promise(IsFcoeBootPort(word) == ((word & kNordaRemoteBooted) != 0 || (word & kNordaRemotePageFile) != 0),
-            "booted over the port, or its page file behind it");
+            "booted over the port, or its page file on it");
     std::wstring instance(text.begin(), text.end());
     instance.append(input.ConsumeIntegralInRange<std::size_t>(0, 5000), L'x');
     const auto name = FcoeAdapterName(instance);

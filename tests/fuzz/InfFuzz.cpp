@@ -1,5 +1,5 @@
-// An INF's text: model lines, descriptions, brands, signatures, names. The whole input is the text, so that an INF is a
-// seed as it stands.
+// An INF's text: model lines, descriptions, brands, signatures, names. The whole input is the text, so that any INF is
+// a seed.
 
 #include <algorithm>
 #include <array>
@@ -113,7 +113,7 @@ void CheckAnswer(const ExactBuffer& given)
     Promise(smaller.Text() == given.Text().substr(0, smaller.Size()), "no more than there is room for");
     const ExactBuffer larger(given.Size() + 9);
     answer.CopyTo(larger.All());
-    Promise(larger.Text() == std::string(given.Text()) + std::string(9, '\0'), "zeros behind it");
+    Promise(larger.Text() == std::string(given.Text()) + std::string(9, '\0'), "zeros after it");
 }
 
 /// Keeps answers about the lines' files and asks again only when a file has changed.
@@ -124,7 +124,7 @@ void CheckKeeping(const std::vector<std::string_view>& lines)
     int opened = 0;
     int expectedOpened = 0;
     for (const std::string_view line : lines) {
-        // The first letter is the file; the others say how it stands now.
+        // The first letter is the file; the others are its state.
         const std::string path(line.substr(0, 1));
         const FileStamp stamp{line.size() % 3, line.size() > 1 ? static_cast<uint64_t>(line[1] & 1) : 0};
         const bool readable = line.size() < 3 || line[2] != '!';
@@ -140,7 +140,7 @@ void CheckKeeping(const std::vector<std::string_view>& lines)
             continue;
         }
         known[path] = stamp;
-        Promise(about->Stamp() == stamp, "the answers belong to the file as it stands");
+        Promise(about->Stamp() == stamp, "the answers belong to the file as it is");
         for (const bool again : {false, true}) {
             bool asked = false;
             const std::string section = std::to_string(line.size() % 4);

@@ -119,7 +119,7 @@ void CheckTexts(const std::string& text, char separator)
     const std::string_view left = OrvTrimLeft(text);
     const std::string_view right = OrvTrimRight(text);
     Promise(text.ends_with(left) && !left.starts_with(' ') && OrvTrimLeft(left) == left, "no space in front");
-    Promise(text.starts_with(right) && !right.ends_with(' ') && OrvTrimRight(right) == right, "no space behind");
+    Promise(text.starts_with(right) && !right.ends_with(' ') && OrvTrimRight(right) == right, "no space at the end");
     Promise(text.substr(0, text.size() - left.size()).find_first_not_of(' ') == std::string::npos, "only spaces go");
     Promise(text.find_first_not_of(' ', right.size()) == std::string::npos, "only spaces go at the end");
 }

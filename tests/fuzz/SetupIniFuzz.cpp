@@ -1,5 +1,5 @@
-// The setup INI's text: lists of lines, values behind markers, lists of names, numbers, tokens and paths. The whole
-// input is the text, so that a setup INI is a seed as it stands.
+// The setup INI's text: lists of lines, values after markers, lists of names, numbers, tokens and paths. The whole
+// input is the text, so that any setup INI is a seed.
 
 #include <algorithm>
 #include <cstring>
@@ -52,14 +52,14 @@ std::vector<std::string_view> CheckLines(const ExactBuffer& buffer)
 
 void CheckMarker(std::string_view line, std::string_view marker)
 {
-    bool stands = false;
+    bool present = false;
     for (std::size_t at = 0; at + marker.size() <= line.size(); ++at) {
-        stands = stands || line.substr(at, marker.size()) == marker;
+        present = present || line.substr(at, marker.size()) == marker;
     }
     const auto value = ValueBehindLast(line, marker);
-    Promise(value.has_value() == stands, "there is a value exactly when the marker stands in the line");
+    Promise(value.has_value() == present, "there is a value exactly when the line has the marker");
     if (value) {
-        Promise(value->find(marker) == std::string_view::npos, "the value begins behind the last marker");
+        Promise(value->find(marker) == std::string_view::npos, "the value begins after the last marker");
         Promise(line.ends_with(std::string(marker) + std::string(*value)), "marker and value end the line");
     }
 }
@@ -177,7 +177,7 @@ void CheckLegacyTexts(const std::string& text)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string input(reinterpret_cast<const char*>(data), size);
-    // As the file stands, and as the platform hands out its lines.
+    // As the file is, and as the platform returns its lines.
     std::string section = input;
     std::ranges::replace(section, '\n', '\0');
     CheckLines(ExactBuffer(input));

@@ -1,4 +1,4 @@
-// The command line and what a run makes of it: options, flow, prober status, management extension, end of the run. The
+// The command line and its effect on a run: options, flow, prober status, management extension, end of the run. The
 // whole input is the command line, an argument a line.
 
 #include <algorithm>
@@ -168,7 +168,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     OptionMap map{{"left over", {}}};
     const OptionMap expected = ReadCommandLine(arguments);
-    // One entry more than is told: nothing behind the count is read.
+    // One entry more than the count: nothing after the count is read.
     const int count = ParseCommandLine(map, static_cast<int>(argv.size()), argv.data());
     Promise(map == expected, "the options with their values");
     Promise(count == static_cast<int>(expected.size()), "the number of distinct options");

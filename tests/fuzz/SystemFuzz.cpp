@@ -1,4 +1,4 @@
-// Which system it is and what it speaks, where the program lies, and which settings of iSCSI and FCoE boot are valid.
+// Which system it is and its language, where the program is, and which settings of iSCSI and FCoE boot are valid.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -78,7 +78,7 @@ OSCode CodeOfTheTable(const SystemFacts& facts)
     return osUNSUPPORTED;
 }
 
-/// What the code becomes for a process that is told 6.0.
+/// The code for a process to which 6.0 is reported.
 OSCode Corrected(OSCode told, const SystemFacts& facts, const Verifier& verifier)
 {
     const bool workstation = facts.productType == 1;
@@ -162,7 +162,7 @@ void CheckLanguage(uint16_t system, int size)
     Promise(answer == (size < 4 ? system : language.id), "the system's own identifier where the code does not fit");
     std::string expected(size < 4 ? std::string_view() : language.code3);
     expected.resize(code3.Size(), '\0');
-    Promise(code3.Text() == expected, "the code and zeros behind it");
+    Promise(code3.Text() == expected, "the code and zeros after it");
     Promise(LanguageAnswer(system, nullptr, size) == language.id, "no code asked for");
     Promise(RunLanguageIdFor(language.id) != 0, "the run always speaks a language");
 }

@@ -150,7 +150,7 @@ for pair in MorvixRes:MorvixRes.dll kit_ngea62x64:Drv/Win7x64/ngea62x64.sys; do
     promise "the bill names no library for ${pair#*:}, which links none" same_libraries "${pair%%:*}" "${pair#*:}"
 done
 promise "the notices hold the licences of what is linked" notices_are_complete
-promise "the notices travel with the programs" notices_travel
+promise "the notices are shipped with the programs" notices_travel
 
 promise "without a publisher's addresses there are no manifests" test ! -e "$work/release/winget" -a ! -e "$work/release/chocolatey"
 promise "what is missing for them is named" \

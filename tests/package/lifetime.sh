@@ -58,7 +58,7 @@ journal=$drive/windows/system32/Tavunstl.exe.journal.txt
 
 install "$package"
 promise "an installation ends with 0" ends_with 0
-promise "an installation lays down the whole shippable folder" same_files "$dist" "$program_folder"
+promise "an installation copies the whole shippable folder" same_files "$dist" "$program_folder"
 promise "an installation binds both adapters" both_bound
 promise "an installation leaves the result keys right" both_recorded
 promise "an installation logs the command line and the time limit" \
@@ -111,7 +111,7 @@ remove "$kit_package" "UPGRADINGPRODUCTCODE={$(product_code 99.0.0)}"
 promise "a removal for the next version does not run the uninstaller" uninstaller_never_ran
 promise "a removal for the next version leaves no folder" no_program_folder
 install "$kit_package"
-promise "the uninstaller stands by when the package is installed once more" uninstaller_never_ran
+promise "the uninstaller is available when the package is installed once more" uninstaller_never_ran
 
 remove "$kit_package"
 promise "a removal ends with 0" ends_with 0

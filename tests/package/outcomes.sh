@@ -66,7 +66,7 @@ oem_variant() {
     install "$kit_package"
     promise "the program gets /s /m" was_called_with '"C:\Program Files\Norda\Morvix\Morvix.exe" /s /m'
     promise "the program runs in the kit's folder" grep -qxF 'directory: C:\Program Files\Norda\Morvix' "$journal"
-    promise "an exit code that is no success is logged" logged 'the program ended with exit code 7'
+    promise "an exit code other than success is logged" logged 'the program ended with exit code 7'
     rm -f -- "$journal"
     remove "$kit_package"
     install "$kit_package" OEMVARIANT=1
@@ -85,22 +85,22 @@ broken_ini() {
     promise "a kit whose INI is broken binds nothing, and the log says so" \
         logged 'Install is not recorded: no adapter was matched'
     remove "$kit_package"
-    promise "a kit whose INI is broken is removed like any other" ends_with 0
-    promise "nothing of a kit whose INI is broken is left" no_program_folder
+    promise "a kit whose INI is broken can be removed" ends_with 0
+    promise "a removed kit whose INI is broken leaves nothing" no_program_folder
 
     copy_kit no-ini
     rm -- "$kit/Morvix.ini"
     package_kit
     install "$kit_package"
     promise "a kit without its INI does not block the package" ends_with 0
-    promise "the log tells that the program refused to start" logged 'the program ended with exit code -1'
-    promise "the log tells that the package goes on" logged 'the package goes on: FAILONFAILURE is not 1'
+    promise "the log says that the program refused to start" logged 'the program ended with exit code -1'
+    promise "the log says that the package goes on" logged 'the package goes on: FAILONFAILURE is not 1'
     remove "$kit_package"
     install "$kit_package" FAILONFAILURE=1
     promise "a kit without its INI fails the package when failures fail it" ends_with 1603
-    promise "the log tells why the package fails" logged 'the package fails: FAILONFAILURE is 1'
-    promise "a failed installation leaves no file behind" no_program_folder
-    promise "a failed installation leaves no product behind" only_product none
+    promise "the log says why the package fails" logged 'the package fails: FAILONFAILURE is 1'
+    promise "a failed installation leaves no file" no_program_folder
+    promise "a failed installation leaves no product" only_product none
 }
 
 failing_adapter() {
@@ -112,18 +112,18 @@ failing_adapter() {
     promise "an adapter that fails is recorded" recorded Install FAILURE
     promise "an adapter that fails is logged" logged 'Install = FAILURE'
     promise "an adapter that fails is logged with its family" logged 'FAILURE of family TAVG_PCIE'
-    promise "the log tells that the package goes on after a failure" logged 'the package goes on: FAILONFAILURE is not 1'
+    promise "the log says that the package goes on after a failure" logged 'the package goes on: FAILONFAILURE is not 1'
     remove "$kit_package"
     install "$kit_package" FAILONFAILURE=1
     promise "an adapter that fails fails the package when failures fail it" ends_with 1603
-    promise "the log tells the family of the failure that fails the package" logged 'FAILURE of family TAVG_PCIE'
+    promise "the log names the family of the failure that fails the package" logged 'FAILURE of family TAVG_PCIE'
     promise "the error is reported" logged 'the drivers were not installed'
-    promise "a failed adapter leaves no file behind when it fails the package" no_program_folder
+    promise "a failed adapter leaves no file when it fails the package" no_program_folder
 
     unplug "$gigabit"
     install "$package" FAILONFAILURE=1
-    promise "a failure of an earlier run fails nothing later" ends_with 0
-    promise "a failure of an earlier run is not taken for a new one" logged 'Install is not recorded: no adapter was matched'
+    promise "a failure of an earlier run does not fail a later one" ends_with 0
+    promise "a failure of an earlier run does not count as a new one" logged 'Install is not recorded: no adapter was matched'
     remove "$package"
 }
 
@@ -135,11 +135,11 @@ failed_upgrade() {
     install "$package"
     kit=$work/no-driver
     package_kit "$newer"
-    # The older version's driver file stays where it is: that it is there is no success of the new one.
+    # The older version's driver file stays where it is: that does not make the new one a success.
     install "$kit_package" FAILONFAILURE=1
     promise "an upgrade that fails ends with 1603" ends_with 1603
-    # The engine of Windows brings the old version back. The one here takes it away in a transaction of its own, so that
-    # only the new version's part can be seen.
+    # The engine of Windows restores the old version. Wine's removes it in a separate transaction, so only the new version's
+    # part is visible.
     promise "an upgrade that fails leaves nothing of the new version" no_program_folder
     promise "an upgrade that fails is not on the system's list" no_product "$newer"
 }
@@ -157,12 +157,12 @@ needed_restart() {
     promise "a needed restart is logged" logged 'RebootNeeded is recorded: a restart is asked for'
     promise "the driver is installed before the restart" bound "$gigabit" ngea62x64
     install "$kit_package"
-    promise "a second installation asks for no second restart" ends_with 0
+    promise "a second installation requests no second restart" ends_with 0
     install "$kit_package" REINSTALL=ALL REINSTALLMODE=amus
     promise "a repair that needs a restart ends with 3010" ends_with 3010
     rm -f -- "$program_folder/journal.txt"
     remove "$kit_package"
-    promise "a removal asks for no restart" ends_with 0
+    promise "a removal requests no restart" ends_with 0
 }
 
 # What the uninstaller's data and the result values say; the machine's own before a run that is rolled back.
@@ -226,7 +226,7 @@ end_programs() {
 endless_program() {
     copy_kit endless
     cp -- "$doubles/NetInst.dll" "$kit/"
-    # A system that the program knows and has no way of serving: its hidden dialog stays for ever.
+    # A system that the program knows but has no flow for: its hidden dialog stays for ever.
     printf '[Answers]\r\nFamily=Windows NT\r\n' >"$kit/NetInst.answers.ini"
     package_kit
     watch_for_program &

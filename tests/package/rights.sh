@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Who has the driver step run and when, and who may say where the kit lies: a self-repair, repairs by an administrator and
+# Who can run the driver step and when, and who may set the kit's folder: a self-repair, repairs by an administrator and
 # by a standard user, properties of callers, a machine with another processor, what a watcher sees meanwhile.
 set -euo pipefail
 # shellcheck source=lib/package.sh
@@ -63,7 +63,7 @@ folders() {
     remove "$package"
 
     install "$package" 'KEPTFOLDER=C:\elsewhere'
-    promise "nobody but the registry says where the kit lay before" same_files "$dist" "$program_folder"
+    promise "only the registry says where the kit was before" same_files "$dist" "$program_folder"
     remove "$package"
     install "$package" 'VendorFolder=C:\elsewhere'
     promise "the folder above the kit cannot be moved" same_files "$dist" "$program_folder"
@@ -82,8 +82,8 @@ folders() {
 
 mode_is() { grep -qaxF "Property(S): REINSTALLMODE = $1" <(tr -d '\r' <"$log") || { say "  the mode is not $1"; return 1; }; }
 
-# The kit of the next version has an older driver than the one that lies in the folder. The engine here does not look at
-# the mode; that of Windows would keep a newer file without it.
+# The kit of the next version has an older driver than the one in the folder. The engine here ignores the mode; that of
+# Windows would keep a newer file without it.
 older_driver() {
     copy_kit older
     cp -- "$dist/Drv/WinXPx64/ngea.sys" "$kit/Drv/Win7x64/ngea62x64.sys"
@@ -120,7 +120,7 @@ watcher() {
     rm -- "$kit/Morvix.exe.hold"
     package_kit
     install "$kit_package"
-    promise "a mark of NetInst's from an earlier run asks for no restart" ends_with 0
+    promise "a NetInst mark from an earlier run requests no restart" ends_with 0
     rm -- "$program_folder/Morvix.exe.journal.txt"
     remove "$kit_package"
 }
@@ -135,7 +135,7 @@ other_processor() {
     promise "a caller cannot name another processor" ends_with 1603
     run_limited 60 wine reg add "$environment" /v PROCESSOR_ARCHITECTURE /d AMD64 /f >/dev/null 2>&1
     install "$package"
-    promise "the same machine with its own processor is served" ends_with 0
+    promise "the same machine with its own processor is accepted" ends_with 0
     run_limited 60 wine reg add "$environment" /v PROCESSOR_ARCHITECTURE /d ARM64 /f >/dev/null 2>&1
     remove "$package"
     promise "what is installed can be removed on any processor" no_program_folder

@@ -29,7 +29,7 @@ public:
     /// @return false when it has not come within `limitMilliseconds`.
     [[nodiscard]] bool WaitForLine(DWORD processId, const std::string& text, DWORD limitMilliseconds);
 
-    /// Forgets everything that was read so far.
+    /// Discards everything that was read so far.
     void Clear();
 
 private:
@@ -61,7 +61,7 @@ public:
     /// The messages traced so far, without the "Morvix: " that each line starts with.
     [[nodiscard]] std::vector<std::string> Messages();
 
-    /// Forgets the messages so far.
+    /// Discards the messages so far.
     void Clear() { m_output.Clear(); }
 
 private:

@@ -23,7 +23,7 @@ GuardedBuffer::GuardedBuffer(std::size_t size)
       m_size(size),
       m_begin(nullptr)
 {
-    // A page that nobody has on either side: reserved memory is no memory.
+    // An unallocated page on either side: the memory is only reserved.
     m_pages = static_cast<char*>(VirtualAlloc(nullptr, m_dataBytes + 2 * m_pageBytes, MEM_RESERVE, PAGE_NOACCESS));
     if (m_pages == nullptr || VirtualAlloc(m_pages + m_pageBytes, m_dataBytes, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
         throw std::runtime_error("no memory for a guarded buffer");

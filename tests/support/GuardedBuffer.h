@@ -4,8 +4,8 @@
 #include <span>
 #include <string>
 
-/// A buffer between pages that nobody may touch. Reading or writing one byte behind it ends the process; bytes in front
-/// of it, up to the page, are watched for writes.
+/// A buffer between inaccessible pages. Reading or writing one byte after it ends the process; bytes in front of it, up
+/// to the page, are checked for writes.
 class GuardedBuffer
 {
 public:

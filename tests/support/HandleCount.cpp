@@ -43,7 +43,7 @@ unsigned CountInSystemTable()
         }
         break;
     }
-    // The number of entries and a reserved word stand before them.
+    // The number of entries and a reserved word precede them.
     const auto* entries = reinterpret_cast<const HandleEntry*>(table.data() + 2);
     return static_cast<unsigned>(std::count_if(entries, entries + table.front(), [](const HandleEntry& entry) {
         return entry.processId == GetCurrentProcessId();

@@ -4,8 +4,8 @@
 
 #include "ImportSlot.h"
 
-/// Has a module's own calls of an imported function go to another one for the life of the object, as a platform
-/// would answer that is in a state which a test cannot bring about. Calls made inside other libraries are not touched.
+/// Redirects a module's own calls of an imported function to another one during the object's lifetime, to simulate
+/// platform states that a test cannot create. Calls made inside other libraries are not touched.
 class ImportOverride
 {
 public:
@@ -28,7 +28,7 @@ private:
 };
 
 /// The replacement of a function that lets calls through.
-/// @param before    Receives where the program's calls of `function` go now, for the replacement's use.
+/// @param before    Receives the current target of the program's calls of `function`, for the replacement.
 /// @param function  The function as the program calls it; that it is named here makes the program import it.
 /// @return the replacement's address, for an ImportOverride.
 template <class Function>

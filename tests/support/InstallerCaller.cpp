@@ -12,10 +12,10 @@
 
 /// Has the Windows Installer engine do what its command line, msiexec, has no words for; the end is the engine's
 /// answer.
-///   installer_caller LOG repair PRODUCT               repairs the whole product, as Programs and Features does
-///   installer_caller LOG heal PRODUCT                 repairs the feature, as the engine does when a key file is
-///   missing installer_caller LOG cancel PACKAGE PROPERTIES    installs, and presses Cancel when a step reports its
-///   time installer_caller LOG as-user COMMAND              runs a command line without the rights of an administrator
+///   installer_caller LOG repair PRODUCT             repairs the whole product, as Programs and Features does
+///   installer_caller LOG heal PRODUCT               repairs the feature, as the engine does for a missing key file
+///   installer_caller LOG cancel PACKAGE PROPERTIES  installs, and presses Cancel when a step reports its time
+///   installer_caller LOG as-user COMMAND            runs a command line without the rights of an administrator
 namespace {
 constexpr UINT kUsage = 0xFFFF;
 

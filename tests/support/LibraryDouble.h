@@ -6,7 +6,7 @@
 #include "ScratchDirectory.h"
 
 /// A library for this process that is found by its name: a copy of one of the doubles, in a folder that the loader
-/// looks through, with its answers and its journal. Goes away with the object, so whatever loads it ends first.
+/// looks through, with its answers and its journal. Removed by the destructor, so whatever loads it must end first.
 class LibraryDouble
 {
 public:

@@ -26,7 +26,7 @@ inline std::vector<LibraryTraceLine> ReadLibraryTrace(const std::string& path)
     const std::string content = ReadFileBytes(path);
     std::vector<LibraryTraceLine> lines;
     for (size_t start = 0; start < content.size();) {
-        // The file is a text file: a line feed is stored behind a carriage return.
+        // The file is a text file: a line feed is stored after a carriage return.
         const size_t end = content.find("\r\n", start);
         if (end == std::string::npos) {
             throw std::runtime_error("the last trace line has no end");
@@ -93,7 +93,7 @@ class LibraryTrace
 public:
     explicit LibraryTrace(uint32_t level = 3)
     {
-        // The installation of the invalid-parameter handler traces once per process: have it behind us.
+        // The installation of the invalid-parameter handler traces once per process: get it done.
         char room[2];
         OrvSafeCopy("LibraryTrace", __LINE__, room, sizeof(room), "");
         CloseTrace(OrvTrace());

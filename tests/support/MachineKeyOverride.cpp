@@ -12,7 +12,7 @@ MachineKeyOverride::MachineKeyOverride()
 {
     HKEY key = nullptr;
     if (RegCreateKeyA(HKEY_CURRENT_USER, kUserKey, &key) != ERROR_SUCCESS) {
-        throw std::runtime_error("the key for this process cannot be had");
+        throw std::runtime_error("the key for this process cannot be opened");
     }
     const UniqueRegKey owner(key);
     if (RegOverridePredefKey(HKEY_LOCAL_MACHINE, key) != ERROR_SUCCESS) {

@@ -7,8 +7,7 @@
 
 #include "ImportOverride.h"
 
-/// For the life of the object no request of this program's for that many bytes or more is granted. One object at a
-/// time.
+/// During the object's lifetime, this program's requests for that many bytes or more fail. One object at a time.
 class MemoryShortage
 {
 public:

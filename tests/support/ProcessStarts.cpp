@@ -13,7 +13,7 @@ std::vector<DWORD> waitLimits;
 std::vector<HANDLE> processes;
 std::vector<HANDLE> openHandles;
 
-// An event that is set, as a process or a thread is that has ended.
+// An event that is set, like a process or thread that has ended.
 HANDLE MakeEnded()
 {
     openHandles.push_back(CreateEventA(nullptr, TRUE, TRUE, nullptr));

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Short forms for tests that lay down and read registry values under HKEY_LOCAL_MACHINE. `key` is the path below it.
-/// Each writer creates the key when it is missing and throws std::runtime_error when it cannot.
+/// Short forms for tests that write and read registry values under HKEY_LOCAL_MACHINE. `key` is the path below it. Each
+/// writer creates the key when it is missing and throws std::runtime_error when it cannot.
 
 void SetRegistryText(const std::string& key, const std::string& name, const std::string& text, DWORD type = REG_SZ);
 void SetRegistryNumber(const std::string& key, const std::string& name, DWORD number);
@@ -20,7 +20,7 @@ void CreateVolatileRegistryKey(const std::string& key);
 
 [[nodiscard]] bool RegistryKeyExists(const std::string& key);
 
-/// A stored value as it lies in the registry: type and raw bytes.
+/// A stored value: type and raw bytes.
 struct RegistryValue
 {
     DWORD type = REG_NONE;
@@ -37,7 +37,7 @@ struct RegistryValue
 /// Deletes a key with everything below it; a missing key is no error.
 void DeleteRegistryTree(const std::string& key);
 
-/// A key that is gone before and after the object's life, with everything below it.
+/// A key that is deleted with everything below it by the constructor and the destructor.
 class ScratchRegistryKey
 {
 public:
@@ -51,7 +51,7 @@ private:
     std::string m_key;
 };
 
-/// Puts a value, or its absence, back at the end of the object's life.
+/// Restores a value, or its absence, in the destructor.
 class SavedRegistryValue
 {
 public:

@@ -42,7 +42,7 @@ bool WaitForState(SC_HANDLE service, DWORD state)
     return false;
 }
 
-/// Stops and removes the driver; also one that an earlier test program left behind.
+/// Stops and removes the driver; also one left by an earlier test program.
 void RemoveDriver()
 {
     const UniqueService manager = OpenManager();

@@ -7,17 +7,16 @@
 #include <string>
 #include <vector>
 
-/// What the adapter driver's private request is answered with.
+/// The adapter driver's answer to the private request.
 struct TestAdapterAnswer
 {
     uint32_t status = 0;            ///< status field
-    std::string data;               ///< bytes behind the header
+    std::string data;               ///< bytes after the header
     std::optional<uint32_t> length; ///< length field; the data's own length when not given
 };
 
 /// The driver of simulated network adapters, a real kernel driver, running as a service for the life of the object. Its
-/// devices answer requests with what the test lays down here, and it counts what it is asked. One at a time on a
-/// machine.
+/// devices answer requests as the test sets here, and it counts them. One at a time on a machine.
 class TestAdapterDriver
 {
 public:
@@ -40,7 +39,7 @@ public:
     TestAdapterDriver(const TestAdapterDriver&) = delete;
     TestAdapterDriver& operator=(const TestAdapterDriver&) = delete;
 
-    // What is laid down holds from the next request on. `ntStatus` 0 lets the request succeed again.
+    // A setting applies from the next request on. `ntStatus` 0 lets the request succeed again.
 
     void AnswerBootMode(const std::string& instanceId, uint32_t bootMode);
     void AnswerPrivateRequest(const std::string& instanceId, const TestAdapterAnswer& answer);
@@ -67,7 +66,7 @@ public:
     };
     [[nodiscard]] Asked WhatWasAsked(const std::string& instanceId = {}) const;
 
-    /// Closing a device is told to its driver some time after the program has closed it.
+    /// A driver learns of a closed device some time after the program has closed it.
     /// @return false when not everything that was opened gets closed within 5 seconds.
     [[nodiscard]] bool WaitUntilAllIsClosed(const std::string& instanceId = {}) const;
 

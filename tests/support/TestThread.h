@@ -8,8 +8,8 @@
 
 #include "Handles.h"
 
-/// A thread of a test. The compiler's runtime has no threads of its own, because the programs that it serves have to
-/// start on systems that lack what they need.
+/// A thread of a test. The compiler's runtime has no threads, because its programs must start on systems without the
+/// functions that they need.
 class TestThread
 {
 public:

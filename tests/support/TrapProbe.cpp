@@ -13,8 +13,8 @@ LONG WINAPI EndWithItsNumber(EXCEPTION_POINTERS* fault)
 }
 } // namespace
 
-/// A program compiled like the rooms that test programs link: "overflow" and "index" are ended at the spot, and
-/// everything else comes to its end with exit code 7.
+/// A program compiled like the rooms that test programs link: "overflow" and "index" end it at the spot, everything
+/// else gives exit code 7.
 int main(int argc, char** argv)
 {
     SetUnhandledExceptionFilter(EndWithItsNumber);

@@ -46,7 +46,7 @@ run_traced() {
     return "$status"
 }
 
-# holds_in_order TRACE LINES: the lines stand in the trace in this order, whatever stands between them.
+# holds_in_order TRACE LINES: the lines are in the trace in this order, with others between them or not.
 holds_in_order() {
     awk '
         { sub(/[ \r]+$/, "") }

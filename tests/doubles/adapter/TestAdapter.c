@@ -8,7 +8,7 @@
  *   RequestStatus      REG_DWORD  nonzero: NT status that the private request fails with
  *   AnswerStatus       REG_DWORD  status field of the private request's answer
  *   AnswerLength       REG_DWORD  length field of that answer
- *   AnswerData         REG_BINARY bytes behind the header of that answer
+ *   AnswerData         REG_BINARY bytes after the header of that answer
  *   DelayMilliseconds  REG_DWORD  the requests are answered that much later, after the driver has returned
  * Values that the driver counts up: Opens, Closes (of both devices), NameQueries, PrivateRequests; and that it writes:
  * LastOid, LastData (REG_BINARY).

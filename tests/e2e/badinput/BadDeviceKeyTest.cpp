@@ -1,4 +1,4 @@
-// Device keys and device values that hurt. In every run a good device stands behind the bad ones and is installed.
+// Malformed device keys and device values. In every run a good device follows the bad ones and is installed.
 
 #include <gmock/gmock.h>
 
@@ -15,10 +15,10 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-// It stands behind every other key; what a device is, its compatible IDs say.
+// It is after every other key; the compatible IDs say what a device is.
 constexpr char kGoodDevice[] = "VEN_5D1F&DEV_7A01&SUBSYS_00115D1A&REV_03";
 
-/// Letters beyond ASCII that the system's code page has; plain ones where it has none.
+/// Non-ASCII letters of the system's code page; plain ones where it has none.
 std::string HighLetters()
 {
     std::array<char, 32> text{};
@@ -141,7 +141,7 @@ TEST_F(BadDevices, WithoutARevisionThatNoInfListsEndTheRunAndLeaveWhatWasInstall
     EXPECT_EQ(ReadRegistryText(R"(SOFTWARE\Norda\Basedrivers)", "Tavunstl_source_path"), "<none>");
 }
 
-/// Writes a value as it lies in the registry, in wide characters, of any number of bytes.
+/// Writes a value as the registry stores it, in wide characters, of any number of bytes.
 void SetRawValue(const Adapter& adapter, DWORD type, const std::string& bytes)
 {
     const std::string path = R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + adapter.DeviceId() + R"(\3&11583659&0&C8)";

@@ -1,5 +1,5 @@
-// Directories and keys that loop, vanish or deny while a run is under way. A first device's install is held, the
-// machine is changed, and the run goes on.
+// Directories and keys that loop, vanish or deny access during a run. The first device's install is held, the machine
+// is changed, and the run continues.
 
 #include <gmock/gmock.h>
 
@@ -22,7 +22,7 @@ constexpr char kSecond[] = "VEN_5D1A&DEV_7A02&SUBSYS_00115D1A&REV_03";
 constexpr char kThird[] = "VEN_5D1A&DEV_7A03&SUBSYS_00115D1A&REV_03";
 constexpr char kEndOfWalk[] = "************ finished enumerating registry for devices\n";
 
-/// @return the name that the machine below Wine has for a path.
+/// @return the Unix path of a Wine path.
 std::string UnixName(const std::string& path)
 {
     using UnixNameFn = char*(CDECL*)(LPCWSTR);
@@ -33,7 +33,7 @@ std::string UnixName(const std::string& path)
     return name;
 }
 
-/// Runs a line of the machine below Wine and waits for its end, of which nothing but the file `done` tells.
+/// Runs a Unix shell line and waits for its end, which only the file `done` shows.
 void RunBelowWine(const std::string& line, const std::string& done)
 {
     std::string commandLine = "sh -c \"" + line + "; : > '" + UnixName(done) + "'\"";
@@ -56,8 +56,8 @@ void RunBelowWine(const std::string& line, const std::string& done)
     DeleteFileA(done.c_str());
 }
 
-/// A link in the file system, which may lead to nothing or to itself. It is gone at the end of the object's life,
-/// before anybody looks for everything that lies below it.
+/// A link in the file system, which may lead to nothing or to itself. The destructor removes it before anything below
+/// it is enumerated.
 class Link
 {
 public:
@@ -72,7 +72,7 @@ public:
     {
         const std::string targetPath = folder.At(target);
         if (RunsInWine()) {
-            // Wine has no links of its own; the machine below has.
+            // Wine cannot create links; Unix can.
             RunBelowWine("ln -s '" + UnixName(targetPath) + "' '" + m_unixPath + "'", m_done);
             return;
         }
@@ -131,7 +131,7 @@ TEST_F(LoopingDirectories, ADirectoryThatLeadsBackToItselfIsSearchedOnceForEachO
     EXPECT_TRUE(run.Traced(kEndOfWalk));
 }
 
-TEST_F(LoopingDirectories, ALinkToItselfAndALinkToNothingAreNoDirectories)
+TEST_F(LoopingDirectories, ALinkToItselfAndALinkToNothingAreNotDirectories)
 {
     WriteInf("one.inf", InfFor(kFirst));
     const Link loop(Folder(), "Loop", "Loop", Link::To::Directory);
@@ -205,7 +205,7 @@ private:
     std::unique_ptr<ProgramRun> m_run;
 };
 
-TEST_F(ChangingMachine, AnInfThatVanishesCostsItsDeviceAndNoOther)
+TEST_F(ChangingMachine, AnInfThatVanishesAffectsOnlyItsDevice)
 {
     StartAndHold();
     Folder().Remove("Inf\\two.inf");
@@ -244,7 +244,7 @@ TEST_F(ChangingMachine, ASetupIniThatVanishesLeavesTheDevicesThatFollowWithoutDi
     EXPECT_TRUE(run.Traced(kEndOfWalk));
 }
 
-TEST_F(ChangingMachine, ASetupIniThatIsDeniedStandsAsItWasReadInThisPass)
+TEST_F(ChangingMachine, ASetupIniThatIsDeniedKeepsItsContentForThisPass)
 {
     StartAndHold();
     const UniqueFile locked(CreateFileA(Folder().At("Morvix.ini").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
@@ -279,7 +279,7 @@ TEST_F(ChangingMachine, AnInfThatIsReplacedByNoiseIsRefusedFromTheNextDevice)
                                         InstallLine("Inf\\three.inf", kThird)));
 }
 
-TEST_F(ChangingMachine, AnInfThatIsDeniedIsSaidAndCostsItsDeviceAndNoOther)
+TEST_F(ChangingMachine, AnInfThatIsDeniedIsTracedAndAffectsOnlyItsDevice)
 {
     StartAndHold();
     const std::string path = Folder().At("Inf\\two.inf");
@@ -308,7 +308,7 @@ TEST_F(ChangingMachine, TheDeviceBeingInstalledMayVanishItself)
     DeleteRegistryTree(R"(SYSTEM\CurrentControlSet\Enum\PCI\)" + std::string(kFirst));
     const FinishedRun run = ReleaseAndFinish();
     EXPECT_EQ(run.exitCode, 0);
-    // The walk goes by index: what stood behind the vanished key has moved up by one, and the next run finds it.
+    // The walk uses an index: the key after the vanished one has moved up by one, and the next run finds it.
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kFirst), InstallLine("Inf\\three.inf", kThird)));
     EXPECT_TRUE(run.Traced(kEndOfWalk));
 }

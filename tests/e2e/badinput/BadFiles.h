@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// Contents that hurt, for setup INIs and INF files alike. `good` is the content that they are made from.
+/// Malformed contents, for setup INIs and INF files alike. `good` is the content that they are derived from.
 
 [[nodiscard]] std::string BinaryNoise(std::size_t bytes);
 /// 50 MB of comment lines.

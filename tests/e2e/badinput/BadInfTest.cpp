@@ -1,4 +1,4 @@
-// INF files that hurt: each is judged by what the platform reads from it, and the file behind it is still reached.
+// Malformed INF files: each is judged by what the platform reads from it, and the next file is still reached.
 
 #include <gmock/gmock.h>
 
@@ -22,7 +22,7 @@ struct BadInf
     const char* name;
     std::function<std::string(const std::string& good)> content;
     Verdict verdict;
-    bool portable = true; ///< every platform reads it alike; otherwise the verdict is Wine's
+    bool portable = true; ///< every platform reads it alike; otherwise as Wine does
 };
 
 void PrintTo(const BadInf& tested, std::ostream* out)

@@ -1,5 +1,4 @@
-// Setup INIs that hurt: what the platform reads from them counts, everything else is as if it were not there, and the
-// run comes to its end.
+// Malformed setup INIs: what the platform reads from them counts, everything else is ignored, and the run ends.
 
 #include <gmock/gmock.h>
 
@@ -145,7 +144,7 @@ TEST_F(BadIniRun, ADirectoryNameThatIsTooLongFindsNothingAndTheNextDirectoryIsSe
     for (const std::size_t length : {std::size_t{259}, std::size_t{260}, std::size_t{480}}) {
         const std::string longName(length, 'd');
         Folder().WriteSetupIni({"InfDir=" + longName, "InfDir=Inf"});
-        // Read by its key, so it may stand behind the part of the section that is read.
+        // Read by its key, so it may be after the part of the section that is read.
         Folder().WriteSetupIni({"InfDir=" + longName, "InfDir=Inf", std::string("InfSectionName=") + kModelSection});
         const FinishedRun run = RunMorvix("/s /nr");
         EXPECT_EQ(run.exitCode, 0) << length;
@@ -157,7 +156,7 @@ TEST_F(BadIniRun, ADirectoryNameThatIsTooLongFindsNothingAndTheNextDirectoryIsSe
     EXPECT_THAT(Installs(), ElementsAre(line, line, line));
 }
 
-TEST_F(BadIniRun, ADirectoryNameOf32767CharactersIsCutWithItsSectionAndWhatStandsInFrontOfItCounts)
+TEST_F(BadIniRun, ADirectoryNameOf32767CharactersIsCutWithItsSectionAndTheLinesBeforeItCount)
 {
     const std::string longName(32767, 'd');
     Folder().WriteSetupIni({std::string("InfSectionName=") + kModelSection, "InfDir=Inf", "InfDir=" + longName});
@@ -181,7 +180,7 @@ TEST_F(BadIniRun, AModelSectionNameOf259CharactersIsTheLongestThatCounts)
     EXPECT_TRUE(run.Traced("added section name: " + longest + "\n"));
     ExpectInstalled();
 
-    // One of 260 is cut, and the name that is left stands in no INF.
+    // One of 260 is cut, and the rest of the name is in no INF.
     const std::string tooLong(260, 'm');
     WriteInf("one.inf", Replaced(inf, longest, tooLong));
     Folder().WriteSetupIni({"InfSectionName=" + tooLong, "InfDir=Inf"});

@@ -31,7 +31,7 @@ Verdict VerdictByThePlatform(const std::string& path, const std::string& deviceI
     const std::string lines(section.data(), size);
     std::istringstream text(lines);
     for (std::string line; std::getline(text, line, '\0');) {
-        // No more of a line is looked at.
+        // The rest of a line is ignored.
         if (line.substr(0, 1999).ends_with("PCI\\" + deviceId)) {
             return Verdict::Serves;
         }

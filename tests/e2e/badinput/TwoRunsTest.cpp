@@ -1,4 +1,4 @@
-// Several runs at the same moment: one of them works, and the others say why they do not.
+// Several runs at the same moment: one of them installs, and the others say why they do not.
 
 #include <gmock/gmock.h>
 
@@ -24,7 +24,7 @@ protected:
 TEST_F(SeveralRuns, AtTheSameMomentInstallTheDeviceOnce)
 {
     constexpr int kRuns = 4;
-    // The one that works stays until all have decided.
+    // The one that installs stays until all have decided.
     Folder().Answer("NetInst", "HoldInstall1", "1");
     std::vector<std::unique_ptr<ProgramRun>> runs;
     for (int number = 0; number < kRuns; ++number) {

@@ -101,8 +101,8 @@ ExpectedDriver DriverFor(const MatrixRow& row)
 // Every qualified INF goes to the store when it is reached, and the search ends at the first that lists the adapter.
 std::vector<std::string> StoredInfs(const MatrixRow& row)
 {
-    const std::string behind = std::string(row.system->kit.number) + "x64.inf";
-    const std::vector<std::string> upToTheMatch = {"nf6a" + behind, "ngea" + behind};
+    const std::string ending = std::string(row.system->kit.number) + "x64.inf";
+    const std::vector<std::string> upToTheMatch = {"nf6a" + ending, "ngea" + ending};
     if (HasServedAdapter(row.machine)) {
         return row.options->forceInfScan ? std::vector<std::string>{kSpareInf} : upToTheMatch;
     }
@@ -111,11 +111,11 @@ std::vector<std::string> StoredInfs(const MatrixRow& row)
         all.emplace_back(kSpareInf);
     }
     all.insert(all.end(), upToTheMatch.begin(), upToTheMatch.end());
-    all.insert(all.end(), {"ngp1" + behind, "nxga" + behind, "qdatdma.inf"});
+    all.insert(all.end(), {"ngp1" + ending, "nxga" + ending, "qdatdma.inf"});
     return all;
 }
 
-// A driver that could not be installed is a failure, also where an older one's file is on the system.
+// A driver that could not be installed is a failure, even when an older driver file is on the system.
 void ExpectResult(const MatrixRow& row, ExpectedRun& expected)
 {
     if (row.machine == Machine::Match) {
@@ -148,7 +148,7 @@ void ExpectDevicePass(const MatrixRow& row, ExpectedRun& expected)
     ExpectResult(row, expected);
 }
 
-// The NT flow shows how it went to whoever watches: a user, or an OEM's own installation.
+// The NT flow shows the result to whoever watches: a user, or an OEM's own installation.
 void ExpectWindowsNT(const MatrixRow& row, ExpectedRun& expected)
 {
     expected.hardwareScans = 2;
@@ -162,8 +162,8 @@ void ExpectWindowsNT(const MatrixRow& row, ExpectedRun& expected)
     expected.lastText = expected.driver.empty() ? kTextNoAdapter : refused ? kTextSomeFailed : kTextDone;
 }
 
-// These systems stage their files after the pass, in the directory of their own, as nothing could be copied: they have
-// no drivers. For that the directories are looked up twice more.
+// These systems stage their files after the pass, in the fallback directory, since nothing could be copied: they have
+// no drivers. That reads the directories twice more.
 void ExpectWindows9x(const MatrixRow& row, ExpectedRun& expected)
 {
     expected.directoryLookUps += 2;
@@ -206,7 +206,7 @@ ExpectedRun ExpectedOf(const MatrixRow& row)
             expected.welcome.push_back(kTextAdvice);
         }
     }
-    // No machine here gives a reason for a restart, so only the option that wants one in any case gets it.
+    // No machine here has a reason for a restart, so only the forcing option restarts.
     expected.restart = mode == Mode::SilentRestart;
     ExpectDevicePass(row, expected);
     if (row.system->flow == Flow::WindowsNT) {

@@ -5,8 +5,7 @@
 
 #include "MatrixRow.h"
 
-// What somebody who knows the rules expects of a run. Written from the rules and for this purpose: nothing here is
-// shared with the program.
+// What the rules expect of a run. Written independently of the program: nothing is shared with it.
 
 /// The adapter that the kit serves, by an INF of the PCI Express family that lists its whole name.
 inline constexpr char kServedDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01";
@@ -16,7 +15,7 @@ inline constexpr char kUnknownDevice[] = "VEN_5D1A&DEV_7FFF&SUBSYS_00015D1A&REV_
 /// directory that is searched before the kit's.
 inline constexpr char kSpareInf[] = "nxgaspare.inf";
 
-/// How a run comes to its end.
+/// How a run ends.
 enum class End
 {
     Help,           ///< before anything is done
@@ -65,7 +64,7 @@ struct ExpectedRun
     bool installed = false;              ///< the adapter has the driver afterwards
     std::vector<std::string> storedInfs; ///< INF files handed to the system's store, in order
 
-    std::vector<ExpectedFile> filesBefore; ///< driver files that lie on the system from the start
+    std::vector<ExpectedFile> filesBefore; ///< driver files that are on the system from the start
     std::vector<ExpectedFile> filesAfter;  ///< those there at the end
     std::string result;                    ///< "SUCCESS", "FAILURE" or empty when none is recorded
     ExpectedFile versionFile;              ///< the file whose version a success records

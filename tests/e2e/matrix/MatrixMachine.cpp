@@ -116,7 +116,7 @@ Machine FolderKind(const MatrixRow& row)
     return ownFolder ? row.machine : Machine::Match;
 }
 
-// Names and sizes of everything below a run folder but what doubles write and are told.
+// Names and sizes of everything below a run folder except the doubles' journals and answers.
 std::vector<std::string> ContentOf(const std::string& folder)
 {
     std::vector<std::string> content;
@@ -232,7 +232,7 @@ RunFolder& MatrixFolders::For(const MatrixRow& row)
     const std::unique_ptr<RunFolder>& folder = made.folder;
     DeleteFileA(folder->At("journal.txt").c_str());
     if (kind == Machine::InterfaceRefuses) {
-        // A double says of every system what it is told to say.
+        // A double reports the configured answer on every system.
         folder->Answer("NetInst", "Family", row.system->family);
         folder->Answer("NetInst", "ProberStatus", row.system->flow == Flow::Refused ? kNotServed : "0");
     }

@@ -30,8 +30,8 @@ private:
     std::map<Machine, Made> m_folders;
 };
 
-/// A clean machine with the row's system, adapter and driver files, for the life of the object. A restart flag and the
-/// leftovers of an earlier run are on it.
+/// A clean machine with the row's system, adapter and driver files, for the life of the object. It has a restart flag
+/// and other leftovers of an earlier run.
 class MatrixMachine
 {
 public:

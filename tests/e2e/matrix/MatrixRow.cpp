@@ -6,7 +6,7 @@
 #include <utility>
 
 namespace {
-// Systems without drivers have the files of some kit lying about all the same.
+// Systems without drivers still have the files of some kit.
 constexpr KitSystem kSomeKit = {"WinVistax64", "60"};
 
 MatrixSystem Unserved(const char* name, const SystemVersion& version, const char* family, unsigned refusal)
@@ -87,7 +87,7 @@ const std::vector<MatrixSystem> kMatrixSystems = {
     // Shares its section and its line with the workstation.
     Served("Windows8Server", {nullptr, "6.2", "9200", "ServerNT"}, "Windows Vista", "osWINEIGHT32E detected\n",
            "Win832E", "Norda.NTamd64.6.2", kKit8),
-    // The program claims no later system than 6.2, so this is what it is told.
+    // The program's manifest names no later system than 6.2, so the platform reports this.
     Served("Windows10", {"win10", "10.0", "19045", "WinNT"}, "Windows Vista", "osWINEIGHT32E detected\n", "Win832E",
            "Norda.NTamd64.6.2", kKit8),
 };
@@ -125,17 +125,17 @@ const std::vector<MatrixOptions> kMatrixOptions = {
     // Restart options mean nothing outside a silent run.
     {"r", "/r", Mode::Interactive, false, true},
     {"NR_m", "/NR /m", Mode::Installer, false, true},
-    // No option in a mixture of cases, with a wrong sign or with more behind it.
+    // Mixed case, a wrong sign, or extra characters: not an option.
     {"Md", "/Md", Mode::Interactive, false, true},
     {"s_Nr_mD", "/s /Nr /mD", Mode::Silent, false, true},
     {"silent", "/silent", Mode::Interactive, false, true},
     {"minus_s", "-s", Mode::Interactive, false, false},
-    // A slash and a digit are a value; what stands before the first option is ignored, and values change nothing.
+    // A slash and a digit are a value; what comes before the first option is ignored, and values change nothing.
     {"digit", "/1", Mode::Interactive, false, false},
     {"value_S", "value /S", Mode::Silent, false, true},
     {"s_digit_m_value_n", "/s /1 /m value more /n", Mode::SilentInstaller, true, true},
     {"s_s_s", "/s /S /s", Mode::Silent, false, true},
-    // Help ends the run whatever else is asked for.
+    // Help ends the run regardless of other options.
     {"h", "/h", Mode::Help, false, true},
     {"s_H_n", "/s /H /n", Mode::Help, false, true},
     {"md_question", "/md /?", Mode::Help, false, true},

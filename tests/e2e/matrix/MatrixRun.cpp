@@ -151,7 +151,7 @@ void MatrixRun::UseDialog(const ProgramRun& run) const
         ExpectOnlyTheseButtons(window, {IDOK, IDCANCEL});
         window.Press(IDOK);
     }
-    // The work goes on for a moment behind the last buttons.
+    // The work continues for a moment after the last buttons.
     run.WaitForTrace("Exit -> InstallDrivers()");
     if (m_expected.end == End::FinishButton) {
         window.WaitUntilOffered(ProgressWindow::kFinish);

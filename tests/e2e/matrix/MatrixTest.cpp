@@ -1,6 +1,6 @@
 // Every system, every set of options and every kind of machine against each other: exit code, dialog, registry, files,
-// restart and what is told of the run. With MORVIX_FULL_MATRIX in the environment all of them run, else a choice in
-// which every two of them that may matter to each other meet.
+// restart and trace. With MORVIX_FULL_MATRIX in the environment all of them run, else a choice in which every two of
+// them that may matter to each other meet.
 
 #include <gmock/gmock.h>
 
@@ -26,11 +26,11 @@ std::vector<std::string> LinesAboutOptions(const FinishedRun& run)
 std::vector<std::string> InfsHandedToTheStore(const FinishedRun& run)
 {
     const std::string before = "Adding INF ";
-    const std::string behind = "to vector\n";
+    const std::string after = "to vector\n";
     std::vector<std::string> names;
     for (const std::string& line : run.Messages()) {
-        if (line.starts_with(before) && line.ends_with(behind)) {
-            names.push_back(line.substr(before.size(), line.size() - before.size() - behind.size()));
+        if (line.starts_with(before) && line.ends_with(after)) {
+            names.push_back(line.substr(before.size(), line.size() - before.size() - after.size()));
         }
     }
     return names;

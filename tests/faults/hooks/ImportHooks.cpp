@@ -55,7 +55,7 @@ std::string Narrow(const wchar_t* wide)
 std::string PartText(LabelPart part, std::uint64_t value)
 {
     const void* const pointer = std::bit_cast<const void*>(value);
-    // Numbers below 64 KiB stand where other calls have names.
+    // Numbers below 64 KiB take the place of names.
     const bool isName = value > 0xFFFF;
     switch (part) {
         case LabelPart::None:

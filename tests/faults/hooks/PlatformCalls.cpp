@@ -174,7 +174,7 @@ constexpr std::array kCalls = std::to_array<PlatformCall>({
     Of(Sure, "PeekMessageA"),
     Of(Sure, "PostQuitMessage"),
     Of(Unused, "LoadStringA"),
-    // Made only when the message queue takes no more.
+    // Made only when the message queue is full.
     Of(Unused, "SendNotifyMessageA"),
 
     // Devices

@@ -14,7 +14,7 @@ enum class CallKind
     Fails,   ///< can fail: the tests make it fail
     Sure,    ///< gives an answer in every case
     Runtime, ///< the language runtime's own: starting, ending, text, numbers, locks
-    Unused,  ///< stands in the table for parts that no run comes to; a run that calls it makes the tests fail
+    Unused,  ///< listed for parts that no run reaches; a run that calls it makes the tests fail
     Data,    ///< not a function
 };
 

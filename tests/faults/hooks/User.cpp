@@ -4,7 +4,7 @@
 
 namespace {
 constexpr int kFinishButton = 1002, kRestartLaterButton = 1007;
-// Posted behind everything that the install thread has posted.
+// Posted after everything that the install thread has posted.
 constexpr UINT kInstallOver = WM_APP + 0x77;
 constexpr DWORD kLimit = 30000;
 

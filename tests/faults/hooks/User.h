@@ -2,9 +2,8 @@
 
 #include <windows.h>
 
-/// Whoever sits at the machine, and what the system does to a program that asks for a restart. With a plan that is
-/// interactive the user presses OK and later the finish button; a dialog that nothing will ever close is closed so that
-/// the run ends, and that is reported.
+/// The user, and the system's reaction to a restart request. With a plan that is interactive the user presses OK and
+/// later the finish button; a dialog that nothing will ever close is closed so that the run ends, and that is reported.
 
 void TellDialog(HWND dialog);
 /// @param thread  The install thread, or null when none was made.

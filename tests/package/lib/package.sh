@@ -71,7 +71,7 @@ plug_in() {
     import_registry "$work/adapters.reg"
 }
 
-# unplug ADAPTER...: the adapters are gone, and the files of their drivers with them.
+# unplug ADAPTER...: removes the adapters and their driver files.
 unplug() {
     local adapter
     for adapter in "$@"; do
@@ -129,7 +129,7 @@ install() { run_msi /i "$(windows_path "$1")" "${@:2}"; }
 
 remove() { run_msi /x "$(windows_path "$1")" "${@:2}"; }
 
-# call_installer NAME ARGUMENT...: has the engine do what msiexec has no words for; `exit_code` is its answer's lowest byte,
+# call_installer NAME ARGUMENT...: makes the engine do what msiexec cannot; `exit_code` is the lowest byte of its result,
 # `log` the run's log.
 call_installer() {
     exit_code=0 log=$work/$1.log

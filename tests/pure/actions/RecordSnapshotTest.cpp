@@ -26,7 +26,7 @@ TEST(RecordSnapshot, ComesBackAsItWas)
     EXPECT_EQ(DecodeSnapshot(EncodeSnapshot({})), RecordSnapshot());
 }
 
-TEST(RecordSnapshot, AnEmptyKeyOrFileIsNoMissingOne)
+TEST(RecordSnapshot, AnEmptyKeyOrFileIsNotAMissingOne)
 {
     RecordSnapshot snapshot;
     snapshot.results.emplace();

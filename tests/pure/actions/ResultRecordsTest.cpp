@@ -21,7 +21,7 @@ TEST(ResultRecords, FailuresOfTheRunAndOfFamiliesAreFailureRecords)
     EXPECT_TRUE(IsFailureRecord("TAVF_Install", "FAILURE"));
 }
 
-TEST(ResultRecords, SuccessesAndOtherValuesAreNone)
+TEST(ResultRecords, SuccessesAndOtherValuesAreNotFailureRecords)
 {
     EXPECT_FALSE(IsFailureRecord("Install", "SUCCESS"));
     EXPECT_FALSE(IsFailureRecord("Install", "failure"));

@@ -33,13 +33,13 @@ ResultRecords Failure()
 }
 } // namespace
 
-TEST(StepReport, ASuccessTellsTheVersion)
+TEST(StepReport, ASuccessNamesTheVersion)
 {
     EXPECT_THAT(StepReport(Request(false), kGoodEnd, Success()),
                 ElementsAre("the program ended with exit code 0", "Install = SUCCESS, Version = 11.4.62.0"));
 }
 
-TEST(StepReport, NoAdapterIsNoFailureEvenWhenFailuresFailThePackage)
+TEST(StepReport, NoAdapterIsNotAFailureEvenWhenFailuresFailThePackage)
 {
     EXPECT_FALSE(StepHasFailed(kGoodEnd, {}));
     EXPECT_THAT(StepReport(Request(true), kGoodEnd, {}),
@@ -111,7 +111,7 @@ TEST(StepReport, AFailureFailsThePackageOnlyWhenTheCallerAskedForThat)
     EXPECT_EQ(StepError(Request(true), kGoodEnd), "the drivers were not installed");
 }
 
-TEST(StepReport, ANeededRestartIsNoFailure)
+TEST(StepReport, ANeededRestartIsNotAFailure)
 {
     ResultRecords records = Success();
     records.restartNeeded = true;

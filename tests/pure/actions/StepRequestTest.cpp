@@ -29,7 +29,7 @@ TEST(StepRequest, OneSwitchesOn)
     EXPECT_EQ(request.program, "D:\\kit\\Morvix.exe");
 }
 
-TEST(StepRequest, EachSwitchStandsForItself)
+TEST(StepRequest, EachSwitchIsIndependent)
 {
     EXPECT_TRUE(Read("C:\\a.exe|1|0|1").oemVariant);
     EXPECT_FALSE(Read("C:\\a.exe|1|0|1").failOnFailure);

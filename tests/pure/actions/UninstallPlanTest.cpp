@@ -14,7 +14,7 @@ TEST(UninstallPlan, TheUninstallDataIsTheCopyInTheSystemDirectory)
     EXPECT_EQ(PlanUninstall(R"(C:\windows\system32)").dataFile, R"(C:\windows\system32\Morvix.din)");
 }
 
-TEST(UninstallPlan, AnUninstallerThatTakesTooLongIsSaidToRunOn)
+TEST(UninstallPlan, AnUninstallerThatTakesTooLongIsReportedAsStillRunning)
 {
     EXPECT_EQ(UninstallTimeError(30),
               "the uninstaller did not end within 30 seconds and was left running: it may still be removing drivers");

@@ -37,7 +37,7 @@ TEST(WaitProgress, TimeBeyondTheLimitAddsNothing)
     EXPECT_EQ(progress.TicksAfter(0), 0U);
 }
 
-TEST(WaitProgress, TheTextTellsTheTimeAndTheLimit)
+TEST(WaitProgress, TheTextGivesTheTimeAndTheLimit)
 {
     EXPECT_EQ(WaitProgress(900).Text(30), "30 of at most 900 seconds");
 }

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-TEST(DriverInstallRecord, FieldsLieWhereTheInstallerLibraryReadsThem)
+TEST(DriverInstallRecord, FieldsAreWhereTheInstallerLibraryReadsThem)
 {
     DriverInstallRecord record;
     const auto* bytes = reinterpret_cast<const char*>(&record);

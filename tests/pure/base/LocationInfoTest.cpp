@@ -40,7 +40,7 @@ TEST(LocationInfo, SetupDirectoryEndsBeforeTheLastBackslash)
     EXPECT_EQ("", DirectoryOf("", NoLeadBytes));
 }
 
-TEST(LocationInfo, SecondByteThatLooksLikeABackslashIsNone)
+TEST(LocationInfo, SecondByteThatLooksLikeABackslashIsNotOne)
 {
     for (const CodePage& page : kBackslashCodePages) {
         const std::string letter(page.letter);

@@ -15,7 +15,7 @@ constexpr std::array<AgentLibrary, 3> kLibraries{{
 }};
 } // namespace
 
-TEST(AgentLibraries, AreFoundByShortNameWithoutRegardToLetterCase)
+TEST(AgentLibraries, AreFoundByShortNameIgnoringLetterCase)
 {
     EXPECT_EQ(FindAgentLibrary(kLibraries, "NetShell"), kLibraries.data());
     EXPECT_EQ(FindAgentLibrary(kLibraries, "nETsHELL"), kLibraries.data());
@@ -50,7 +50,7 @@ TEST(AgentLibraries, ThePathTakesTheExtensionAndOneBackslash)
     EXPECT_EQ(AgentLibraryPath(R"(\\s)", "File", NoLeadBytes), R"(\\s\File.DLL)");
 }
 
-TEST(AgentLibraries, ADirectoryThatIsNoFullPathGivesNoPath)
+TEST(AgentLibraries, ADirectoryThatIsNotAFullPathGivesNoPath)
 {
     for (const char* directory : {"", ".", "Dir", R"(\Dir)", "C:", "C:Dir", R"(1:\Dir)", R"(\\)", R"(%Dir%\x)"}) {
         EXPECT_EQ(AgentLibraryPath(directory, "File", NoLeadBytes), std::nullopt) << directory;

@@ -71,7 +71,7 @@ TEST(BoundedCopy, ReadsAnOverlongSourceNoFurtherThanTheDestinationIsLong)
     EXPECT_EQ(OrvBoundedCopy(buffer.data(), buffer.size(), unterminated.data()), 34);
 }
 
-TEST(BoundedAppend, AppendsBehindTheText)
+TEST(BoundedAppend, AppendsToTheText)
 {
     std::vector<char> buffer = Buffer(10, "abc");
     EXPECT_EQ(OrvBoundedAppend(buffer.data(), buffer.size(), "defghi"), 0);

@@ -46,7 +46,7 @@ TEST(TextType, ASpaceIsSymbolicAndSoNotAllowedAmongLetters)
     EXPECT_FALSE(OrvIsTextOfType("two words", 1));
 }
 
-TEST(TextType, BytesOfNoClassAreWelcomeAmongLetters)
+TEST(TextType, BytesOfNoClassAreAllowedAmongLetters)
 {
     EXPECT_TRUE(OrvIsTextOfType("caf\xE9", 1));
 }

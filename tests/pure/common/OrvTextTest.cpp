@@ -32,7 +32,7 @@ TEST(SplitText, TheEmptyTextAndATextWithoutSeparatorGiveNoParts)
     EXPECT_THAT(OrvSplitText("abc", ','), IsEmpty());
 }
 
-TEST(SplitText, PartsAreWhatStandsBetweenSeparators)
+TEST(SplitText, PartsAreTheTextsBetweenSeparators)
 {
     EXPECT_THAT(OrvSplitText("a,b,c", ','), ElementsAre("a", "b", "c"));
 }

@@ -94,7 +94,7 @@ TEST(TraceLine, AMessageThatCouldNotBeFormattedEndsWhereTheTextEnds)
     EXPECT_EQ(Compose(line, 4, "half", -1), "pppphalf\n");
 }
 
-TEST(TraceLine, TheLineFeedNeverStandsBeyondPosition1150)
+TEST(TraceLine, TheLineFeedIsNeverBeyondPosition1150)
 {
     for (const size_t prefixChars : {127U, 128U, 200U, 1149U, 1150U, 1151U}) {
         Line line{};
@@ -117,7 +117,7 @@ TEST(MessageAsFormat, ConversionsStayInterpreted)
     EXPECT_EQ(OrvMessageAsFormat("%I64X %hs", 4), "%I64X %hs");
 }
 
-TEST(MessageAsFormat, ConversionsBehindTheLastArgumentPrintAsThemselves)
+TEST(MessageAsFormat, ConversionsAfterTheLastArgumentPrintAsThemselves)
 {
     EXPECT_EQ(OrvMessageAsFormat("%d%d%d", 2), "%d%d%%d");
     EXPECT_EQ(OrvMessageAsFormat("%d%d%d", 1), "%d%%d%%d");
@@ -125,17 +125,17 @@ TEST(MessageAsFormat, ConversionsBehindTheLastArgumentPrintAsThemselves)
     EXPECT_EQ(OrvMessageAsFormat("%*.*d", 3), "%*.*d");
 }
 
-TEST(MessageAsFormat, AConversionThatStoresIsTakenOut)
+TEST(MessageAsFormat, AConversionThatStoresIsRemoved)
 {
     EXPECT_EQ(OrvMessageAsFormat("5% now", 4), "5ow");
     EXPECT_EQ(OrvMessageAsFormat("%n%lnx", 4), "x");
 }
 
-TEST(MessageAsFormat, ANulIsNoPartOfAConversion)
+TEST(MessageAsFormat, ANulIsNotPartOfAConversion)
 {
-    const std::string nulBehindASign("a%\0d", 4);
-    EXPECT_EQ(OrvMessageAsFormat(nulBehindASign, 0), std::string("a%%\0d", 5));
-    EXPECT_EQ(OrvMessageAsFormat(nulBehindASign, 4), nulBehindASign);
+    const std::string nulAfterASign("a%\0d", 4);
+    EXPECT_EQ(OrvMessageAsFormat(nulAfterASign, 0), std::string("a%%\0d", 5));
+    EXPECT_EQ(OrvMessageAsFormat(nulAfterASign, 4), nulAfterASign);
 }
 
 TEST(MessageAsFormat, APercentSignAtTheEndStays)

@@ -28,7 +28,7 @@ Polling Poll(int pendingLooks, ServicePoll then)
 }
 } // namespace
 
-TEST(ServicePolling, AServiceThatIsThereIsLookedAtOnceWithoutWaiting)
+TEST(ServicePolling, AServiceInTheWantedStateIsReadOnceWithoutWaiting)
 {
     const Polling polling = Poll(0, ServicePoll::Reached);
     EXPECT_TRUE(polling.reached);
@@ -36,7 +36,7 @@ TEST(ServicePolling, AServiceThatIsThereIsLookedAtOnceWithoutWaiting)
     EXPECT_EQ(polling.waits, 0);
 }
 
-TEST(ServicePolling, WaitsBetweenLooks)
+TEST(ServicePolling, WaitsBetweenAttempts)
 {
     const Polling polling = Poll(3, ServicePoll::Reached);
     EXPECT_TRUE(polling.reached);
@@ -44,7 +44,7 @@ TEST(ServicePolling, WaitsBetweenLooks)
     EXPECT_EQ(polling.waits, 3);
 }
 
-TEST(ServicePolling, TheFiftyFirstLookIsTheLast)
+TEST(ServicePolling, TheFiftyFirstAttemptIsTheLast)
 {
     EXPECT_TRUE(Poll(50, ServicePoll::Reached).reached);
     const Polling polling = Poll(51, ServicePoll::Reached);

@@ -18,7 +18,7 @@ TEST(TwoByteText, ASecondByteIsNeverTheLastBackslash)
     EXPECT_EQ(LastBackslash("", NoLeadBytes), std::string_view::npos);
 }
 
-TEST(TwoByteText, ASecondByteIsNoBackslashAtTheEnd)
+TEST(TwoByteText, ASecondByteIsNotABackslashAtTheEnd)
 {
     for (const CodePage& page : kBackslashCodePages) {
         const std::string letter(page.letter);
@@ -29,7 +29,7 @@ TEST(TwoByteText, ASecondByteIsNoBackslashAtTheEnd)
     EXPECT_TRUE(EndsWithBackslash("\\", NoLeadBytes));
 }
 
-TEST(TwoByteText, ASecondByteAndABackslashAreNoDoubleBackslash)
+TEST(TwoByteText, ASecondByteAndABackslashAreNotADoubleBackslash)
 {
     for (const CodePage& page : kBackslashCodePages) {
         const std::string letter(page.letter);
@@ -79,7 +79,7 @@ TEST(TwoByteText, BytesThatAreNoUtf8AreCharactersOfTheirOwn)
     EXPECT_EQ(CutToBytes("\xE8\xE8\xA8\xAD", 3, kRule), "\xE8");
 }
 
-TEST(TwoByteText, ALeadByteWithoutItsSecondOneIsACharacterOfItsOwn)
+TEST(TwoByteText, ALeadByteWithoutItsSecondOneCountsAsACharacter)
 {
     EXPECT_EQ(CutToBytes("a\x83", 2, IsJapaneseLeadByte), "a\x83");
     EXPECT_EQ(CutToBytes("a\x83", 1, IsJapaneseLeadByte), "a");

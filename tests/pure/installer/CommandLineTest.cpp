@@ -94,7 +94,7 @@ TEST(CommandLine, RestartWinsOverNoRestart)
     EXPECT_EQ("silent forceReboot ", Flags(Decide({"/s", "/r", "/nr"}).options));
 }
 
-TEST(CommandLine, MixedSpellingsAreNoOptions)
+TEST(CommandLine, MixedSpellingsAreNotOptions)
 {
     EXPECT_EQ("", Flags(Decide({"/Md"}).options));
     EXPECT_EQ("silent ", Flags(Decide({"/s", "/mD", "/Nr"}).options));
@@ -108,7 +108,7 @@ TEST(CommandLine, ForcedScanCombinesWithEveryOtherOption)
     }
 }
 
-TEST(CommandLine, HelpEndsTheRunBeforeForcedScanIsLookedAt)
+TEST(CommandLine, HelpEndsTheRunBeforeForcedScanIsConsidered)
 {
     for (const char* help : {"/h", "/H", "/?"}) {
         const CommandLineDecision decision = Decide({"/s", help, "/n"});

@@ -81,7 +81,7 @@ TEST(EndOfRun, EveryCombinationOfFlagsAndNeedHasItsAction)
         seen.insert(unsigned{row.silent} << 4U | unsigned{row.force} << 3U | unsigned{row.suppress} << 2U |
                     unsigned{row.msi} << 1U | unsigned{row.needed});
         RunOptionsRecord options = Options(row.silent, row.force, row.suppress, row.msi);
-        // Neither the dialog's variant nor the scan of all INF files has a say.
+        // Neither the dialog's variant nor the scan of all INF files matters.
         for (const unsigned others : {0U, 1U, 2U, 3U}) {
             options.oemGui = (others & 1U) != 0;
             options.forceInfScan = others >> 1U != 0;
@@ -92,7 +92,7 @@ TEST(EndOfRun, EveryCombinationOfFlagsAndNeedHasItsAction)
     EXPECT_EQ(32U, seen.size());
 }
 
-TEST(EndOfRun, ForcedRestartRestartsWhateverWasFound)
+TEST(EndOfRun, ForcedRestartRestartsInAnyCase)
 {
     for (const bool msi : {false, true}) {
         EXPECT_EQ(RestartAction::Restart, DecideRestart(Options(1, 1, 0, msi), false));

@@ -9,7 +9,7 @@ TEST(InsertRules, AnInsertWithANumberFormatIsANumber)
     }
 }
 
-TEST(InsertRules, APlainInsertOrATextFormatIsNoNumber)
+TEST(InsertRules, APlainInsertOrATextFormatIsNotANumber)
 {
     for (const char* message : {"%1", "in %1 seconds", "%1!s!", "%1!S!", "%1!ls!", "%1!u! and %2", "%12", "%1!u", "%1!",
                                 "%1!!", "%1!!u!", "%9", "%%%1"}) {
@@ -17,7 +17,7 @@ TEST(InsertRules, APlainInsertOrATextFormatIsNoNumber)
     }
 }
 
-TEST(InsertRules, ATextWithoutInsertsHasNothingElseInIt)
+TEST(InsertRules, ATextWithoutInsertsMayBeGivenNumbers)
 {
     for (const char* message : {"", "no insert!", "%%1", "%0", "%n%r%t%b", "100%", "% 1"}) {
         EXPECT_TRUE(InsertsAreNumbers(message)) << message;

@@ -11,7 +11,7 @@ TEST(ProberStatus, EachKnownStatusHasItsMessage)
     EXPECT_EQ(kStringNotReady, MessageForProberStatus(0x80640011, "Windows Vista"));
 }
 
-TEST(ProberStatus, UnsupportedSystemSpeaksOfWindowsNtOnlyThere)
+TEST(ProberStatus, UnsupportedSystemNamesWindowsNtOnlyThere)
 {
     EXPECT_EQ(kStringWindowsNTUnsupported, MessageForProberStatus(0x80640013, "windows nt"));
     EXPECT_EQ(kStringSystemUnsupported, MessageForProberStatus(0x80640013, "Windows 98"));

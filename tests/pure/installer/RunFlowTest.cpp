@@ -9,7 +9,7 @@ TEST(RunFlow, FamiliesOfTheNtLineTakeTheNtFlow)
     }
 }
 
-TEST(RunFlow, LegacyFamiliesHaveFlowsOfTheirOwn)
+TEST(RunFlow, LegacyFamiliesHaveTheirOwnFlows)
 {
     EXPECT_EQ(RunFlow::WindowsMe, FlowForFamily("Windows Millenium"));
     EXPECT_EQ(RunFlow::Windows98, FlowForFamily("windows 98"));

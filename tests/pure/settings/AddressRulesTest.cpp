@@ -43,7 +43,7 @@ TEST(SubnetMask, EveryContiguousMaskFrom128IsValid)
     }
 }
 
-TEST(SubnetMask, OneBehindAZeroIsAGap)
+TEST(SubnetMask, OneAfterAZeroIsAGap)
 {
     EXPECT_EQ(JudgeSubnetMask(Address(255, 0, 255, 0)), MaskVerdict::OneAfterZero);
     EXPECT_EQ(JudgeSubnetMask(Address(255, 255, 255, 1)), MaskVerdict::OneAfterZero);

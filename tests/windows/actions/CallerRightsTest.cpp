@@ -45,7 +45,7 @@ TEST(CallerRights, AnAdministratorIsOne)
     EXPECT_TRUE(CallerIsAdministrator());
 }
 
-TEST(CallerRights, WhoActsWithoutTheAdministratorsGroupIsNone)
+TEST(CallerRights, AUserWithoutTheAdministratorsGroupIsNotOne)
 {
     {
         const StandardUser user;

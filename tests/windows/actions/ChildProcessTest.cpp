@@ -22,7 +22,7 @@ bool Continue(std::uint32_t)
 }
 } // namespace
 
-TEST(ChildProcess, TellsTheExitCodeOfAProgramThatEnded)
+TEST(ChildProcess, ReturnsTheExitCodeOfAProgramThatEnded)
 {
     const ScratchDirectory scratch;
     const std::string program = scratch.At("a program.exe");
@@ -37,7 +37,7 @@ TEST(ChildProcess, TellsTheExitCodeOfAProgramThatEnded)
     EXPECT_THAT(journal, HasSubstr("directory: " + scratch.Path() + "\n"));
 }
 
-TEST(ChildProcess, AProgramThatIsNotThereIsNotStarted)
+TEST(ChildProcess, AMissingProgramIsNotStarted)
 {
     const ScratchDirectory scratch;
     const ProgramEnd end = RunAndWait({scratch.At("none.exe"), "", scratch.Path()}, kLongEnough, Continue);

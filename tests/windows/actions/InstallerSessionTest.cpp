@@ -82,7 +82,7 @@ TEST_F(InstallerSessionWait, AProgramThatEndsFillsTheProgressBar)
     EXPECT_EQ(sum, static_cast<int>(kWaitTicks));
 }
 
-TEST_F(InstallerSessionWait, EverySliceTellsTheTimeAndMovesTheBar)
+TEST_F(InstallerSessionWait, EverySliceReportsTheTimeAndMovesTheBar)
 {
     const HeldProgram program;
 

@@ -54,7 +54,7 @@ LSTATUS WINAPI DeniedOpen(HKEY, const char*, DWORD, REGSAM, HKEY*)
 }
 } // namespace
 
-TEST_F(RecordRollback, TakesAwayWhatWasNotThereBefore)
+TEST_F(RecordRollback, RemovesWhatWasNotThereBefore)
 {
     const RecordSnapshot before = Now();
     RunLeavesRecords();
@@ -114,7 +114,7 @@ TEST_F(RecordRollback, ADataFileThatCannotBeSavedIsLeftAloneAndTheLogSaysSo)
     EXPECT_EQ(ReadFileBytes(File()), "of the run");
 }
 
-TEST_F(RecordRollback, NothingIsGuessedOfAKeyThatCannotBeRead)
+TEST_F(RecordRollback, NothingIsAssumedAboutAKeyThatCannotBeRead)
 {
     const ImportOverride denied("RegOpenKeyExA", reinterpret_cast<void*>(&DeniedOpen));
     EXPECT_THROW(static_cast<void>(TakeSnapshot(File())), std::runtime_error);

@@ -40,7 +40,7 @@ TEST_F(ResultKeyAccess, WithoutTheKeyNothingIsRecorded)
     EXPECT_FALSE(records.libraryNeedsRestart);
 }
 
-TEST_F(ResultKeyAccess, ForgettingDoesNotMakeTheKey)
+TEST_F(ResultKeyAccess, ForgettingDoesNotCreateTheKey)
 {
     ForgetEarlierFailures();
     EXPECT_FALSE(RegistryKeyExists(kKey));

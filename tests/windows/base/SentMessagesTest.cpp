@@ -81,7 +81,7 @@ TEST_F(SentMessages, PostedMessagesStayInTheQueue)
 namespace {
 int waitsWithoutTime = 0;
 
-/// A queue in which a sent message is always waiting. A caller that goes on after its time is told so in the end.
+/// A queue in which a sent message is always waiting. A caller that continues after its time eventually gets an error.
 DWORD WINAPI AlwaysAMessage(DWORD, const HANDLE*, BOOL, DWORD milliseconds, DWORD)
 {
     constexpr int kEnough = 10;

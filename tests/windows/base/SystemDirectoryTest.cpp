@@ -5,7 +5,7 @@
 
 #include <array>
 
-TEST(SystemDirectory, IsWhatThePlatformNamesWithoutATrailingBackslash)
+TEST(SystemDirectory, IsThePlatformsWithoutATrailingBackslash)
 {
     std::array<char, MAX_PATH> platform{};
     ASSERT_NE(GetSystemDirectoryA(platform.data(), MAX_PATH), 0u);

@@ -46,7 +46,7 @@ TEST(GuardedCopies, ReadNoFurtherThanTheDestinationIsLong)
     EXPECT_EQ(copy.Text(), "");
 }
 
-TEST(GuardedConversions, NeverWriteBehindTheTarget)
+TEST(GuardedConversions, NeverWriteBeyondTheTarget)
 {
     constexpr unsigned kWestern = 1252;
     for (const int room : {1, 2, 5, 6, 7}) {

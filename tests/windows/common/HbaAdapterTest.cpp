@@ -206,19 +206,19 @@ TEST_F(HbaProperties, ARecordThatTheLibraryDoesNotTouchStaysAsItWas)
     EXPECT_EQ(properties.Flags, 0u);
 }
 
-TEST_F(HbaProperties, NothingBehindTheRecordIsTouched)
+TEST_F(HbaProperties, NothingAfterTheRecordIsChanged)
 {
     Load();
     DebugValue("FcoE_RemoteBooted", 1);
     struct
     {
         NORDA_FCANDNICPROPERTIES record;
-        unsigned char behind[16];
+        unsigned char after[16];
     } guarded;
     std::memset(&guarded, 0x5A, sizeof(guarded));
     EXPECT_TRUE(hba->GetFCEthernetProperties(7, &guarded.record));
     EXPECT_EQ(guarded.record.Flags, kNordaRemoteBooted);
-    EXPECT_THAT(guarded.behind, ::testing::Each(0x5A));
+    EXPECT_THAT(guarded.after, ::testing::Each(0x5A));
 }
 
 TEST_F(HbaProperties, WithoutARecordTheLibraryIsNotAskedAndTheDebugValuesWriteNowhere)

@@ -19,7 +19,7 @@ constexpr char kTern[] = R"(SOFTWARE\NORDA\Network_Services\TERN)";
 /// @return how many handles 1,000 calls have added.
 int HandlesKept(const std::function<void()>& call)
 {
-    // What the platform sets up once is behind us after the first call.
+    // The first call is for what the platform sets up once.
     call();
     const unsigned before = CountOwnHandles();
     for (int i = 0; i < kCalls; ++i) {
@@ -58,7 +58,7 @@ const HelperRow kHelperRows[] = {
          EXPECT_EQ(helper.GetInstalledLanguage(text), -1);
      }},
     {"IsServiceRunning", [](CHelper& helper) { EXPECT_FALSE(helper.IsServiceRunning(kServiceNordaDCB)); }},
-    // Stopping a service that has stopped opens, asks and looks like any other stop, without the wait.
+    // Stopping a stopped service makes the same calls as any other stop, without the wait.
     {"StopServiceOfKind", [](CHelper& helper) { EXPECT_TRUE(helper.StopServiceOfKind(kServiceNordaDCB)); }},
     // A service that cannot be started fails after everything is open.
     {"StartServiceOfKind", [](CHelper& helper) { EXPECT_FALSE(helper.StartServiceOfKind(kServiceNordaDCB)); }},

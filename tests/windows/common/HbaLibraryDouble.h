@@ -14,7 +14,7 @@ inline constexpr wchar_t kAdapter[] = LR"(\DEVICE\{0001})";
 inline constexpr char kHbaMutexName[] = R"(Global\CHBAAPINTMUT)";
 
 /// An FCoE interface library for this process: a copy of one of the doubles, in a folder that the loader looks through,
-/// with its answers and its journal. Goes away with the object, so objects that load it end first.
+/// with its answers and its journal. Removed by the destructor, so objects that load it must end first.
 class HbaLibraryDouble
 {
 public:
@@ -63,7 +63,7 @@ private:
     return GetModuleHandleA("nordhapi.dll") != nullptr;
 }
 
-/// Makes the machine-wide mutex impossible to have, without waiting: an event has its name.
+/// Makes the machine-wide mutex unavailable without waiting: an event has its name.
 class NameTakenByAnEvent
 {
 public:

@@ -122,7 +122,7 @@ TEST(HbaLibrary, WithoutTheMutexInitFailsAtOnceAndLoadsNothing)
                                               "CHBAAPIInt::InitHBAAPIMod failed to acquire Mutex"));
 }
 
-TEST(HbaLibrary, WithoutTheMutexDeInitUnloadsAllTheSame)
+TEST(HbaLibrary, WithoutTheMutexDeInitStillUnloads)
 {
     const HbaLibraryDouble library;
     CHBAAPIInt hba;
@@ -256,7 +256,7 @@ TEST(HbaLibraryForAdapter, ALibraryWithoutThisEntryPointDoesNotChangeTheResult)
                             kExitingWithSuccess));
 }
 
-TEST(HbaLibraryForAdapter, ANullNameIsNotHandedOn)
+TEST(HbaLibraryForAdapter, ANullNameIsNotPassedOn)
 {
     const HbaLibraryDouble library;
     CHBAAPIInt hba;

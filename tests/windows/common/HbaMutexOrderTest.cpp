@@ -1,5 +1,5 @@
-// The order in which an operation gives back what it holds: the mutex is released before the operation says that it
-// ends, and closed after that.
+// The order in which an operation releases its resources: the mutex is released before the exit line, and closed after
+// it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -130,7 +130,7 @@ TEST_F(HbaMutexOrder, AnOperationThatTakesTheMutexReleasesThenSaysThatItEndsThen
                             Pair("close", "Exiting CHBAAPIInt::GetVportCount")));
 }
 
-TEST_F(HbaMutexOrder, WhereTheMutexIsNotHadNothingIsReleased)
+TEST_F(HbaMutexOrder, WithoutTheMutexNothingIsReleased)
 {
     ASSERT_TRUE(hba.InitHBAAPIMod());
     const UniqueHandle kept(CreateMutexA(nullptr, FALSE, kHbaMutexName));

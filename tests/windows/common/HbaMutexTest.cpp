@@ -113,7 +113,7 @@ TEST(HbaMutex, UnlockingWhatIsNotHeldLeavesAnOuterLockAlone)
     EXPECT_EQ(other, static_cast<DWORD>(WAIT_TIMEOUT));
 }
 
-TEST(HbaMutex, WhatIsHeldIsNotTakenTwiceSoOneUnlockReleasesIt)
+TEST(HbaMutex, AHeldMutexIsNotLockedTwiceSoOneUnlockReleasesIt)
 {
     CHBAAPIMutex mutex;
     ASSERT_TRUE(mutex.Lock());

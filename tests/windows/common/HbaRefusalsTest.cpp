@@ -1,4 +1,4 @@
-// What the interface library lacks and what cannot be converted for it, and what counts all the same.
+// Missing entry points and names that cannot be converted, and what still works.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -69,7 +69,7 @@ TEST_F(HbaRefusals, AMissingEntryPointAndANameThatCannotBeConvertedAreBothTraced
                                               "Exiting CHBAAPIInt::GetAdapterHandle  bRet = 0"));
 }
 
-TEST_F(HbaRefusals, AnAdapterNameThatThePlatformCannotConvertIsNotHandedOn)
+TEST_F(HbaRefusals, AnAdapterNameThatThePlatformCannotConvertIsNotPassedOn)
 {
     const HbaLibraryDouble library;
     CHBAAPIInt hba;

@@ -156,7 +156,7 @@ TEST_F(HbaLists, AnEmptyListIsASuccessAndIsNotFetched)
     EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_GetTargetList 7 count"));
 }
 
-TEST_F(HbaLists, AListThatGrowsBetweenCountAndFetchKeepsToItsRoom)
+TEST_F(HbaLists, AListThatGrowsBetweenCountAndFetchIsCut)
 {
     library.Answer("CountThen.NORDA_GetTargetList", "9");
     std::vector<HBA_WWN> names;
@@ -172,7 +172,7 @@ TEST_F(HbaLists, AListThatShrinksBetweenCountAndFetchEndsEarlier)
     EXPECT_THAT(LastBytes(names), ElementsAre(10));
 }
 
-TEST_F(HbaLists, ANumberOfEntriesBeyondAllReasonIsAFailure)
+TEST_F(HbaLists, AnImpossibleNumberOfEntriesIsAFailure)
 {
     const LibraryTrace trace;
     std::vector<HBA_UINT16> ids = {1};
@@ -195,7 +195,7 @@ TEST_F(HbaLists, StayAsTheyWereOnFailure)
     EXPECT_EQ(names.size(), 1u);
 }
 
-TEST_F(HbaLists, MoreDataIsNoFailureWhileOnlyTheNumberIsAskedFor)
+TEST_F(HbaLists, MoreDataIsNotAFailureWhenOnlyTheNumberIsRequested)
 {
     library.Answer("Status.NORDA_GetFCPortList", "7");
     HBA_UINT32 count = 0;

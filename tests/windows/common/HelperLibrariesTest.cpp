@@ -102,7 +102,7 @@ TEST_F(AgentLibrariesOnDisk, AStatusTextComesFromTheResourceLibrary)
     EXPECT_EQ(GetModuleHandleA("NetShlRs.DLL"), nullptr);
 }
 
-TEST_F(AgentLibrariesOnDisk, AStatusTextThatIsNotThereIsEmpty)
+TEST_F(AgentLibrariesOnDisk, AMissingStatusTextIsEmpty)
 {
     EXPECT_FALSE(helper.GetStatusText(kLibraries, 5, text));
     EXPECT_EQ(text.Text(), "");

@@ -255,7 +255,7 @@ TEST(HelperServices, AServiceOnItsWayIsWaitedForAndDoesNotCountAsRunning)
     EXPECT_EQ(service.State(), static_cast<DWORD>(SERVICE_STOPPED));
 }
 
-TEST(HelperServices, AServiceThatTakesNoOrderToStopIsAFailure)
+TEST(HelperServices, AServiceThatIgnoresStopIsAFailure)
 {
     const UniqueHandle mayStop = ServiceEvent("MayStop");
     const TestService service("NordaDCB", "stubborn");

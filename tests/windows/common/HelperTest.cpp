@@ -206,7 +206,7 @@ TEST_F(DebugSwitches, ASettingThatIsMissingIsFalseAndZero)
     EXPECT_EQ(value, 0u);
 }
 
-TEST_F(DebugSwitches, ASettingThatIsNoNumberIsFalseWhateverItsBytesAre)
+TEST_F(DebugSwitches, ASettingThatIsNotANumberIsFalse)
 {
     SetRegistryNumber(kProduct, "Debugging", 1);
     SetRegistryText(kDebug, "Setting", "1");

@@ -46,7 +46,7 @@ TEST(ShortOfMemory, ANarrowingThatCannotBeAllocatedIsZeroAndLeavesThePointerNull
     COrvString::OrvWideCharToMultiByte_dealloc(target);
 }
 
-TEST_F(ShortOfMemoryForValues, AListThatCannotBeReadForWantOfMemoryRaisesTheStandardException)
+TEST_F(ShortOfMemoryForValues, ReadingAListWithoutMemoryRaisesTheStandardException)
 {
     SetRegistryList(scratch.Path(), "list", {std::string(kMuch, 'x')});
     std::vector<COrvString> list;
@@ -58,7 +58,7 @@ TEST_F(ShortOfMemoryForValues, AListThatCannotBeReadForWantOfMemoryRaisesTheStan
     EXPECT_EQ(list.size(), 1U);
 }
 
-TEST_F(ShortOfMemoryForValues, AListThatCannotBeWrittenForWantOfMemoryRaisesTheStandardExceptionAndIsNotWritten)
+TEST_F(ShortOfMemoryForValues, WritingAListWithoutMemoryRaisesTheStandardExceptionAndWritesNothing)
 {
     const COrvString longText(std::string(kMuch / 2, 'x'));
     std::vector<COrvString> list(3, longText);

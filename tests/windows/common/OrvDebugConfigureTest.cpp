@@ -93,7 +93,7 @@ TEST_F(TraceConfiguration, TraceInTheRegistryReplacesLevelsOneAndTwo)
     }
 }
 
-TEST_F(TraceConfiguration, TheGivenLevelStandsWithoutTheKeyOrTheValue)
+TEST_F(TraceConfiguration, TheGivenLevelIsUsedWithoutTheKeyOrTheValue)
 {
     EXPECT_EQ(Configure("Module", "a.log", 2), 0);
     EXPECT_EQ(object.GetCurrentLogLevel(), 2U);
@@ -133,7 +133,7 @@ TEST_F(TraceConfiguration, AFileNameOf245CharactersIsUsed)
     EXPECT_TRUE(FileExists(InTemp("a.log")));
 }
 
-TEST_F(TraceConfiguration, TheFileLiesInTheInstalledDirectory)
+TEST_F(TraceConfiguration, TheFileIsInTheInstalledDirectory)
 {
     SetRegistryText(kProductKey, "InstalledDir", InstalledPath());
     EXPECT_EQ(Configure("Module", "a.log"), 0);
@@ -154,7 +154,7 @@ TEST_F(TraceConfiguration, AnInstalledDirectoryStoredWithoutTerminatorIsReadWhol
     EXPECT_TRUE(FileExists(InInstalled("a.log")));
 }
 
-TEST_F(TraceConfiguration, WithoutTheProductKeyTheFileLiesInTemp)
+TEST_F(TraceConfiguration, WithoutTheProductKeyTheFileIsInTemp)
 {
     EXPECT_EQ(Configure("Module", "a.log"), 0);
     EXPECT_TRUE(FileExists(InTemp("a.log")));
@@ -218,7 +218,7 @@ TEST_F(TraceConfiguration, TheFallbackIsOpenedAtItsLevelAndOverwrittenUnlessItIs
     EXPECT_THAT(ReadLibraryMessages(InTemp("a.log")), ElementsAre("three"));
 }
 
-TEST_F(TraceConfiguration, TheFallbackHasTheNameBehindTheLastBackslashAndIsNotAnnounced)
+TEST_F(TraceConfiguration, TheFallbackHasTheNameAfterTheLastBackslashAndIsNotAnnounced)
 {
     SetRegistryText(kProductKey, "InstalledDir", InstalledPath());
     DebugOutput debugger;
@@ -301,7 +301,7 @@ TEST_F(TraceConfiguration, ThePathIsPutTogetherWithTracesOfEachStep)
 TEST_F(TraceConfiguration, AFallbackPathOf260CharactersIsReportedAndFails)
 {
     SetRegistryText(kProductKey, "InstalledDir", InInstalled("not there"));
-    // The directory is there under this name too, so that only the length of the path stands in the way.
+    // The directory is there under this name too, so that only the length of the path is a problem.
     std::string longTemp = TempPath();
     while (longTemp.size() < 252) {
         longTemp += R"(\.)";

@@ -249,7 +249,7 @@ TEST(TraceLastError, WritesTheSystemsTextOfTheGivenCode)
     EXPECT_EQ(WithoutLineEnds(content.substr(content.rfind('\t') + 1)), WithoutLineEnds(text));
 }
 
-TEST(TraceLastError, ZeroStandsForTheThreadsLastError)
+TEST(TraceLastError, ZeroMeansTheThreadsLastError)
 {
     TraceFile file(3);
     SetLastError(ERROR_FILE_NOT_FOUND);

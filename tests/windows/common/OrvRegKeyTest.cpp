@@ -348,7 +348,7 @@ TEST_F(RegKey, AssigningAnObjectCopiesEverything)
     EXPECT_STREQ(name, "b");
 }
 
-TEST_F(RegKey, ObjectsThatShareAHandleCloseItOnceWhenTheLastLetsGo)
+TEST_F(RegKey, ObjectsThatShareAHandleCloseItOnceWithTheLastOfThem)
 {
     ASSERT_TRUE(key.Open(HKEY_LOCAL_MACHINE, Path(), false));
     const HKEY handle = key.GetHKey();

@@ -47,7 +47,7 @@ TEST_F(RegLists, APlainTextReadsAsAListOfOne)
     EXPECT_THAT(List("text"), ElementsAre("one"));
 }
 
-TEST_F(RegLists, TheNameMayStandInTheListThatReceivesTheValues)
+TEST_F(RegLists, TheNameMayBeInTheListThatReceivesTheValues)
 {
     SetRegistryList(scratch.Path(), "a name too long to be kept inside its object", {"one", "two"});
     std::vector<COrvString> list{"a name too long to be kept inside its object"};
@@ -207,7 +207,7 @@ private:
 };
 } // namespace
 
-TEST_F(RegLists, TheSecondByteOfACharacterIsNoLetterInAMultibyteCodePage)
+TEST_F(RegLists, TheSecondByteOfACharacterIsNotALetterInAMultibyteCodePage)
 {
     // 0x83 0x41 and 0x83 0x61 are two different characters of code page 932, and differ in "letter case" elsewhere.
     SetRegistryList(scratch.Path(), "list", {"\x83\x41"});

@@ -165,7 +165,7 @@ TEST_F(RegValues, BytesAreWrittenAndReadAsTheyAre)
     EXPECT_EQ(read[3], 255);
 }
 
-TEST_F(RegValues, TooSmallARoomForBytesTellsTheSizeThatIsNeeded)
+TEST_F(RegValues, ATooSmallBufferForBytesReturnsTheNeededSize)
 {
     SetRegistryBytes(scratch.Path(), "bytes", "12345", REG_BINARY);
     BYTE read[3] = {};
@@ -265,7 +265,7 @@ TEST_F(RegValues, DeleteValueOfAClosedKeyIsTrueAndClearsTheStatus)
     EXPECT_EQ(closed.LastResult(), 0);
 }
 
-TEST_F(RegValues, TheStoredTypeIsToldAndIsNoneWhenItCannotBeHad)
+TEST_F(RegValues, TheStoredTypeIsReturnedAndIsNoneWhenItCannotBeRead)
 {
     key.SetValue("number", 1);
     SetRegistryText(scratch.Path(), "text", "a");

@@ -64,7 +64,7 @@ TEST(SafeCopy, ASizeOfZeroIsReportedWithTheTextOfANullSource)
     EXPECT_THAT(trace.Messages(), ElementsAre(kHandlerLine, "caller.cpp (7): OrvSafeCopy ERROR: NULL == strSource"));
 }
 
-TEST(SafeCat, FailuresSpeakOfOrvSafeCopyToo)
+TEST(SafeCat, FailuresNameOrvSafeCopyToo)
 {
     const LibraryTrace trace;
     char text[10] = "12345";

@@ -117,7 +117,7 @@ TEST(Widen, ATargetThatIsTooSmallTakesTheStartAndATerminator)
     EXPECT_STREQ(target, L"");
 }
 
-TEST(Widen, OfASourceGivenWithItsLengthTheLastCharacterGivesWayToTheTerminator)
+TEST(Widen, TheTerminatorReplacesTheLastCharacterOfASourceWithALength)
 {
     wchar_t target[10]{};
     EXPECT_EQ(COrvString::OrvMultiByteToWideChar(kWestern, 0, "hello", 5, target, 10), 5);
@@ -145,7 +145,7 @@ TEST(Widen, ImpossibleArgumentsGive0AndTouchNothing)
     EXPECT_STREQ(target, L"#");
 }
 
-TEST(Narrow, ConvertsWithDefaultCharacterAndTellsThatItWasUsed)
+TEST(Narrow, ConvertsWithDefaultCharacterAndReportsItsUse)
 {
     char target[10];
     std::memset(target, '#', sizeof(target));

@@ -165,7 +165,7 @@ TEST(String, CharacterClassesAreTheLibrarys)
     EXPECT_FALSE(COrvString::IsHexadecimal('G'));
 }
 
-TEST(StringType, LettersOnlyRefusesASpaceAndWelcomesAByteOfNoClass)
+TEST(StringType, LettersOnlyRefusesASpaceAndAllowsAByteOfNoClass)
 {
     EXPECT_FALSE(COrvString("two words").IsStringType(1));
     EXPECT_TRUE(COrvString("caf\xE9").IsStringType(1));
@@ -247,7 +247,7 @@ TEST(StringSplit, WithoutASeparatorTheListIsEmptyAndTheResultFalse)
     EXPECT_THAT(parts, IsEmpty());
 }
 
-TEST(StringSplit, EmptyPartsStandInsideAndInFrontButNotBehind)
+TEST(StringSplit, EmptyPartsAreKeptInsideAndInFrontButNotAtTheEnd)
 {
     std::vector<COrvString> parts{"left over"};
     EXPECT_TRUE(COrvString(",a,,b,").Split(',', parts));

@@ -29,12 +29,12 @@ private:
 };
 } // namespace
 
-TEST(WmiQuery, TellsThatThereAreRows)
+TEST(WmiQuery, ReportsThatThereAreRows)
 {
     EXPECT_EQ(AskWmi(kNameSpace, kQuery), WmiAnswer::Rows);
 }
 
-TEST(WmiQuery, TellsThatThereAreNone)
+TEST(WmiQuery, ReportsThatThereAreNone)
 {
     EXPECT_EQ(AskWmi(kNameSpace, L"SELECT * FROM Win32_OperatingSystem WHERE Name = 'no such system'"),
               WmiAnswer::NoRows);
@@ -45,12 +45,12 @@ TEST(WmiQuery, ANameSpaceThatDoesNotExistIsAFailure)
     EXPECT_EQ(AskWmi(LR"(root\nosuchnamespace)", kQuery), WmiAnswer::Failed);
 }
 
-TEST(WmiQuery, AQuestionThatCannotBeUnderstoodIsAFailure)
+TEST(WmiQuery, AnInvalidQueryIsAFailure)
 {
     EXPECT_EQ(AskWmi(kNameSpace, L"what is installed?"), WmiAnswer::Failed);
 }
 
-TEST(WmiQuery, NoNameSpaceOrNoQuestionIsAFailure)
+TEST(WmiQuery, NoNameSpaceOrNoQueryIsAFailure)
 {
     EXPECT_EQ(AskWmi(nullptr, kQuery), WmiAnswer::Failed);
     EXPECT_EQ(AskWmi(kNameSpace, nullptr), WmiAnswer::Failed);

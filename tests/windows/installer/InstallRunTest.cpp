@@ -185,7 +185,7 @@ TEST(InstallRun, ARestorePointLibraryWithoutItsFunctionIsFreedAtTheEnd)
     EXPECT_THAT(trace.Messages(), Contains("Failed to find SRSetRestorePointW."));
 }
 
-TEST(InstallRun, ThePlatformAsksOnlyWhereSomebodyIsThereToAnswer)
+TEST(InstallRun, ThePlatformAsksOnlyWhereSomebodyCanAnswer)
 {
     DriverInstallRecord record = RecordWithoutAFlow();
     SetupSetNonInteractiveMode(FALSE);

@@ -103,7 +103,7 @@ private:
 };
 } // namespace
 
-TEST_F(MessageBoxes, RunningManagementSoftwareShowsAnErrorOfNobodys)
+TEST_F(MessageBoxes, RunningManagementSoftwareShowsAnErrorWithoutAnOwner)
 {
     const ImportOverride nt4("GetVersionExA", reinterpret_cast<void*>(AnswerNT4));
     const ImportOverride running("CreateMutexA", reinterpret_cast<void*>(KnowTheManagementSoftware));
@@ -111,7 +111,7 @@ TEST_F(MessageBoxes, RunningManagementSoftwareShowsAnErrorOfNobodys)
     EXPECT_THAT(boxes, ElementsAre(Box{"Morvix", "text 13", MB_ICONERROR, nullptr}));
 }
 
-TEST_F(MessageBoxes, ARefusalOfTheProberShowsAnErrorOfNobodys)
+TEST_F(MessageBoxes, ARefusalOfTheProberShowsAnErrorWithoutAnOwner)
 {
     ReportProbeFailure(kStatusNoAdapter, {}, false);
     EXPECT_THAT(boxes, ElementsAre(Box{"text 3", "text 5", MB_ICONERROR, nullptr}));
@@ -120,7 +120,7 @@ TEST_F(MessageBoxes, ARefusalOfTheProberShowsAnErrorOfNobodys)
     EXPECT_THAT(boxes, IsEmpty());
 }
 
-TEST_F(MessageBoxes, AnOldExtensionOnAnFcoeBootedMachineShowsAnErrorOfNobodys)
+TEST_F(MessageBoxes, AnOldExtensionOnAnFcoeBootedMachineShowsAnErrorWithoutAnOwner)
 {
     const FcoeBootedMachine machine;
     EXPECT_FALSE(FcoeBootAllowsRun());

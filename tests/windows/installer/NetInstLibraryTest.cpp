@@ -36,7 +36,7 @@ TEST_F(NetInstLibrary, MissingLibraryIsAFailureWithTheSystemsError)
     EXPECT_EQ(0x8007007E, status);
 }
 
-TEST_F(NetInstLibrary, FileThatIsNoLibraryIsAFailure)
+TEST_F(NetInstLibrary, FileThatIsNotALibraryIsAFailure)
 {
     WriteFileBytes(m_scratch.At("NetInst.dll"), "not a library");
     uint32_t status = 0;

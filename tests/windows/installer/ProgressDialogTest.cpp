@@ -81,7 +81,7 @@ TEST_F(DialogLanguage, IsThatOfTheRunInTemplateAndTextsWhateverTheUsersIs)
 }
 
 namespace {
-/// What the platform is told about the thread's languages, in order; "none" where its own list is taken back.
+/// The thread's language settings, in order; "none" where its own list is removed.
 std::vector<std::string> preferred;
 
 BOOL WINAPI NotePreferred(DWORD format, const wchar_t* languages, ULONG* count)

@@ -50,7 +50,7 @@ TEST_F(SetupLocation, BareNameIsTakenFromTheCurrentDirectory)
                             "Morvix dir: " + directory + "\n", "ini file: " + directory + "\\Morvix.ini\n"));
 }
 
-TEST_F(SetupLocation, FullNameIsTakenAsItStandsFromWhereverTheRunStarts)
+TEST_F(SetupLocation, FullNameIsUsedUnchangedFromAnyDirectory)
 {
     const ScratchDirectory kit;
     WriteFileBytes(kit.At("Morvix.ini"), "");
@@ -66,7 +66,7 @@ TEST_F(SetupLocation, MissingIniFileIsTracedAndRefused)
     EXPECT_EQ("ini file: " + m_scratch.At("Morvix.ini") + ", NOT FOUND\n", trace.Messages().back());
 }
 
-TEST_F(SetupLocation, DirectoryOfTheIniFilesNameIsNoIniFile)
+TEST_F(SetupLocation, DirectoryOfTheIniFilesNameIsNotAnIniFile)
 {
     CreateDirectoryA(m_scratch.At("Morvix.ini").c_str(), nullptr);
     EXPECT_EQ(0, SetLocationInfo("Morvix.exe"));
@@ -78,7 +78,7 @@ TEST_F(SetupLocation, EmptyProgramNameFindsNothing)
     EXPECT_EQ(m_scratch.Path(), LocationInfo.setupDir);
 }
 
-TEST_F(SetupLocation, SecondByteThatLooksLikeABackslashIsNone)
+TEST_F(SetupLocation, SecondByteThatLooksLikeABackslashIsNotOne)
 {
     const JapaneseCodePage japanese;
     const std::string name = std::string(kJapaneseLetter) + "\\" + kJapaneseLetter + ".exe";

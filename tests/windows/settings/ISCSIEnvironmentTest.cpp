@@ -113,7 +113,7 @@ TEST(ISCSIInitiatorKey, IsFoundAmongOtherControllers)
                             Exit("GetIscsiInitiatorKey", true), Exit("isTheiSCSIInitiatorKeyPresent", true)));
 }
 
-TEST(ISCSIInitiatorKey, DeviceIdIsComparedWithoutRegardToLetterCase)
+TEST(ISCSIInitiatorKey, DeviceIdIsComparedIgnoringLetterCase)
 {
     const Controller initiator("9002", R"(ROOT\ISCSIPRT)");
     CreateRegistryKey(initiator.Parameters());

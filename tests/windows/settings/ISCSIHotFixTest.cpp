@@ -52,7 +52,7 @@ TEST(ISCSIHotFix, InstalledFixIsFoundAndAnyOtherIsNot)
     }
 }
 
-TEST(ISCSIHotFix, Server2003Sp2NeedsNoQuestion)
+TEST(ISCSIHotFix, Server2003Sp2NeedsNoQuery)
 {
     const Checked checked = Check([] { return kServer2003Sp2.isTheiSCSIHotFixInstalled(); });
     EXPECT_TRUE(checked.result);

@@ -43,7 +43,7 @@ inline std::vector<std::string> OwnLines(const LibraryTrace& trace)
     return own;
 }
 
-/// What a check answered, and what it traced.
+/// What a check returned, and what it traced.
 struct Checked
 {
     bool result;
@@ -65,7 +65,7 @@ inline std::string Exit(const std::string& name, bool result)
     return "Exiting CISCSISupport::" + name + "() -> bRet is " + (result ? "1" : "0");
 }
 
-/// A controller of the SCSI adapter class, gone at the end of the object's life.
+/// A controller of the SCSI adapter class, removed by the destructor.
 class Controller
 {
 public:
@@ -79,7 +79,7 @@ private:
     ScratchRegistryKey m_key;
 };
 
-/// The initiator's library, telling a version.
+/// The initiator's library, reporting a version.
 class InitiatorLibrary : public LibraryDouble
 {
 public:

@@ -130,7 +130,7 @@ TEST(ISCSISettings, MachineAddressesAreAcceptedWithoutAVerdictLine)
     }
 }
 
-TEST(ISCSISettings, FirstOctet0IsAGatewayButNoMachine)
+TEST(ISCSISettings, FirstOctet0IsAGatewayButNotAMachine)
 {
     ExpectRejected(CheckInitiatorOrTarget("0.1.2.3"), kInitiatorOrTarget, kNotMachine);
     ExpectAccepted(CheckGateway("0.1.2.3"), kGateway);
@@ -143,7 +143,7 @@ TEST(ISCSISettings, FirstOctet224IsNeither)
     ExpectRejected(CheckGateway("224.0.0.1"), kGateway, kNotGateway);
 }
 
-TEST(ISCSISettings, EmptyAddressHasAVerdictOfItsOwn)
+TEST(ISCSISettings, EmptyAddressHasItsOwnVerdict)
 {
     ExpectRejected(CheckInitiatorOrTarget(""), kInitiatorOrTarget,
                    "IsInitatorOrTargetIpAddressValid() - the IP address passed in is invalid!!");
@@ -151,9 +151,9 @@ TEST(ISCSISettings, EmptyAddressHasAVerdictOfItsOwn)
     ExpectRejected(CheckMask(""), kMask, "IsSubnetMaskValid() - the IP address passed in is invalid!!");
 }
 
-TEST(ISCSISettings, TextThatIsNoAddressIsRejectedForItsFirstOctet)
+TEST(ISCSISettings, TextThatIsNotAnAddressIsRejectedForItsFirstOctet)
 {
-    // Octets above 255 behind the first are found by the same line.
+    // Octets above 255 after the first are found by the same line.
     for (const char* text : {"no address", "10.256.0.1", "10.0.256.1", "10.0.0.256", "256.0.0.1", "1.2.3.4.5"}) {
         ExpectRejected(CheckInitiatorOrTarget(text), kInitiatorOrTarget, kNotMachine);
         ExpectRejected(CheckGateway(text), kGateway, kNotGateway);
@@ -161,7 +161,7 @@ TEST(ISCSISettings, TextThatIsNoAddressIsRejectedForItsFirstOctet)
     }
 }
 
-TEST(ISCSISettings, TextOfMoreThan259CharactersIsAnInvalidParameterAndNoAddress)
+TEST(ISCSISettings, TextOfMoreThan259CharactersIsAnInvalidParameterAndNotAnAddress)
 {
     for (const std::size_t length : {260U, 4096U}) {
         const std::string text(length, '1');

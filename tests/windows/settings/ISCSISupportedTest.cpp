@@ -38,7 +38,7 @@ TEST(ISCSISupported, NothingHoldsOnAMachineWithoutISCSI)
     EXPECT_EQ(Ask(kServer2008R2, true), (Answers{true, false, false, false, false}));
 }
 
-TEST(ISCSISupported, EachAnswerIsHandedOutInItsPlace)
+TEST(ISCSISupported, EachAnswerIsReturnedInItsPlace)
 {
     const Controller initiator("9002", R"(root\iscsiprt)");
     {
@@ -63,7 +63,7 @@ TEST(ISCSISupported, TheFirstThreeMakeTheResultAndTheFourthDoesNot)
     EXPECT_EQ(Ask(kServer2008R2, false), (Answers{true, true, true, true, true}));
 }
 
-TEST(ISCSISupported, AllFourAreAskedInOrderWhateverTheFirstAnswers)
+TEST(ISCSISupported, AllFourAreCheckedInOrderRegardlessOfTheFirst)
 {
     std::vector<std::string> lines = Check([] { return Ask(kServer2003, true).result; }).lines;
     std::erase_if(lines, [](const std::string& line) { return !line.starts_with("Entering"); });
