@@ -94,7 +94,7 @@ std::optional<SavedValue> ReadValue(const std::vector<std::string_view>& fields)
     return value;
 }
 
-bool ReadFile(const std::vector<std::string_view>& fields, RecordSnapshot& snapshot)
+bool ReadFileEntry(const std::vector<std::string_view>& fields, RecordSnapshot& snapshot)
 {
     const std::optional<std::string> bytes = fields.size() == 2 ? FromHex(fields[1]) : std::nullopt;
     if (!bytes) {
@@ -128,7 +128,7 @@ bool ReadEntry(const std::vector<std::string_view>& fields, RecordSnapshot& snap
         snapshot.dataFileState = RecordSnapshot::File::Unknown;
         return true;
     }
-    return letter == kFileEntry && ReadFile(fields, snapshot);
+    return letter == kFileEntry && ReadFileEntry(fields, snapshot);
 }
 } // namespace
 

@@ -26,8 +26,8 @@ fail() {
 }
 
 # --- The end of a script ---------------------------------------------------------------------------------------------
-# What a script starts it stops again on every way out. Entries run in reverse order; a lane that runs in a subshell
-# calls `own_cleanups` first, because it must not undo what its parent has started.
+# What a script starts it stops again on every way out. Entries run in reverse order; a subshell calls `own_cleanups`
+# first, because it must not undo what its parent has started.
 cleanups=()
 child=
 exec {lock}>/dev/null
@@ -70,20 +70,21 @@ own_cleanups() {
 }
 own_cleanups
 
-# run_limited SECONDS COMMAND...: runs a command that may take long. The shell waits beside it, so that a signal ends the
-# script at once; the command is stopped with the script, even when an outright kill left no time for a clean-up. Answers
-# the command's exit status, 124 when the time was up.
-run_limited() {
-    local limit=$1 status=0
-    shift
-    # A lane whose script was killed outright must not start anything more.
+# run_child COMMAND...: runs a command that may take long. The shell waits beside it, so that a signal ends the script at
+# once; the command is stopped with the script, even when an outright kill left no time for a clean-up.
+run_child() {
+    local status=0
+    # A subshell whose script was killed outright must not start anything more.
     kill -0 $$ 2>/dev/null || exit 1
-    { release_lock; exec setpriv --pdeathsig TERM timeout --kill-after=15 "$limit" "$@"; } &
+    { release_lock; exec setpriv --pdeathsig TERM "$@"; } &
     child=$!
     wait "$child" || status=$?
     child=
     return "$status"
 }
+
+# run_limited SECONDS COMMAND...: the same with a limit that guards against hanging; 124 when the time was up.
+run_limited() { run_child timeout --kill-after=15 "$@"; }
 
 # In a background job: lets go of the build folder, so that nothing that outlives the script keeps others waiting.
 release_lock() { exec {lock}>&-; }
@@ -107,12 +108,19 @@ enter_build_folder() {
     if (($(free_megabytes) < needed_megabytes)); then
         fail "too little disk space: $(free_megabytes) MB free below $build_dir, $needed_megabytes MB needed"
     fi
+    hold_build_folder --exclusive
+}
+
+# Keeps builds out of the build folder until this script ends; other tests may run beside it.
+share_build_folder() { hold_build_folder --shared; }
+
+hold_build_folder() {
     [[ -z ${MORVIX_BUILD_LOCKED:-} ]] || return 0
     exec {lock}>&-
     exec {lock}>"$build_dir/.lock"
-    if ! flock --nonblock "$lock"; then
+    if ! flock --nonblock "$1" "$lock"; then
         say "waiting for another run in $build_dir to end"
-        flock "$lock" &
+        flock "$1" "$lock" &
         child=$!
         wait "$child"
         child=

@@ -1,5 +1,6 @@
 # shellcheck shell=bash
-# An X display of the script's own, on a number that nobody else uses. Sourced after common.sh.
+# An X display of the script's own, on a number that nobody else uses. (xvfb-run leaves its server running when it is killed
+# outright, and two of them may pick the same number.) Sourced after common.sh.
 # shellcheck disable=SC2154
 
 # Starts the display and exports DISPLAY; the server is stopped when the shell ends, even by an outright kill.

@@ -20,8 +20,12 @@ packages=(
     softhsm2 python3-jsonschema python3-yaml
     # checks of the sources
     clang-format clang-tidy cppcheck shellcheck gcovr python3
-    # the role for many machines, with the collection of Windows modules, and what reads its reports; the diagrams
+    # what judges and reports the test scripts
+    perl libtap-formatter-junit-perl
+    # the role for many machines, with the collection of Windows modules, and what reads its reports
     ansible ansible-lint jq libxml2-utils
+    # the diagrams of the documents, and the plot of the benchmark
+    graphviz gnuplot-nox
 )
 
 # Fills `missing` with the packages that are not installed.

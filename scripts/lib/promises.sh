@@ -1,12 +1,15 @@
 # shellcheck shell=bash
-# Test scripts: each prints one line for each promise, "ok - ..." or "not ok - ...", and fails when one is broken.
+# Test scripts: each says its promises in the Test Anything Protocol, and fails when one is broken. (Bats would run each
+# promise in a process of its own; these look one after the other at one machine, which the shell knows.)
 
+promises=0
 broken=0
 
 # promise TEXT COMMAND...: the promise is kept when the command succeeds.
 promise() {
     local text=$1
     shift
+    promises=$((promises + 1))
     if "$@"; then
         printf 'ok - %s\n' "$text"
     else
@@ -15,4 +18,8 @@ promise() {
     fi
 }
 
-end_promises() { exit "$broken"; }
+# Ends the script. A script that ends elsewhere has no plan, and that is a failure.
+end_promises() {
+    printf '1..%d\n' "$promises"
+    exit "$broken"
+}

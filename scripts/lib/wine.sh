@@ -19,19 +19,23 @@ use_prefix() {
     export LC_CTYPE=C.UTF-8
     export HOME=$wine_dir/home
     export XDG_CONFIG_HOME=$HOME/.config XDG_CACHE_HOME=$HOME/.cache XDG_DATA_HOME=$HOME/.local/share
+    # Where programs that count their lines write to, whatever their current drive is.
+    export GCOV_PREFIX=Z: GCOV_PREFIX_STRIP=0
     mkdir -p -- "$HOME" "$TMPDIR"
+    stay_on_processor
 }
 
-# stay_on_processor NUMBER: keeps this shell, and what it starts from here on, on one of the processors that it may use,
-# counted round. Nearly every call of a Windows program wakes its server and waits; when the two are on different
-# processors, that takes many times as long.
+# Keeps this shell, and what it starts from here on, on the processor that CTest has given to it, else on the first one.
+# Nearly every call of a Windows program wakes its server and waits; when the two are on different processors, that takes
+# many times as long.
 stay_on_processor() {
-    local -a processors
-    mapfile -t processors < <(python3 -c 'import os; print(*sorted(os.sched_getaffinity(0)), sep="\n")')
-    taskset --cpu-list --pid "${processors[$1 % ${#processors[@]}]}" "$BASHPID" >/dev/null
+    local given=${CTEST_RESOURCE_GROUP_0_PROCESSORS:-}
+    given=${given#id:}
+    [[ -n $given ]] || given=$(python3 -c 'import os; print(min(os.sched_getaffinity(0)))')
+    taskset --cpu-list --pid "${given%%,*}" "$BASHPID" >/dev/null
 }
 
-# For what a kept-together shell starts that is no Windows program, such as a build.
+# For what such a shell starts that is no Windows program, such as a build.
 spread_over_processors() { taskset --cpu-list --pid "0-$(($(nproc --all) - 1))" "$BASHPID" >/dev/null; }
 
 # The path by which Windows programs know a file of this machine.
@@ -57,13 +61,22 @@ remove_prefix() {
     rm -rf -- "${wine_dir:?}/$1"
 }
 
-# Makes the fresh Windows that every prefix is a copy of, unless the one of an earlier run fits the Wine in use.
+# Makes the fresh Windows that every prefix is a copy of, unless the one of an earlier run fits the Wine in use. Several
+# scripts may ask for it at the same time.
 make_template() {
+    mkdir -p -- "$wine_dir"
+    (
+        own_cleanups
+        flock "$making"
+        make_template_anew
+    ) {making}>"$wine_dir/template.lock" || exit
+}
+
+make_template_anew() {
     local version log=$build_dir/wine-template.log
     version="$(WINEDEBUG=-all wine --version), no crash dialog, no window manager, patient with services" || fail "wine does not start"
     [[ "$(cat -- "$wine_dir/template/made-by" 2>/dev/null)" != "$version" ]] || return 0
     say "making a fresh Windows ($version)"
-    mkdir -p -- "$wine_dir"
     remove_prefix template
     remove_prefix template.new
     (
@@ -87,12 +100,12 @@ make_template() {
     mv -- "$wine_dir/template.new" "$wine_dir/template"
 }
 
-# new_prefix NAME: a fresh Windows of that name, in use by this shell from here on; stopped when the shell ends.
+# new_prefix NAME: a fresh Windows of that name, in use by this shell from here on; gone when the shell ends.
 new_prefix() {
     make_template
     remove_prefix "$1"
     cp -a --reflink=auto -- "$wine_dir/template" "$wine_dir/$1" || fail "cannot copy the fresh Windows to $wine_dir/$1"
-    at_exit stop_prefix "$1"
+    at_exit remove_prefix "$1"
     use_prefix "$1"
 }
 
@@ -113,4 +126,11 @@ keep_server() {
     start_server --persistent
     # The first program starts the session's services, which later ones then find running.
     run_limited 120 wine cmd /c exit >/dev/null 2>&1 || fail "Windows programs do not start in $WINEPREFIX"
+}
+
+# For runs whose windows nobody looks at: without a display driver each costs a third.
+go_without_display() {
+    unset DISPLAY
+    run_limited 300 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /t REG_SZ /d null /f >/dev/null 2>&1 ||
+        fail "the Windows in $WINEPREFIX cannot be set up"
 }

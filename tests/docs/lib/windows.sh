@@ -24,7 +24,6 @@ start_windows() {
     mkdir -p -- "$build_dir/docs"
     start_display
     new_prefix "$1"
-    at_exit remove_prefix "$1"
     shift
     keep_server
     {
