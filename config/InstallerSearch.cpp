@@ -53,7 +53,7 @@ KitSearch SearchOfThisRun(KitSource& source, SearchLog& log, OSCode system, std:
             .setupDir = LocationInfo.setupDir,
             .system = system,
             .family = std::move(family),
-            .forceInfScan = RunOptions.forceInfScan != 0,
+            .forceInfScan = RunOptions.forceInfScan,
             .isLeadByte = IsSystemLeadByte,
             .storedInfs = CopiedInfList.names,
             .matchedHardwareId = matchedHardwareId,

@@ -17,21 +17,6 @@ enum class RestartAction
 /// @param restartNeeded  One of the restart reasons holds; ignored when the options decide.
 [[nodiscard]] RestartAction DecideRestart(const RunOptionsRecord& options, bool restartNeeded);
 
-/// The four conditions of iSCSI boot, in the order in which the iSCSI support reports them.
-struct IscsiConditions
-{
-    bool rightSystem = false;
-    bool patchInstalled = false;
-    bool initiatorPresent = false;
-    bool crashDumpEnabled = false;
-};
-
-/// Whether the iSCSI boot settings are to be verified: all four conditions count.
-[[nodiscard]] bool IscsiSettingsAreVerified(bool iscsiBootAdapter, const IscsiConditions& conditions);
-
-/// Whether an iSCSI boot adapter is a reason to restart: the crash dump does not count.
-[[nodiscard]] bool IscsiBootNeedsRestart(bool iscsiBootAdapter, const IscsiConditions& conditions);
-
 /// Which text a finished interactive run shows: the identifier of a string of the resource library.
 /// @param deviceMatched  Some device found an INF file.
 /// @param installFailed  The installer library refused a driver with 0xE0000207.
