@@ -31,11 +31,6 @@ std::string_view ExpectedSignature(std::string_view family)
     return row == kSignatures.end() ? std::string_view{} : row->signature;
 }
 
-bool ContainsName(const std::vector<std::string>& names, std::string_view name)
-{
-    return std::ranges::any_of(names, [name](const std::string& other) { return EqualsIgnoringCase(name, other); });
-}
-
 bool NamesOurBrand(std::string_view value)
 {
     TokenCursor cursor(value);

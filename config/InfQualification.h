@@ -1,17 +1,14 @@
 #pragma once
 
-#include <string>
 #include <string_view>
-#include <vector>
+
+#include "NameList.h"
 
 /// Which INF files count, decided from their texts.
 
 /// @return the "Signature" that INF files of a system family carry; empty for a family that is not known, so that there
 ///         only INF files without a signature qualify. Family names are compared exactly.
 [[nodiscard]] std::string_view ExpectedSignature(std::string_view family);
-
-/// @return true when `name` is in `names`, letter case aside.
-[[nodiscard]] bool ContainsName(const std::vector<std::string>& names, std::string_view name);
 
 /// @param value  Value of one key of an INF's "Manufacturer" section.
 /// @return true when one of its parts between commas and blanks is one of our brand names, letter case included.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DriverInstallRecord.h"
+#include "InfDirectory.h"
 #include "InfStore.h"
 #include "OSCode.h"
 
@@ -17,14 +18,6 @@ void GetInfDirs(std::vector<std::string>& directories, std::vector<std::string>&
 
 /// The same for a system of code `system`.
 void GetInfDirsFor(OSCode system, std::vector<std::string>& directories, std::vector<std::string>& excludes);
-
-/// What decides which INF files of a directory count.
-struct InfSearchRules
-{
-    std::string expectedSignature;         ///< of the system family; empty when the family is not known
-    std::vector<std::string> sectionNames; ///< model sections, in the order in which they are tried
-    std::vector<std::string> excludes;     ///< file names to leave out; none when the user forced a scan of all
-};
 
 /// Searches one directory for an INF file that lists a device. Each INF that qualifies on the way is handed once per
 /// run to the platform's INF store. The first INF that lists the device ends the search and leaves its traces in

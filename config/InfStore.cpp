@@ -6,9 +6,9 @@
 
 #include "EntryPoints.h"
 #include "Handles.h"
-#include "InfQualification.h"
+#include "InfCopies.h"
+#include "InstallerSearch.h"
 #include "LastError.h"
-#include "PathResolution.h"
 #include "Trace.h"
 
 CopiedInfListRecord CopiedInfList;
@@ -43,12 +43,5 @@ int SetupCopyInf(const std::string& infPath, const std::string& sourceDirectory)
 
 void CopyInfOnce(const std::string& fileName, const std::string& infPath, const std::string& sourceDirectory)
 {
-    const std::string name = BaseNameOf(fileName) + ".inf";
-    if (ContainsName(CopiedInfList.names, name)) {
-        return;
-    }
-    SetupCopyInf(infPath, sourceDirectory);
-    CopiedInfList.names.push_back(name);
-    // There is no blank between the name and "to".
-    Trace("Adding INF " + name + "to vector\n");
+    StoreInfOnce(InstallerSearch(), fileName, infPath, sourceDirectory);
 }

@@ -4,18 +4,17 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 #include "AdapterRegistry.h"
 #include "AnswerReuse.h"
 #include "DeviceInstall.h"
 #include "DevicePassState.h"
+#include "DeviceSearch.h"
 #include "EnumerationEnd.h"
 #include "Handles.h"
-#include "InfSearch.h"
+#include "InstallerSearch.h"
 #include "NordaNetworkDevice.h"
+#include "OSVersion.h"
 #include "OrvSecure.h"
 #include "PathCase.h"
 #include "SearchIds.h"
@@ -25,73 +24,36 @@
 namespace {
 constexpr char kThisFile[] = "DevicePass";
 constexpr std::size_t kKeyNameChars = 256;
-constexpr std::size_t kInfPathChars = 260;
 
-/// One device on its way through the search passes.
-struct DeviceSearch
+void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const DeviceMatch& match)
 {
-    std::string deviceId; ///< device key name in full
-    std::string searchId; ///< what the current pass looks for
-    std::vector<std::string> directories;
-    std::vector<std::string> excludes;
-};
-
-/// An INF path of more than 255 characters does not fit into the record: its field is then empty, and the install goes
-/// on with that.
-void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const char* infPath)
-{
-    Trace("!!FOUND INF MATCH\n");
     OrvSafeCopy(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), "PCI\\");
     OrvSafeCat(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), deviceId.c_str());
-    OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), infPath);
-    DevicePassState.deviceMatched = 1;
-
+    // Reports a path that does not fit; the field is then empty.
+    OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), match.infPath.c_str());
     MakePathUpperCase(record.infPath);
-    if (TextIn(record.infPath).find("QDATDMA.INF") != std::string_view::npos) {
+    DevicePassState.deviceMatched = 1;
+    if (match.isDmaEngine) {
         DevicePassState.qdatInstalled = 1;
-        Trace("QDATINSTALLED\n");
     }
 }
 
-/// @return true when an INF of one of the directories lists the current search ID; the record then names it.
-bool SearchDirectories(const DeviceSearch& search, DriverInstallRecord& record)
-{
-    for (const std::string& directory : search.directories) {
-        Trace(directory);
-        std::array<char, kInfPathChars> infPath{};
-        if (GetInfFile(search.searchId.c_str(), directory, record, infPath.data(), search.excludes)) {
-            RecordMatch(record, search.deviceId, infPath.data());
-            return true;
-        }
-    }
-    return false;
-}
-
-/// @return true when an INF was found in one of the passes.
-bool FindInf(DeviceSearch& search, DriverInstallRecord& record)
-{
-    for (int pass = kFirstSearchPass;; ++pass) {
-        if (SearchDirectories(search, record)) {
-            return true;
-        }
-        if (pass == kLastSearchPass) {
-            return false;
-        }
-        // A pass that is skipped repeats the search with the ID as it is.
-        if (std::optional<std::string> next = SearchIdForPass(search.deviceId, pass + 1)) {
-            search.searchId = *std::move(next);
-            Trace(search.searchId);
-            Trace("Pass ", std::to_string(pass + 1));
-        }
-    }
-}
-
+/// @return true when an INF lists the device; the record then names it.
 bool MatchDevice(const std::string& deviceId, DriverInstallRecord& record)
 {
-    Trace("device: ", deviceId, "\n");
-    DeviceSearch search{.deviceId = deviceId, .searchId = deviceId, .directories = {}, .excludes = {}};
-    GetInfDirs(search.directories, search.excludes);
-    return FindInf(search, record);
+    const InstallerSearch search(COSVersion().GetOSCode(), FamilyOf(record));
+    const DeviceMatch match = SearchForDevice(search, deviceId);
+    switch (match.verdict) {
+        case SearchVerdict::Matched:
+            RecordMatch(record, deviceId, match);
+            return true;
+        case SearchVerdict::NoInf:
+            return false;
+        case SearchVerdict::Fault:
+            // Throws: nothing in a run handles such a device, by design.
+            static_cast<void>(SearchIdForPass(deviceId, match.pass));
+    }
+    return false;
 }
 
 void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& record,

@@ -4,25 +4,21 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "DevicePassState.h"
-#include "DriverFamilies.h"
-#include "DriverInstallRecord.h"
 #include "FileVersion.h"
 #include "Handles.h"
+#include "InstallResult.h"
+#include "InstallerSearch.h"
 #include "LocationInfo.h"
-#include "OSPredicates.h"
 #include "OSVersion.h"
 #include "OrvSecure.h"
-#include "PathCase.h"
 #include "ResultKeys.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
-#include "TwoByteText.h"
 
 namespace {
 /// @return the name of the first file that the directory search returns, or no value when nothing matches or the
@@ -37,41 +33,31 @@ std::optional<std::string> FindFirstFileName(const std::string& directory, const
     return search.IsOpen() ? std::optional<std::string>(found.cFileName) : std::nullopt;
 }
 
-void PostFamilyResult(OSCode system, const DriverFamily& family, const std::string& driverDirectory)
+void PostVerdict(ResultVerdict verdict, const ExpectedResult& expected, const std::string& driverFile)
 {
     std::array<char, MAX_PATH> valueName{};
-    OrvSafeCopy("PostInstall", __LINE__, valueName.data(), valueName.size(), std::string(family.resultPrefix).c_str());
-    OrvSafeCat("PostInstall", __LINE__, valueName.data(), valueName.size(), "Install");
-
-    const std::optional<std::string> driverFile =
-        FindFirstFileName(driverDirectory, DriverFilePattern(family, IsWin7Family(system) || IsWin2K8R2Family(system)));
-    const bool failedBefore = DevicePassState.installErrorCode == kRememberedInstallError;
+    OrvSafeCopy("PostInstall", __LINE__, valueName.data(), valueName.size(), expected.valueName.c_str());
     std::array<char, MAX_PATH> version{};
-    const bool succeeded = driverFile && !failedBefore;
-    if (succeeded) {
-        Trace(R"(Driver sys file found in \system32\drivers)");
-        GetModuleVersion(driverDirectory + "\\" + *driverFile, version);
-    } else {
-        Trace(R"(Driver sys file NOT found in \system32\drivers)");
-        if (failedBefore) {
+    switch (verdict) {
+        case ResultVerdict::DriverFilePresent:
+            Trace(R"(Driver sys file found in \system32\drivers)");
+            GetModuleVersion(driverFile, version);
+            break;
+        case ResultVerdict::DriverRefused:
             // One failed install is reported once.
             DevicePassState.installErrorCode = 0;
-        }
+            [[fallthrough]];
+        case ResultVerdict::DriverFileMissing:
+            Trace(R"(Driver sys file NOT found in \system32\drivers)");
+            break;
     }
-    PostResultToRegistry(std::string(succeeded ? kResultSuccess : kResultFailure), valueName.data(), valueName.size(),
-                         version.data());
+    PostResultToRegistry(std::string(verdict == ResultVerdict::DriverFilePresent ? kResultSuccess : kResultFailure),
+                         valueName.data(), valueName.size(), version.data());
 }
 
 std::span<char> TextOf(std::span<char> buffer)
 {
     return {buffer.begin(), std::ranges::find(buffer, '\0')};
-}
-
-/// @return the text from its last backslash on; the whole text, which no family's prefix fits, when it has none.
-std::string_view FileNameOf(std::string_view path)
-{
-    const std::size_t backslash = LastBackslash(path, IsSystemLeadByte);
-    return backslash == std::string_view::npos ? path : path.substr(backslash);
 }
 } // namespace
 
@@ -85,23 +71,15 @@ int PostInstallRegResultFor(OSCode system, std::span<char> infPath)
     Trace("Enter -> PostInstallRegResult\n");
     const std::string systemDirectory = SystemDirectory();
     const std::string driverDirectory = systemDirectory.empty() ? std::string() : systemDirectory + R"(\drivers)";
-
-    const std::span<char> path = TextOf(infPath);
-    const std::string_view pathText(path.data(), path.size());
-    const std::string_view fileName = FileNameOf(pathText);
-    Trace("inf file name and path is ->");
-    Trace(pathText);
-    Trace("inf file name is ->");
-    Trace(fileName);
-
-    // The caller keeps the path in upper case, by design; the family names are in upper case as they stand.
-    MakePathUpperCase(path);
-    const DriverFamily* family = FamilyOfInf(fileName);
-    if (family == nullptr) {
-        Trace("A device other than a network device was installed");
+    InstallerLog log;
+    const std::optional<ExpectedResult> expected = ClassifyInf(TextOf(infPath), system, IsSystemLeadByte, log);
+    if (!expected) {
         return 0;
     }
-    PostFamilyResult(system, *family, driverDirectory);
+    const std::optional<std::string> driverFile = FindFirstFileName(driverDirectory, expected->filePattern);
+    const bool refused = DevicePassState.installErrorCode == kRememberedInstallError;
+    PostVerdict(VerdictOnInstall(driverFile.has_value(), refused), *expected,
+                driverDirectory + "\\" + driverFile.value_or(""));
     UpdateTavunstRegistry();
     Trace("Exit -> PostInstallRegResult\n");
     return 1;

@@ -2,11 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace {
 constexpr int32_t kNotFound = -1;
 
-// Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 lies behind the end of every text.
+// Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 lies after the end of every text.
 int32_t LastPosition(std::string_view text, std::string_view marker)
 {
     const std::size_t position = text.rfind(marker);
@@ -24,30 +25,42 @@ std::string From(std::string_view text, int32_t position)
 }
 } // namespace
 
-std::optional<std::string> SearchIdForPass(std::string_view deviceId, int pass)
+SearchPass PlanPass(std::string_view deviceId, int pass)
 {
+    const auto own = [](std::string searchId) { return SearchPass{PassVerdict::OwnId, std::move(searchId)}; };
     const int32_t revision = LastPosition(deviceId, "&REV");
     const int32_t subSystem = LastPosition(deviceId, "&SUBSYS");
     switch (pass) {
         case kFirstSearchPass:
-            return std::string(deviceId);
+            return own(std::string(deviceId));
         case 2:
-            if (revision == 0) {
-                return std::nullopt;
-            }
-            return Before(deviceId, revision);
+            return revision == 0 ? SearchPass{} : own(Before(deviceId, revision));
         case 3:
             if (subSystem == 0 || revision == 0) {
-                return std::nullopt;
+                return {};
             }
-            // An ID without a revision throws here, by design: nothing in the search handles it.
-            return Before(deviceId, subSystem) + From(deviceId, revision);
+            if (revision == kNotFound) {
+                return {.verdict = PassVerdict::Fault, .searchId = {}};
+            }
+            return own(Before(deviceId, subSystem) + From(deviceId, revision));
         case kLastSearchPass:
-            if (subSystem == 0) {
-                return std::nullopt;
-            }
-            return Before(deviceId, subSystem);
+            return subSystem == 0 ? SearchPass{} : own(Before(deviceId, subSystem));
         default:
-            return std::nullopt;
+            return {};
     }
+}
+
+std::optional<std::string> SearchIdForPass(std::string_view deviceId, int pass)
+{
+    SearchPass plan = PlanPass(deviceId, pass);
+    switch (plan.verdict) {
+        case PassVerdict::OwnId:
+            return std::move(plan.searchId);
+        case PassVerdict::IdOfThePassBefore:
+            return std::nullopt;
+        case PassVerdict::Fault:
+            break;
+    }
+    // Throws, by design: the part to be kept lies after the end of the text, and nothing in the search handles that.
+    return From(deviceId, kNotFound);
 }

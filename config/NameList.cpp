@@ -1,0 +1,10 @@
+#include "NameList.h"
+
+#include <algorithm>
+
+#include "DriverInstallRecord.h"
+
+bool ContainsName(const std::vector<std::string>& names, std::string_view name)
+{
+    return std::ranges::any_of(names, [name](const std::string& other) { return EqualsIgnoringCase(name, other); });
+}

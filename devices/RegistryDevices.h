@@ -1,0 +1,10 @@
+#pragma once
+
+#include "DeviceAcceptance.h"
+
+/// The devices of this machine's registry.
+class RegistryDevices final : public PciDevices
+{
+public:
+    [[nodiscard]] FirstInstance FirstInstanceOf(const std::string& devicePath) override;
+};
