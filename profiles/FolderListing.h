@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the readers need of a folder on this machine. What cannot be read is not there; nothing is thrown for it.
+
+/// @return the names of the files and folders in `folder`, in the order of the file system.
+[[nodiscard]] std::vector<std::string> NamesIn(const std::filesystem::path& folder);
+
+/// @param path  A path below `folder` as the platform spells it: parts are separated by backslashes or slashes, and
+/// letter
+///              case does not count.
+/// @return where it lies on this machine; none when it does not exist.
+[[nodiscard]] std::optional<std::filesystem::path> FindPath(const std::filesystem::path& folder, std::string_view path);
+
+/// @return the bytes of a file; none when it cannot be read.
+[[nodiscard]] std::optional<std::string> ReadFileBytes(const std::filesystem::path& file);
