@@ -37,7 +37,8 @@ bool GetInfFile(const char* key, const std::string& directory, const DriverInsta
 InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
                                  const std::vector<std::string>& excludes)
 {
-    KitSearch search = InstallerSearch(system, std::string(family));
+    const InstallerSearch installer(system, std::string(family));
+    KitSearch search = installer;
     search.forceInfScan = forceInfScan;
     return ReadSearchRules(search, excludes);
 }
