@@ -49,6 +49,7 @@ struct Fact
 
     [[nodiscard]] explicit operator bool() const { return value.has_value(); }
     [[nodiscard]] const T& operator*() const { return *value; }
+    [[nodiscard]] const T* operator->() const { return &*value; }
     bool operator==(const Fact&) const = default;
 };
 
@@ -61,17 +62,17 @@ inline constexpr uint32_t kRegistryTextList = 7;       // REG_MULTI_SZ
 
 /// A registry value as an 8-bit call returns it: the types that hold text in the machine's code page, every other type
 /// as it is stored. A terminator that is not stored is missing here too.
-struct RegistryValue
+struct EightBitValue
 {
     uint32_t type = 0;
     std::string bytes;
-    bool operator==(const RegistryValue&) const = default;
+    bool operator==(const EightBitValue&) const = default;
 };
 
 /// @return the text of a value of a type that holds text, up to its first NUL; empty for every other type.
-[[nodiscard]] std::string_view TextIn(const RegistryValue& value);
+[[nodiscard]] std::string_view TextIn(const EightBitValue& value);
 /// @return the number in a value of 4 bytes.
-[[nodiscard]] std::optional<uint32_t> NumberIn(const RegistryValue& value);
+[[nodiscard]] std::optional<uint32_t> NumberIn(const EightBitValue& value);
 
 enum class Presence
 {
@@ -84,22 +85,22 @@ enum class Presence
 struct PciInstance
 {
     std::string name;
-    std::optional<RegistryValue> compatibleIds;
-    std::optional<RegistryValue> hardwareIds;
-    std::optional<RegistryValue> setupClass;
-    std::optional<RegistryValue> setupClassGuid;
-    std::optional<RegistryValue> service;
-    std::optional<RegistryValue> driver;
-    std::optional<RegistryValue> configFlags;
-    std::optional<RegistryValue> description;
-    std::optional<RegistryValue> friendlyName;
+    std::optional<EightBitValue> compatibleIds;
+    std::optional<EightBitValue> hardwareIds;
+    std::optional<EightBitValue> setupClass;
+    std::optional<EightBitValue> setupClassGuid;
+    std::optional<EightBitValue> service;
+    std::optional<EightBitValue> driver;
+    std::optional<EightBitValue> configFlags;
+    std::optional<EightBitValue> description;
+    std::optional<EightBitValue> friendlyName;
     Presence presence = Presence::Unknown;
     bool operator==(const PciInstance&) const = default;
 };
 
 /// The values of an instance and the names that they have in the registry.
 inline constexpr std::array kInstanceValues =
-    std::to_array<std::pair<std::string_view, std::optional<RegistryValue> PciInstance::*>>({
+    std::to_array<std::pair<std::string_view, std::optional<EightBitValue> PciInstance::*>>({
         {"CompatibleIDs", &PciInstance::compatibleIds},
         {"HardwareID", &PciInstance::hardwareIds},
         {"Class", &PciInstance::setupClass},
@@ -131,16 +132,16 @@ struct SystemVersion
     bool operator==(const SystemVersion&) const = default;
 };
 
-/// What the registry says of the system. These are the system's own facts; SystemView.h says what the installer makes of
-/// them.
+/// What the registry says of the system. These are the system's own facts; SystemView.h says what the installer makes
+/// of them.
 struct SystemDescription
 {
     Fact<SystemVersion> version;
-    Fact<uint32_t> platform;      ///< kPlatform9x or kPlatformNT
-    Fact<uint16_t> servicePack;   ///< major number of the service pack
-    Fact<uint8_t> productType;    ///< kProductWorkstation and so on
-    Fact<uint16_t> architecture;  ///< native processor: 0 x86, 5 ARM, 6 IA-64, 9 x64, 12 ARM64
-    Fact<uint32_t> codePage;      ///< of the 8-bit calls
+    Fact<uint32_t> platform;     ///< kPlatform9x or kPlatformNT
+    Fact<uint16_t> servicePack;  ///< major number of the service pack
+    Fact<uint8_t> productType;   ///< kProductWorkstation and so on
+    Fact<uint16_t> architecture; ///< native processor: 0 x86, 5 ARM, 6 IA-64, 9 x64, 12 ARM64
+    Fact<uint32_t> codePage;     ///< of the 8-bit calls
     Fact<std::vector<std::string>> productSuites;
     Fact<std::string> productName;
     Fact<std::string> installationType; ///< "Client", "Server", "Server Core"; from 6.1 on
@@ -170,8 +171,8 @@ struct Machine
     std::string name;   ///< for people: see NameOfMachine
     std::string source; ///< the file, as the user named it; "-" or "live"
     SourceKind kind = SourceKind::Export;
-    bool refused = false; ///< nothing could be read: the diagnostics say why, everything below is empty
-    bool dirty = false;   ///< a hive that was not closed: its latest changes may be missing
+    bool refused = false;   ///< nothing could be read: the diagnostics say why, everything below is empty
+    bool dirty = false;     ///< a hive that was not closed: its latest changes may be missing
     std::string controlSet; ///< the control set that was read, such as "ControlSet001"; empty when there is none
     SystemDescription system;
     RestartFacts restart;

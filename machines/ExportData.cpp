@@ -1,0 +1,220 @@
+#include "ExportData.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+
+bool IsBlank(char16_t unit)
+{
+    return unit == u' ' || unit == u'\t';
+}
+
+std::optional<uint8_t> DigitOf(char16_t unit)
+{
+    if (unit >= u'0' && unit <= u'9') {
+        return static_cast<uint8_t>(unit - u'0');
+    }
+    const char16_t lower = unit | 0x20;
+    return lower >= u'a' && lower <= u'f' ? std::optional(static_cast<uint8_t>(lower - u'a' + 10)) : std::nullopt;
+}
+
+/// @return the number of 1 to 8 hexadecimal digits; no value for anything else.
+std::optional<uint32_t> NumberOf(std::u16string_view digits)
+{
+    if (digits.empty() || digits.size() > 8) {
+        return std::nullopt;
+    }
+    uint32_t number = 0;
+    for (const char16_t unit : digits) {
+        const std::optional<uint8_t> digit = DigitOf(unit);
+        if (!digit) {
+            return std::nullopt;
+        }
+        number = number << 4 | *digit;
+    }
+    return number;
+}
+
+bool TakePrefix(std::u16string_view& text, std::u16string_view lowerCase)
+{
+    const auto same = [](char16_t unit, char16_t wanted) {
+        return (unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit) == wanted;
+    };
+    if (text.size() < lowerCase.size() || !std::ranges::equal(text.substr(0, lowerCase.size()), lowerCase, same)) {
+        return false;
+    }
+    text.remove_prefix(lowerCase.size());
+    return true;
+}
+
+/// Reads text with escapes up to the closing quotation mark, which is taken too.
+/// @return true when there is one.
+bool ReadQuoted(std::u16string_view& text, std::u16string& out)
+{
+    while (!text.empty()) {
+        const char16_t unit = text.front();
+        text.remove_prefix(1);
+        if (unit == u'"') {
+            return true;
+        }
+        if (unit != u'\\' || text.empty()) {
+            out.push_back(unit);
+            continue;
+        }
+        const char16_t escaped = text.front();
+        text.remove_prefix(1);
+        // Some writers escape the ends of lines too; before any other character the backslash counts for itself.
+        if (escaped == u'n') {
+            out.push_back(u'\n');
+        } else if (escaped == u'r') {
+            out.push_back(u'\r');
+        } else if (escaped == u'\\' || escaped == u'"') {
+            out.push_back(escaped);
+        } else {
+            out.push_back(unit);
+            out.push_back(escaped);
+        }
+    }
+    return false;
+}
+
+/// @return true when nothing but blanks or a comment follows.
+bool EndsHere(std::u16string_view rest)
+{
+    rest = WithoutBlanks(rest);
+    return rest.empty() || rest.front() == u';';
+}
+} // namespace
+
+std::u16string_view WithoutBlanks(std::u16string_view text)
+{
+    while (!text.empty() && IsBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && IsBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::optional<std::u16string> TakeName(std::u16string_view& line)
+{
+    std::u16string name;
+    if (line.starts_with(u'@')) {
+        line.remove_prefix(1);
+        return name;
+    }
+    if (!line.starts_with(u'"')) {
+        return std::nullopt;
+    }
+    line.remove_prefix(1);
+    return ReadQuoted(line, name) ? std::optional(name) : std::nullopt;
+}
+
+ExportData::State ExportData::Begin(std::u16string_view data, ExportText text, bool wideHex)
+{
+    m_value = {.type = kRegistryText, .bytes = {}, .wide = text != ExportText::EightBit};
+    m_text.clear();
+    data = WithoutBlanks(data);
+    if (data.starts_with(u'"')) {
+        data.remove_prefix(1);
+        return m_state = ReadText(data);
+    }
+    if (data.starts_with(u'-')) {
+        return m_state = EndsHere(data.substr(1)) ? State::Deletes : State::Bad;
+    }
+    if (TakePrefix(data, u"dword:")) {
+        return m_state = BeginNumber(data);
+    }
+    return m_state = TakePrefix(data, u"hex") ? BeginBytes(data, wideHex) : State::Bad;
+}
+
+ExportData::State ExportData::Continue(std::u16string_view line)
+{
+    if (m_state == State::OpenText) {
+        m_text += u"\r\n";
+        return m_state = ReadText(line);
+    }
+    return m_state = m_state == State::OpenBytes ? ReadBytes(line) : State::Bad;
+}
+
+StoredValue ExportData::Take()
+{
+    m_state = State::Bad;
+    return std::exchange(m_value, {});
+}
+
+ExportData::State ExportData::BeginNumber(std::u16string_view digits)
+{
+    const std::optional<uint32_t> number = NumberOf(WithoutBlanks(digits.substr(0, digits.find(u';'))));
+    if (!number) {
+        return State::Bad;
+    }
+    m_value.type = kRegistryNumber;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        m_value.bytes.push_back(static_cast<char>(*number >> shift & 0xFF));
+    }
+    return State::Complete;
+}
+
+ExportData::State ExportData::BeginBytes(std::u16string_view data, bool wideHex)
+{
+    m_value.type = kRegistryBinary;
+    m_value.wide = wideHex;
+    if (data.starts_with(u'(')) {
+        const std::size_t end = data.find(u')');
+        const std::optional<uint32_t> type =
+            end == std::u16string_view::npos ? std::nullopt : NumberOf(data.substr(1, end - 1));
+        if (!type) {
+            return State::Bad;
+        }
+        m_value.type = *type;
+        data.remove_prefix(end + 1);
+    }
+    if (!data.starts_with(u':')) {
+        return State::Bad;
+    }
+    return ReadBytes(data.substr(1));
+}
+
+ExportData::State ExportData::ReadText(std::u16string_view text)
+{
+    const bool isClosed = ReadQuoted(text, m_text);
+    if (m_text.size() > kMostBytes || (isClosed && !EndsHere(text))) {
+        return State::Bad;
+    }
+    if (!isClosed) {
+        return State::OpenText;
+    }
+    m_text.push_back(u'\0');
+    if (m_value.wide) {
+        m_value.bytes = BytesOf(m_text);
+    } else {
+        m_value.bytes.resize(m_text.size());
+        std::ranges::transform(m_text, m_value.bytes.begin(), [](char16_t unit) { return static_cast<char>(unit); });
+    }
+    return State::Complete;
+}
+
+/// Reads pairs of digits with commas between them, up to the line's end or a backslash there.
+ExportData::State ExportData::ReadBytes(std::u16string_view bytes)
+{
+    bytes = WithoutBlanks(bytes.substr(0, bytes.find(u';')));
+    const bool goesOn = bytes.ends_with(u'\\');
+    if (goesOn) {
+        bytes.remove_suffix(1);
+    }
+    while (!(bytes = WithoutBlanks(bytes)).empty()) {
+        const std::size_t comma = std::min(bytes.find(u','), bytes.size());
+        const std::u16string_view digits = WithoutBlanks(bytes.substr(0, comma));
+        const std::optional<uint32_t> byte = digits.size() > 2 ? std::nullopt : NumberOf(digits);
+        if (!byte || m_value.bytes.size() == kMostBytes) {
+            return State::Bad;
+        }
+        m_value.bytes.push_back(static_cast<char>(*byte));
+        bytes.remove_prefix(std::min(comma + 1, bytes.size()));
+    }
+    return goesOn ? State::OpenBytes : State::Complete;
+}

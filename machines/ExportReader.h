@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ExportData.h"
+#include "ExportLines.h"
+#include "Machine.h"
+#include "RegistryTree.h"
+#include "WantedKeys.h"
+
+/// Reads a registry export block by block and keeps the keys that a description of a machine needs. Its own damage is
+/// reported and skipped; what is whole is read.
+class ExportReader
+{
+public:
+    /// @param source  Name of the file for the diagnostics.
+    explicit ExportReader(std::string source);
+    ExportReader(const ExportReader&) = delete;
+    ExportReader& operator=(const ExportReader&) = delete;
+
+    void Feed(std::string_view bytes);
+    void Finish();
+
+    /// @return true when the file is no export; reading on is of no use.
+    [[nodiscard]] bool IsRefused() const { return m_isRefused; }
+    [[nodiscard]] const RegistryTree& Tree() const { return m_tree; }
+    [[nodiscard]] const std::vector<Diagnostic>& Diagnostics() const { return m_diagnostics; }
+
+private:
+    void ReadLine(const ExportLine& line);
+    void ReadFirstLine(const ExportLine& line);
+    void ReadOtherLine(const ExportLine& line);
+    void GoOn(const ExportLine& line);
+    void ReadBracket(const ExportLine& line);
+    void ReadKey(std::u16string_view path, const ExportLine& line, bool isRemoved);
+    void ReadValue(const ExportLine& line);
+    void TakeData(ExportData::State state);
+    [[nodiscard]] bool IsOpen() const { return m_open != ExportData::State::Complete; }
+    bool ReadHeader(std::u16string_view text);
+
+    void WarnOfSize(std::size_t line);
+    void Refuse(std::size_t line, std::string what);
+    void Warn(std::size_t line, std::string what, std::string cure);
+
+    std::string m_source;
+    RegistryTree m_tree;
+    std::vector<Diagnostic> m_diagnostics;
+    std::size_t m_unsaid = 0; // diagnostics beyond those kept
+    std::size_t m_lastUnsaid = 0;
+    bool m_saidSize = false;
+    bool m_isRefused = false;
+    bool m_sawHeader = false;
+    bool m_wideHex = true;
+
+    // The key whose values are read; null while keys are skipped that are not needed.
+    RegistryKey* m_key = nullptr;
+    const WantedKey* m_wanted = nullptr;
+    std::u16string m_valueName;
+    std::size_t m_valueLine = 0;
+    ExportData m_data;
+    // OpenText or OpenBytes while a value goes on in the next line, else Complete.
+    ExportData::State m_open = ExportData::State::Complete;
+
+    // Last: it calls this object.
+    ExportLines m_lines;
+};

@@ -1,0 +1,77 @@
+#include "RegistryTree.h"
+
+#include <utility>
+
+RegistryKey* RegistryTree::Enter(std::span<const StoredName> path)
+{
+    RegistryKey* key = &m_root;
+    for (const StoredName& name : path) {
+        std::u16string upper = UpperCaseName(name.units);
+        const auto found = key->keys.find(upper);
+        if (found != key->keys.end()) {
+            key = &found->second;
+            continue;
+        }
+        m_bytes += kBytesOfKey + 2 * sizeof(char16_t) * upper.size();
+        if (m_bytes > kMostBytes) {
+            return nullptr;
+        }
+        key = &key->keys.emplace(std::move(upper), RegistryKey{.name = name, .keys = {}, .values = {}}).first->second;
+    }
+    return key;
+}
+
+bool RegistryTree::SetValue(RegistryKey& key, std::u16string_view name, StoredValue value)
+{
+    // A value that is replaced counts on: the limit is for all that comes in.
+    m_bytes += value.bytes.size() + sizeof(char16_t) * name.size();
+    if (m_bytes > kMostBytes) {
+        return false;
+    }
+    key.values.insert_or_assign(UpperCaseName(name), std::move(value));
+    return true;
+}
+
+void RegistryTree::Remove(std::span<const StoredName> path)
+{
+    RegistryKey* parent = &m_root;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        const auto found = parent->keys.find(UpperCaseName(path[at].units));
+        if (found == parent->keys.end()) {
+            return;
+        }
+        if (at + 1 == path.size()) {
+            parent->keys.erase(found);
+            return;
+        }
+        parent = &found->second;
+    }
+}
+
+const RegistryKey* RegistryTree::Find(std::string_view path) const
+{
+    return FindKey(m_root, path);
+}
+
+const RegistryKey* FindKey(const RegistryKey& key, std::string_view path)
+{
+    const RegistryKey* found = &key;
+    for (;;) {
+        const std::size_t end = path.find('\\');
+        const auto next = found->keys.find(UpperCaseName(path.substr(0, end)));
+        if (next == found->keys.end()) {
+            return nullptr;
+        }
+        found = &next->second;
+        if (end == std::string_view::npos) {
+            return found;
+        }
+        path.remove_prefix(end + 1);
+    }
+}
+
+const StoredValue* FindValue(const RegistryKey& key, std::string_view name)
+{
+    const auto found = key.values.find(UpperCaseName(name));
+    return found == key.values.end() ? nullptr : &found->second;
+}

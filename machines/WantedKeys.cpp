@@ -1,0 +1,43 @@
+#include "WantedKeys.h"
+
+#include <algorithm>
+
+namespace {
+bool Fits(std::span<const std::u16string_view> path, std::string_view pattern)
+{
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        const std::size_t end = pattern.find('\\');
+        const std::string_view wanted = pattern.substr(0, end);
+        const bool fits = wanted != "*" ? NameIs(path[at], wanted) : at != 1 || IsControlSet(path[at]);
+        const bool isLast = at + 1 == path.size();
+        if (!fits || isLast != (end == std::string_view::npos)) {
+            return false;
+        }
+        pattern.remove_prefix(isLast ? pattern.size() : end + 1);
+    }
+    return !path.empty();
+}
+} // namespace
+
+const WantedKey* FindWantedKey(std::span<const std::u16string_view> path)
+{
+    const auto* const found =
+        std::ranges::find_if(kWantedKeys, [path](const WantedKey& key) { return Fits(path, key.path); });
+    return found == kWantedKeys.end() ? nullptr : found;
+}
+
+bool WantsValue(const WantedKey& key, std::u16string_view name)
+{
+    return std::ranges::any_of(key.values, [name](std::string_view wanted) { return NameIs(name, wanted); });
+}
+
+bool IsControlSet(std::u16string_view name)
+{
+    constexpr std::string_view kNumbered = "CONTROLSET";
+    if (NameIs(name, "CURRENTCONTROLSET")) {
+        return true;
+    }
+    return name.size() == kNumbered.size() + 3 && NameIs(name.substr(0, kNumbered.size()), kNumbered) &&
+           std::ranges::all_of(name.substr(kNumbered.size()),
+                               [](char16_t unit) { return unit >= u'0' && unit <= u'9'; });
+}

@@ -1,0 +1,2 @@
+#include "Commands.h"
+ExitCode Run(const DiffCommand& /*command*/) { return ExitCode::Usage; }

@@ -1,0 +1,2 @@
+#include "Commands.h"
+ExitCode Run(const ExplainCommand& /*command*/) { return ExitCode::Usage; }
