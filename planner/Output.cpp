@@ -90,6 +90,13 @@ void Output::Say(const Diagnostic& diagnostic)
     std::fputs(line.c_str(), stderr);
 }
 
+void Output::Say(const std::vector<Diagnostic>& diagnostics)
+{
+    for (const Diagnostic& diagnostic : diagnostics) {
+        Say(diagnostic);
+    }
+}
+
 void Output::Complain(const std::string& text)
 {
     ClearProgress();

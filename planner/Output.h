@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Machine.h"
 #include "TextStyle.h"
@@ -40,6 +41,7 @@ public:
 
     /// Says something about an input. Notes and warnings are left out when the user wants quiet.
     void Say(const Diagnostic& diagnostic);
+    void Say(const std::vector<Diagnostic>& diagnostics);
     /// Says why a command cannot be done.
     void Complain(const std::string& text);
 

@@ -116,7 +116,7 @@ enum class MachineOutcome
 };
 
 /// A reason to restart after the run.
-struct RestartReason
+struct RestartAnswer
 {
     std::string id;               ///< "dma-engine", "iscsi-boot", "fcoe-boot"
     std::optional<bool> holds;    ///< no value when the machine's description does not tell
@@ -135,7 +135,7 @@ struct MachinePlan
     std::vector<DevicePlan> devices;
     std::vector<RejectedDevice> rejected;
     std::size_t notReached = 0; ///< devices after the one that ends the run with a fault
-    std::vector<RestartReason> restart;
+    std::vector<RestartAnswer> restart;
     std::vector<Diagnostic> diagnostics;
 };
 

@@ -58,14 +58,7 @@ public:
         std::string trace;
         const MachinePlan plan = m_planner.Plan(machine, m_command.format == PlanFormat::Trace ? &trace : nullptr);
         answer.lacksDriver = LacksDriver(plan);
-        answer.diagnostics = machine.diagnostics;
-        if (plan.outcome == MachineOutcome::UnknownSystem) {
-            answer.diagnostics.push_back({.severity = Severity::Error,
-                                          .source = machine.source,
-                                          .line = 0,
-                                          .what = plan.problem,
-                                          .cure = {}});
-        }
+        answer.diagnostics = plan.diagnostics;
         const MachinePaths& paths = m_planner.Kit().Paths();
         switch (m_command.format) {
             case PlanFormat::Text:
@@ -106,9 +99,7 @@ ExitCode Run(const PlanCommand& command)
         return ExitCode::Usage;
     }
     const MachineSources machines = ExpandSources(command.machines);
-    for (const Diagnostic& diagnostic : machines.diagnostics) {
-        output.Say(diagnostic);
-    }
+    output.Say(machines.diagnostics);
     Planner planner(*kit, command.wish);
     const std::size_t count = machines.sources.size();
     const PlanPrinter printer(command, planner, output.Style(), count == 1);
@@ -120,15 +111,11 @@ ExitCode Run(const PlanCommand& command)
         count, [&](std::size_t index) { return printer.AnswerFor(ReadMachine(machines.sources[index])); },
         [&](Answer&& answer) {
             output.Write((done == 0 ? std::string() : printer.Between()) + answer.text);
-            for (const Diagnostic& diagnostic : answer.diagnostics) {
-                output.Say(diagnostic);
-            }
+            output.Say(answer.diagnostics);
             lacksDriver = lacksDriver || answer.lacksDriver;
             output.ShowProgress(++done, count);
         });
     output.Write(printer.Tail());
-    for (const Diagnostic& remark : kit->Remarks()) {
-        output.Say(remark);
-    }
+    output.Say(kit->Remarks());
     return output.Finish(command.requireDriver && lacksDriver ? ExitCode::Findings : ExitCode::Clean);
 }

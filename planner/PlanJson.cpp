@@ -95,10 +95,10 @@ void WriteSystem(JsonWriter& json, const PlannedSystem& system)
     json.EndObject();
 }
 
-void WriteRestart(JsonWriter& json, const std::vector<RestartReason>& reasons)
+void WriteRestart(JsonWriter& json, const std::vector<RestartAnswer>& reasons)
 {
     json.Key("restart").BeginArray();
-    for (const RestartReason& reason : reasons) {
+    for (const RestartAnswer& reason : reasons) {
         json.BeginObject();
         json.Key("reason").Text(reason.id);
         json.Key("holds");
@@ -124,17 +124,22 @@ void WriteNotes(JsonWriter& json, const std::vector<Diagnostic>& diagnostics)
 }
 } // namespace
 
+void WriteKit(JsonWriter& json, std::string_view key, const KitFolder& kit)
+{
+    json.Key(key).BeginObject();
+    json.Key("path").Text(kit.Where().folder.generic_string());
+    json.Key("setupDir").Text(kit.Where().setupDir);
+    json.Key("reader").Text(kit.Dialect() == ProfileDialect::Windows ? "windows" : "wine");
+    json.EndObject();
+}
+
 std::string PlanJsonHead(const KitFolder& kit)
 {
     std::string text;
     JsonWriter json(text);
     json.BeginObject();
     json.Key("schema").Text("morvix-plan/1");
-    json.Key("kit").BeginObject();
-    json.Key("path").Text(kit.Where().folder.generic_string());
-    json.Key("setupDir").Text(kit.Where().setupDir);
-    json.Key("reader").Text(kit.Dialect() == ProfileDialect::Windows ? "windows" : "wine");
-    json.EndObject();
+    WriteKit(json, "kit", kit);
     json.Key("machines").BeginArray();
     return text;
 }

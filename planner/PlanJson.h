@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "JsonWriter.h"
 #include "KitFolder.h"
 #include "Plan.h"
 
@@ -13,3 +14,6 @@
 [[nodiscard]] std::string PlanJsonMachine(const MachinePlan& plan, const MachinePaths& paths);
 /// @return the end of a document, after its last machine.
 [[nodiscard]] std::string PlanJsonTail();
+
+/// Writes a key and what a kit is.
+void WriteKit(JsonWriter& json, std::string_view key, const KitFolder& kit);

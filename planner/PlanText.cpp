@@ -97,9 +97,9 @@ void AppendRejected(std::string& out, const std::vector<RejectedDevice>& rejecte
     }
 }
 
-void AppendRestart(std::string& out, const std::vector<RestartReason>& reasons, const TextStyle& style)
+void AppendRestart(std::string& out, const std::vector<RestartAnswer>& reasons, const TextStyle& style)
 {
-    for (const RestartReason& reason : reasons) {
+    for (const RestartAnswer& reason : reasons) {
         const std::string answer = !reason.holds ? "unknown" : *reason.holds ? "yes" : "no";
         AppendField(out, style, "restart", reason.id + ": " + answer + "; " + Printable(reason.why),
                     reason.holds.value_or(false) ? Colour::Doubtful : Colour::None);

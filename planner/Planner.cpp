@@ -93,6 +93,11 @@ MachinePlan Planner::Plan(const Machine& machine, std::string* trace)
     std::optional<PlannedSystem> system = ChooseSystem(machine, m_wish.system, plan.problem);
     if (!system) {
         plan.outcome = MachineOutcome::UnknownSystem;
+        plan.diagnostics.push_back({.severity = Severity::Error,
+                                    .source = machine.source,
+                                    .line = 0,
+                                    .what = plan.problem,
+                                    .cure = "name the system with --system"});
         return plan;
     }
     plan.system = *std::move(system);

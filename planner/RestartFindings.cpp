@@ -1,6 +1,6 @@
 #include "RestartFindings.h"
 
-std::vector<RestartReason> RestartFindings(const Machine& /*machine*/, const MachinePlan& /*plan*/)
+std::vector<RestartAnswer> RestartFindings(const Machine& /*machine*/, const MachinePlan& /*plan*/)
 {
     return {};
 }

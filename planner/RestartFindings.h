@@ -6,4 +6,4 @@
 #include "Plan.h"
 
 /// @return the installer's reasons to restart after a run, as far as a description of the machine tells.
-[[nodiscard]] std::vector<RestartReason> RestartFindings(const Machine& machine, const MachinePlan& plan);
+[[nodiscard]] std::vector<RestartAnswer> RestartFindings(const Machine& machine, const MachinePlan& plan);

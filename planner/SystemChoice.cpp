@@ -70,7 +70,7 @@ std::optional<PlannedSystem> ChooseSystem(const Machine& machine, const SystemWi
         system.from = "option";
     }
     if (!view) {
-        problem = "the system is not known: " + MissingForView(machine.system) + "; name it with --system";
+        problem = "the system is not known: " + MissingForView(machine.system);
         return std::nullopt;
     }
     system.code = view->code;
