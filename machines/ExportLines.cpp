@@ -10,8 +10,8 @@ constexpr std::string_view kMarkUtf8{"\xEF\xBB\xBF", 3};
 constexpr std::string_view kEightBitHeader = "REGEDIT4";
 // Enough to recognise a mark or a header at the beginning of a line.
 constexpr std::size_t kLookAhead = 8;
-// The longest value that a registry holds comfortably takes 1 MiB, and six bytes a byte in an export.
-constexpr std::size_t kMostLineBytes = std::size_t{8} << 20;
+// A text of 1 MiB in UTF-16 takes 2 MiB; lines of bytes are short.
+constexpr std::size_t kMostLineBytes = std::size_t{4} << 20;
 } // namespace
 
 char16_t ExportLine::First() const
@@ -100,11 +100,8 @@ void ExportLines::Emit(std::string_view bytes, bool isLast, bool isShifted)
         return;
     }
     const std::size_t width = IsWide() ? 2 : 1;
-    bool isCut = false;
-    if (bytes.size() > kMostLineBytes) {
-        bytes = bytes.substr(0, kMostLineBytes);
-        isCut = true;
-    }
+    const bool isCut = bytes.size() > kMostLineBytes;
+    bytes = bytes.substr(0, kMostLineBytes);
     if (width == 1 ? bytes.ends_with('\r') : bytes.ends_with(std::string_view("\r\0", 2))) {
         bytes.remove_suffix(width);
     }
@@ -150,10 +147,10 @@ void ExportLines::Feed(std::string_view bytes)
         m_rest.erase(0, TakeLines(m_rest, false));
     }
     m_searched = m_rest.size() < kLookAhead ? 0 : (m_rest.size() - 4) & ~std::size_t{1};
-    if (m_rest.size() > 2 * kMostLineBytes) {
+    if (m_rest.size() > kMostLineBytes) {
         const std::size_t number = m_number;
         if (!m_skipsRest) {
-            Emit(std::string_view(m_rest).substr(0, m_rest.size() & ~std::size_t{1}), false, false);
+            Emit(m_rest, false, false);
         }
         m_number = number;
         m_skipsRest = true;

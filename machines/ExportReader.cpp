@@ -8,7 +8,6 @@
 
 namespace {
 constexpr std::size_t kMostDiagnostics = 20;
-constexpr std::size_t kMostKeyUnits = 0x8000;
 constexpr char16_t kMark = 0xFEFF;
 constexpr char kExportAgain[] = "export it again";
 
@@ -63,8 +62,8 @@ std::u16string_view WithoutMark(std::u16string_view text)
 }
 } // namespace
 
-ExportReader::ExportReader(std::string source)
-    : m_source(std::move(source)), m_lines([this](const ExportLine& line) { ReadLine(line); })
+ExportReader::ExportReader(std::string source, std::size_t mostBytes)
+    : m_source(std::move(source)), m_tree(mostBytes), m_lines([this](const ExportLine& line) { ReadLine(line); })
 {
 }
 
@@ -106,7 +105,7 @@ void ExportReader::Finish()
 void ExportReader::Refuse(std::size_t line, std::string what)
 {
     m_isRefused = true;
-    m_tree = {};
+    m_tree = RegistryTree();
     m_key = nullptr;
     m_diagnostics = {{.severity = Severity::Error,
                       .source = m_source,
@@ -138,11 +137,14 @@ void ExportReader::ReadLine(const ExportLine& line)
         ReadFirstLine(line);
         return;
     }
+    const char16_t first = line.First();
     if (line.isShifted) {
         Warn(line.number, "a byte is missing or too many in this line; what follows is read from the next line on",
              kExportAgain);
+        m_open = ExportData::State::Complete;
+        m_key = first == u'[' ? nullptr : m_key;
+        return;
     }
-    const char16_t first = line.First();
     if (first == u'[') {
         ReadBracket(line);
     } else if (IsOpen()) {
@@ -181,19 +183,24 @@ void ExportReader::ReadFirstLine(const ExportLine& line)
     }
     const std::u16string text = line.Text();
     if (!ReadHeader(text) && !WithoutBlanks(text).empty()) {
-        Refuse(line.number, "it begins with \"" + Printable(text.substr(0, 40)) + "\"");
+        const std::string begin =
+            line.text == ExportText::EightBit ? Printable(line.bytes.substr(0, 40)) : Printable(text.substr(0, 40));
+        Refuse(line.number, "it begins with \"" + begin + "\"");
     }
 }
 
 /// A line that is neither a key nor a value.
 void ExportReader::ReadOtherLine(const ExportLine& line)
 {
+    if (line.isCut) {
+        return;
+    }
     const std::u16string text = line.Text();
     const std::u16string_view content = WithoutBlanks(text);
     if (content.empty() || content.starts_with(u';') || ReadHeader(content)) {
         return;
     }
-    if (m_key != nullptr && !line.isShifted) {
+    if (m_key != nullptr) {
         Warn(line.number, "neither a key nor a value: \"" + Printable(content.substr(0, 40)) + "\"", kExportAgain);
     }
 }
@@ -202,6 +209,12 @@ void ExportReader::ReadOtherLine(const ExportLine& line)
 /// then the text has lost its end.
 void ExportReader::ReadBracket(const ExportLine& line)
 {
+    if (line.isCut) {
+        m_key = nullptr;
+        m_open = ExportData::State::Complete;
+        Warn(line.number, "a line that is too long to be a key", kExportAgain);
+        return;
+    }
     const std::u16string text = line.Text();
     std::u16string_view path = WithoutBlanks(text).substr(1);
     const bool isRemoved = path.starts_with(u'-');
@@ -228,7 +241,7 @@ void ExportReader::ReadBracket(const ExportLine& line)
 
 void ExportReader::ReadKey(std::u16string_view path, const ExportLine& line, bool isRemoved)
 {
-    if (!path.ends_with(u']') || path.size() > kMostKeyUnits) {
+    if (!path.ends_with(u']')) {
         Warn(line.number, "a key's name without its end: \"" + Printable(path) + "\"", kExportAgain);
         return;
     }
@@ -258,6 +271,10 @@ void ExportReader::WarnOfSize(std::size_t line)
 
 void ExportReader::ReadValue(const ExportLine& line)
 {
+    if (line.isCut) {
+        Warn(line.number, "a line that is too long to be a value", kExportAgain);
+        return;
+    }
     const std::u16string text = line.Text();
     std::u16string_view rest = text;
     // A file that was joined right behind a line without its end.
@@ -266,7 +283,7 @@ void ExportReader::ReadValue(const ExportLine& line)
     rest = rest.substr(0, mark);
     std::optional<std::u16string> name = TakeName(rest);
     rest = WithoutBlanks(rest);
-    if (!name || !rest.starts_with(u'=') || line.isCut) {
+    if (!name || !rest.starts_with(u'=')) {
         Warn(line.number, "a value that cannot be read: \"" + Printable(rest.substr(0, 40)) + "\"", kExportAgain);
     } else {
         m_valueName = *std::move(name);

@@ -17,8 +17,9 @@
 class ExportReader
 {
 public:
-    /// @param source  Name of the file for the diagnostics.
-    explicit ExportReader(std::string source);
+    /// @param source     Name of the file for the diagnostics.
+    /// @param mostBytes  How much is kept; what comes after that is left out.
+    explicit ExportReader(std::string source, std::size_t mostBytes = RegistryTree::kMostBytes);
     ExportReader(const ExportReader&) = delete;
     ExportReader& operator=(const ExportReader&) = delete;
 

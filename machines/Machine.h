@@ -124,19 +124,19 @@ struct PciDevice
 /// missing, which ends the installer's device pass with an error.
 using PciDevices = std::optional<std::vector<PciDevice>>;
 
-struct SystemVersion
+struct VersionNumbers
 {
     uint32_t major = 0;
     uint32_t minor = 0;
     uint32_t build = 0;
-    bool operator==(const SystemVersion&) const = default;
+    bool operator==(const VersionNumbers&) const = default;
 };
 
 /// What the registry says of the system. These are the system's own facts; SystemView.h says what the installer makes
 /// of them.
 struct SystemDescription
 {
-    Fact<SystemVersion> version;
+    Fact<VersionNumbers> version;
     Fact<uint32_t> platform;     ///< kPlatform9x or kPlatformNT
     Fact<uint16_t> servicePack;  ///< major number of the service pack
     Fact<uint8_t> productType;   ///< kProductWorkstation and so on

@@ -28,9 +28,9 @@ std::optional<uint32_t> TakeNumber(std::string_view& text)
 }
 
 /// @return the version in a text such as "6.1" or "4.10.2222".
-std::optional<SystemVersion> VersionIn(std::string_view text)
+std::optional<VersionNumbers> VersionIn(std::string_view text)
 {
-    SystemVersion version;
+    VersionNumbers version;
     const std::optional<uint32_t> major = TakeNumber(text);
     if (!major || !text.starts_with('.')) {
         return std::nullopt;
@@ -60,21 +60,20 @@ std::string NotUnderstood(const Fact<std::string>& text)
     return text.from + " is \"" + Printable(*text) + "\"";
 }
 
-/// The numbers count only beside a text of 6.3, which every system that writes them has: whoever puts another text
-/// there means that.
-Fact<SystemVersion> ReadVersion(const RegistryFacts& facts)
+/// The numbers came with version 10, for which the text still says 6.3.
+Fact<VersionNumbers> ReadVersion(const RegistryFacts& facts)
 {
     const Fact<std::string> text = facts.Text(kVersionKey, "CurrentVersion");
     const Fact<uint32_t> major = facts.Number(kVersionKey, "CurrentMajorVersionNumber");
     const Fact<uint32_t> minor = facts.Number(kVersionKey, "CurrentMinorVersionNumber");
-    std::optional<SystemVersion> version = text ? VersionIn(*text) : std::nullopt;
+    std::optional<VersionNumbers> version = text ? VersionIn(*text) : std::nullopt;
     std::string from = text.from;
-    if (major && minor && (!text || *text == "6.3")) {
-        version = SystemVersion{.major = *major, .minor = *minor};
+    if (major && minor) {
+        version = VersionNumbers{.major = *major, .minor = *minor};
         from = major.from;
     }
     if (!version) {
-        return Unknown<SystemVersion>(text ? NotUnderstood(text) : text.from);
+        return Unknown<VersionNumbers>(text ? NotUnderstood(text) : text.from);
     }
     if (const Fact<std::string> build = facts.Text(kVersionKey, "CurrentBuildNumber")) {
         std::string_view digits = *build;
@@ -83,14 +82,14 @@ Fact<SystemVersion> ReadVersion(const RegistryFacts& facts)
     return {.value = version, .from = from};
 }
 
-Fact<SystemVersion> ReadVersionOf9x(const RegistryFacts& facts)
+Fact<VersionNumbers> ReadVersionOf9x(const RegistryFacts& facts)
 {
     const Fact<std::string> text = facts.Text(kVersionKeyOf9x, "VersionNumber");
-    const std::optional<SystemVersion> version = text ? VersionIn(*text) : std::nullopt;
+    const std::optional<VersionNumbers> version = text ? VersionIn(*text) : std::nullopt;
     if (text && version) {
         return {.value = version, .from = text.from};
     }
-    return Unknown<SystemVersion>(text ? NotUnderstood(text) : text.from);
+    return Unknown<VersionNumbers>(text ? NotUnderstood(text) : text.from);
 }
 
 Fact<uint16_t> ReadServicePack(const RegistryFacts& facts)
@@ -108,10 +107,10 @@ Fact<uint16_t> ReadServicePack(const RegistryFacts& facts)
             return {.value = static_cast<uint16_t>(*number), .from = text.from};
         }
     }
-    if (text) {
+    if (text && !text->empty()) {
         return Unknown<uint16_t>(NotUnderstood(text));
     }
-    // A system without a service pack has no such value beside its version.
+    // A system without a service pack has no such value beside its version, or an empty one.
     if (facts.FindKey(kVersionKey) != nullptr) {
         return {.value = uint16_t{0}, .from = "HKLM\\" + std::string(kVersionKey) + " has no CSDVersion"};
     }
@@ -191,7 +190,7 @@ Fact<uint32_t> NdisVersionOf(const SystemDescription& system)
     if (!system.version) {
         return Unknown<uint32_t>("the system's version is not known");
     }
-    const SystemVersion version = *system.version;
+    const VersionNumbers version = *system.version;
     const std::string name = "Windows " + std::to_string(version.major) + "." + std::to_string(version.minor);
     const uint16_t servicePack = system.servicePack.value.value_or(0);
     if (version.major == 5 && version.minor == 2 && servicePack < 2) {
@@ -199,7 +198,7 @@ Fact<uint32_t> NdisVersionOf(const SystemDescription& system)
     }
     struct Row
     {
-        SystemVersion from;
+        VersionNumbers from;
         uint16_t servicePack;
         uint32_t minor;
         uint32_t major;
@@ -240,7 +239,7 @@ Fact<Initiator> FindInitiator(const RegistryFacts& facts)
     const std::string path = "*\\" + std::string(kStorageControllers);
     const RegistryKey* const controllers = facts.FindKey(path);
     if (controllers == nullptr && !facts.IsComplete()) {
-        return Unknown<Initiator>("the storage controllers are not in this export");
+        return Unknown<Initiator>("the storage controllers are not among what was read");
     }
     Initiator none{.parameters = nullptr, .from = "no storage controller is the iSCSI initiator"};
     if (controllers == nullptr) {
@@ -303,7 +302,7 @@ Fact<EightBitValue> RegistryFacts::Value(std::string_view path, std::string_view
     const std::string from = place.path + "\\" + std::string(name);
     const StoredValue* const value = place.key == nullptr ? nullptr : FindValue(*place.key, name);
     if (value == nullptr) {
-        return Unknown<EightBitValue>((m_isComplete ? "there is no " : "this export has no ") + from);
+        return Unknown<EightBitValue>((m_isComplete ? "there is no " : "not among what was read: ") + from);
     }
     return {.value = m_text.Of(*value), .from = from};
 }

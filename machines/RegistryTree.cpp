@@ -13,7 +13,7 @@ RegistryKey* RegistryTree::Enter(std::span<const StoredName> path)
             continue;
         }
         m_bytes += kBytesOfKey + 2 * sizeof(char16_t) * upper.size();
-        if (m_bytes > kMostBytes) {
+        if (m_bytes > m_mostBytes) {
             return nullptr;
         }
         key = &key->keys.emplace(std::move(upper), RegistryKey{.name = name, .keys = {}, .values = {}}).first->second;
@@ -25,7 +25,7 @@ bool RegistryTree::SetValue(RegistryKey& key, std::u16string_view name, StoredVa
 {
     // A value that is replaced counts on: the limit is for all that comes in.
     m_bytes += value.bytes.size() + sizeof(char16_t) * name.size();
-    if (m_bytes > kMostBytes) {
+    if (m_bytes > m_mostBytes) {
         return false;
     }
     key.values.insert_or_assign(UpperCaseName(name), std::move(value));

@@ -20,6 +20,10 @@ struct RegistryKey
 class RegistryTree
 {
 public:
+    /// More than any machine has; only a hostile input gets there.
+    static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+    explicit RegistryTree(std::size_t mostBytes = kMostBytes) : m_mostBytes(mostBytes) {}
+
     /// @return the key of that path, which is created when it is missing; null when the tree is full.
     RegistryKey* Enter(std::span<const StoredName> path);
     /// Sets a value; an earlier one of its name is replaced.
@@ -34,11 +38,10 @@ public:
     [[nodiscard]] bool IsEmpty() const { return m_root.keys.empty(); }
 
 private:
-    // More than any machine has; only a hostile input gets there.
-    static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
     static constexpr std::size_t kBytesOfKey = 400; // about, beside its name
 
     RegistryKey m_root;
+    std::size_t m_mostBytes;
     std::size_t m_bytes = 0;
 };
 

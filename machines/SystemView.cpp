@@ -23,7 +23,7 @@ private:
     const SystemFacts& m_facts;
 };
 
-std::string TextOf(const SystemVersion& version)
+std::string TextOf(const VersionNumbers& version)
 {
     return std::to_string(version.major) + "." + std::to_string(version.minor);
 }
@@ -45,7 +45,7 @@ void ReportArchitecture(const SystemDescription& system, SystemView& view)
 }
 } // namespace
 
-SystemVersion ReportedVersion(const SystemVersion& own)
+VersionNumbers ReportedVersion(const VersionNumbers& own)
 {
     constexpr uint32_t kBuildOfWindows8 = 9200;
     if (std::tuple(own.major, own.minor) <= std::tuple(6U, 2U)) {
@@ -77,8 +77,8 @@ std::optional<SystemView> ViewOfSystem(const SystemDescription& system)
     if (!MissingForView(system).empty()) {
         return std::nullopt;
     }
-    const SystemVersion own = *system.version;
-    const SystemVersion reported = ReportedVersion(own);
+    const VersionNumbers own = *system.version;
+    const VersionNumbers reported = ReportedVersion(own);
     SystemView view;
     view.facts.valid = true;
     view.facts.majorVersion = reported.major;

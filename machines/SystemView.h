@@ -28,4 +28,4 @@ struct SystemView
 [[nodiscard]] std::string MissingForView(const SystemDescription& system);
 
 /// The version that a system reports to a program whose manifest claims Windows 8 and nothing later.
-[[nodiscard]] SystemVersion ReportedVersion(const SystemVersion& own);
+[[nodiscard]] VersionNumbers ReportedVersion(const VersionNumbers& own);
