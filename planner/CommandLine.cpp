@@ -55,6 +55,14 @@ void CheckFamily(const std::string& name)
     }
 }
 
+ProfileDialect DialectOf(const std::string& reader)
+{
+    if (reader != "windows" && reader != "wine") {
+        throw CLI::ValidationError("--reader", reader + " is no reader; one of windows, wine");
+    }
+    return reader == "wine" ? ProfileDialect::Wine : ProfileDialect::Windows;
+}
+
 /// The option table. A command's members are filled while the arguments are parsed.
 class Arguments
 {
@@ -125,13 +133,11 @@ private:
         app.add_option_function<std::string>(
                "--reader",
                [forEach](const std::string& reader) {
-                   forEach([&reader](KitOptions& kit) {
-                       kit.reader = reader == "wine" ? ProfileDialect::Wine : ProfileDialect::Windows;
-                   });
+                   const ProfileDialect dialect = DialectOf(reader);
+                   forEach([dialect](KitOptions& kit) { kit.reader = dialect; });
                },
                "read INI files as windows does, or as wine does")
-            ->type_name("WHICH")
-            ->check(CLI::IsMember({"windows", "wine"}));
+            ->type_name("WHICH");
     }
 
     static void AddWishes(CLI::App& app, PlanWish& wish)

@@ -11,6 +11,8 @@ constexpr std::array<std::string_view, 5> kPassNames{"", "the whole key name", "
                                                      "the name without its sub-system, with the revision",
                                                      "the name without sub-system and revision"};
 
+constexpr std::size_t kNumberColumns = 4;
+
 /// Numbers the steps of a story.
 class Story
 {
@@ -21,9 +23,9 @@ public:
     void Step(const std::string& text)
     {
         const std::string number = std::to_string(++m_steps) + ".";
-        AppendField(m_out, m_style, number, text);
+        AppendField(m_out, m_style, number, text, Colour::None, kNumberColumns);
     }
-    void Add(const std::string& text, Colour colour = Colour::None) { AppendField(m_out, m_style, "", text, colour); }
+    void Add(const std::string& text, Colour colour = Colour::None) { AppendField(m_out, m_style, "", text, colour, kNumberColumns); }
 
     [[nodiscard]] std::string Name(const std::string& path) const { return Printable(m_paths.NameOf(path)); }
     [[nodiscard]] std::string Names(const std::vector<std::string>& paths) const

@@ -64,7 +64,7 @@ std::optional<PlannedSystem> ChooseSystem(const Machine& machine, const SystemWi
     if (!wish.section.empty() && (!view || view->section != wish.section)) {
         // Workstation and server of 6.2 share their section: a machine that has it is believed.
         view = ViewOfSection(wish.section);
-        system.familyFrom = "option";
+        system.familyFrom = "system";
     }
     if (!wish.section.empty()) {
         system.from = "option";

@@ -4,7 +4,6 @@
 
 namespace {
 constexpr std::size_t kIndent = 4;
-constexpr std::size_t kLabelColumns = 13;
 
 std::string_view CodeOf(Colour colour)
 {
@@ -46,11 +45,12 @@ std::string TextStyle::Paint(Colour colour, std::string_view text) const
     return "\x1b[" + std::string(code) + "m" + std::string(text) + "\x1b[0m";
 }
 
-void AppendField(std::string& out, const TextStyle& style, std::string_view label, std::string_view text, Colour colour)
+void AppendField(std::string& out, const TextStyle& style, std::string_view label, std::string_view text, Colour colour,
+                 std::size_t labelColumns)
 {
     std::string start(kIndent, ' ');
     start += label;
-    start.resize(std::max(start.size() + 1, kIndent + kLabelColumns), ' ');
+    start.resize(std::max(start.size() + 1, kIndent + labelColumns), ' ');
     do {
         const std::string_view line = FittingStart(text, kTextColumns - std::min(kTextColumns / 2, start.size()));
         out += start;
@@ -58,7 +58,7 @@ void AppendField(std::string& out, const TextStyle& style, std::string_view labe
         out += '\n';
         text.remove_prefix(line.size());
         text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-        start.assign(kIndent + kLabelColumns, ' ');
+        start.assign(kIndent + labelColumns, ' ');
     } while (!text.empty());
 }
 

@@ -28,12 +28,14 @@ private:
 };
 
 inline constexpr std::size_t kTextColumns = 100;
+inline constexpr std::size_t kLabelColumns = 13;
 
 /// Appends "  label      text": the label in a column of its own, long texts broken at blanks with the next lines below the
 /// first.
-/// @param colour  Of the whole text.
+/// @param colour        Of the whole text.
+/// @param labelColumns  Width of the label's column.
 void AppendField(std::string& out, const TextStyle& style, std::string_view label, std::string_view text,
-                 Colour colour = Colour::None);
+                 Colour colour = Colour::None, std::size_t labelColumns = kLabelColumns);
 
 /// @return the texts with commas between them.
 [[nodiscard]] std::string Joined(const std::vector<std::string>& texts);

@@ -117,51 +117,57 @@ struct Utf8Character
     char32_t code;
 };
 
-/// The character at the beginning of `bytes`. What is no character is one replacement for as many bytes as could have
-/// begun one, at least one.
+/// Number of bytes that follow the first byte of a character; 0 after a byte that begins none.
+std::size_t FollowingUtf8Bytes(unsigned first)
+{
+    if (first >= 0xC2 && first <= 0xDF) {
+        return 1;
+    }
+    if (first >= 0xE0 && first <= 0xEF) {
+        return 2;
+    }
+    return first >= 0xF0 && first <= 0xF4 ? 3 : 0;
+}
+
+/// @param code   The bits of the first bytes of a character.
+/// @param after  How many of its bytes follow.
+/// @return true when a shorter form of the character exists, or when it is a surrogate or beyond the last code.
+bool IsForbiddenUtf8(char32_t code, std::size_t after)
+{
+    if (after == 2) {
+        return code < 0x10 || code > 0x10F;
+    }
+    return after == 1 && (code < 0x20 || (code >= 0x360 && code <= 0x37F));
+}
+
+/// The character at the beginning of `bytes`. What is no character becomes one replacement for the bytes up to the one
+/// that is wrong, and for all bytes of a file that ends within a character.
 Utf8Character Utf8CharacterAt(std::string_view bytes)
 {
-    const auto byteAt = [bytes](std::size_t at) {
-        return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0U;
-    };
-    const unsigned first = byteAt(0);
+    const unsigned first = static_cast<unsigned char>(bytes.front());
     if (first < 0x80) {
         return {1, first};
     }
-    std::size_t more = 0;
-    if (first >= 0xC2 && first <= 0xDF) {
-        more = 1;
-    } else if (first >= 0xE0 && first <= 0xEF) {
-        more = 2;
-    } else if (first >= 0xF0 && first <= 0xF4) {
-        more = 3;
-    }
-    if (more == 0) {
+    const std::size_t following = FollowingUtf8Bytes(first);
+    if (following == 0) {
         return {1, kReplacement};
     }
-    // The second byte excludes forms that are longer than needed, surrogates and codes beyond the last.
-    unsigned lowest = 0x80;
-    unsigned highest = 0xBF;
-    if (first == 0xE0) {
-        lowest = 0xA0;
-    } else if (first == 0xED) {
-        highest = 0x9F;
-    } else if (first == 0xF0) {
-        lowest = 0x90;
-    } else if (first == 0xF4) {
-        highest = 0x8F;
+    if (bytes.size() <= following) {
+        return {bytes.size(), kReplacement};
     }
-    char32_t code = first & (0x3FU >> more);
-    for (std::size_t at = 1; at <= more; ++at) {
-        const unsigned byte = byteAt(at);
-        if (byte < lowest || byte > highest) {
+    char32_t code = first & (0x3FU >> following);
+    for (std::size_t at = 1; at <= following; ++at) {
+        const unsigned byte = static_cast<unsigned char>(bytes[at]);
+        if (byte < 0x80 || byte > 0xBF) {
             return {at, kReplacement};
         }
         code = (code << 6) | (byte & 0x3FU);
-        lowest = 0x80;
-        highest = 0xBF;
+        const std::size_t after = following - at;
+        if (IsForbiddenUtf8(code, after)) {
+            return {at + 1, kReplacement};
+        }
     }
-    return {more + 1, code};
+    return {following + 1, code};
 }
 
 void AppendUtf8(char32_t code, std::string& bytes)
@@ -279,6 +285,15 @@ ProfileUnits CodePage::Decode(std::string_view bytes) const
 {
     ProfileUnits units;
     while (!bytes.empty()) {
+        bytes.remove_prefix(DecodeCharacter(bytes, units));
+    }
+    return units;
+}
+
+ProfileUnits CodePage::DecodeQuestion(std::string_view bytes) const
+{
+    ProfileUnits units;
+    while (!bytes.empty() && (bytes.size() > 1 || !IsLeadByte(static_cast<unsigned char>(bytes.front())))) {
         bytes.remove_prefix(DecodeCharacter(bytes, units));
     }
     return units;

@@ -12,7 +12,8 @@
 using ProfileUnits = std::basic_string<char16_t>;
 using ProfileUnitsView = std::basic_string_view<char16_t>;
 
-/// Reads the UTF-8 character at the beginning of `bytes` (at least one byte); an invalid one is U+FFFD.
+/// Reads the UTF-8 character at the beginning of `bytes` (at least one byte); what is none is U+FFFD, in the way of
+/// Wine.
 /// @param utf16  Receives its one or two UTF-16 units at its end.
 /// @return number of bytes that it takes.
 std::size_t DecodeUtf8Character(std::string_view bytes, ProfileUnits& utf16);
@@ -39,6 +40,8 @@ public:
     /// @return number of bytes that it takes.
     std::size_t DecodeCharacter(std::string_view bytes, ProfileUnits& units) const;
     [[nodiscard]] ProfileUnits Decode(std::string_view bytes) const;
+    /// The same for a name in a question, of which the platform drops half a pair at the end.
+    [[nodiscard]] ProfileUnits DecodeQuestion(std::string_view bytes) const;
 
     /// The unit for a UTF-16 unit of a Unicode file.
     [[nodiscard]] char16_t UnitOfUtf16(char16_t utf16) const;

@@ -156,7 +156,7 @@ std::string_view Profile::AsAsked(std::string_view text, std::string& room) cons
     if (m_codePage->IsSingleByte()) {
         return text;
     }
-    m_codePage->Encode(m_codePage->Decode(text), room);
+    m_codePage->Encode(m_codePage->DecodeQuestion(text), room);
     return room;
 }
 
