@@ -16,7 +16,7 @@
 #include "Kit.h"
 #include "LangString.h"
 #include "LocationInfo.h"
-#include "ReuseSwitch.h"
+#include "PlatformKit.h"
 #include "Trace.h"
 
 // Times device passes over kits of INF files and prints one line of tab-separated fields for each measurement:
@@ -80,12 +80,16 @@ const char* NameOf(bool plainWay)
 /// @return milliseconds of one device pass.
 double TimePass(bool plainWay)
 {
-    reuseSwitch.plainWay = plainWay;
     DevicePassState = {};
     DriverInstallRecord record;
     std::ranges::copy(kFamilyWindowsVista, record.osFamily.begin());
+    const auto noProgress = [](const std::string& /*text*/) {};
     const double start = Now();
-    if (EnumerateRegistryForPCIDevices(record, nullptr, nullptr) != 0) {
+    // The plain way asks the platform every time. The product has no such switch.
+    PlatformKit platform;
+    const uint32_t result = plainWay ? RunDevicePassOver(platform, record, nullptr, noProgress)
+                                     : RunDevicePass(record, nullptr, noProgress);
+    if (result != 0) {
         throw std::runtime_error("the device pass cannot run here");
     }
     return Now() - start;

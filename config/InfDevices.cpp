@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "DriverInstallRecord.h"
 #include "InfModelLine.h"
 
 namespace {
@@ -68,6 +69,14 @@ bool ListsDevice(const KitSearch& search, const std::string& key, const char* se
     }
     LookUpDescription(search, descriptionKey, infPath);
     return match.has_value();
+}
+
+LineVerdict VerdictOnLine(const ModelSection& section, std::size_t line, std::string_view key)
+{
+    if (!section.HasHardwareId(line)) {
+        return LineVerdict::NoHardwareId;
+    }
+    return EqualsIgnoringCase(section.HardwareId(line), key) ? LineVerdict::ListsDevice : LineVerdict::OtherDevice;
 }
 
 bool BeginsWithUtf16Mark(const KitSearch& search, const std::string& path)

@@ -2,8 +2,6 @@
 
 #include <string_view>
 
-#include "NameList.h"
-
 /// Which INF files count, decided from their texts.
 
 /// @return the "Signature" that INF files of a system family carry; empty for a family that is not known, so that there

@@ -48,6 +48,9 @@ class KitSource
 public:
     virtual ~KitSource() = default;
 
+    /// The search for another device begins: a question that was not answered for the one before may be answered now.
+    virtual void BeginDevice() {}
+
     /// Reads one value.
     /// @param section      Section name without brackets.
     /// @param key          Key name; null reads the names of all keys, NUL-terminated and ended by an empty one.

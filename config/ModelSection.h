@@ -17,7 +17,7 @@ class ModelSection
 public:
     /// @param count  What the platform returned for the section: 0 when it is missing or empty.
     /// @param lines  What the platform left in the buffer: NUL-terminated lines, ended by an empty one. What lies
-    ///               behind kModelSectionBytes is not looked at.
+    ///               after kModelSectionBytes is ignored.
     ModelSection(uint32_t count, std::span<const char> lines);
 
     /// @return false when the platform read nothing. Lines may be there all the same.
@@ -27,8 +27,9 @@ public:
     /// @return the number of the first line whose hardware ID is `key`, letter case aside; no value when there is none.
     [[nodiscard]] std::optional<std::size_t> LineOf(std::string_view key) const;
 
-    /// @return the text before a line's equals sign; empty when nothing stands there.
+    /// @return the text before a line's equals sign; empty when there is none.
     [[nodiscard]] std::string_view DescriptionKey(std::size_t line) const { return TextAt(m_lines[line].description); }
+    [[nodiscard]] bool HasHardwareId(std::size_t line) const { return m_lines[line].hasId; }
     /// @return a line's first hardware ID, normalised; empty when it has none.
     [[nodiscard]] std::string_view HardwareId(std::size_t line) const { return TextAt(m_lines[line].id); }
 

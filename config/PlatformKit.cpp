@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
-#include "AnswerReuse.h"
 #include "Handles.h"
-#include "ProfileReading.h"
 
 namespace {
 uint64_t Joined(DWORD high, DWORD low)
@@ -29,8 +29,8 @@ std::optional<FileStamp> StampFrom(const Attributes& file)
 class PlatformListing final : public InfListing
 {
 public:
-    explicit PlatformListing(std::string directory)
-        : m_directory(std::move(directory)), m_search(FindFirstFileA((m_directory + "*.inf").c_str(), &m_file))
+    explicit PlatformListing(const std::string& directoryPath)
+        : m_search(FindFirstFileA((directoryPath + "*.inf").c_str(), &m_file))
     {
     }
     ~PlatformListing() override
@@ -45,44 +45,53 @@ public:
 
     [[nodiscard]] const InfEntry* Next() override
     {
-        m_visit.reset();
         if (!std::exchange(m_isFirst, false) && FindNextFileA(m_search.Get(), &m_file) == FALSE) {
             return nullptr;
         }
         m_entry = {.name = m_file.cFileName, .stamp = StampFrom(m_file)};
-        m_visit.emplace(m_directory + m_entry.name, m_file);
         return &m_entry;
     }
 
 private:
-    std::string m_directory;
     WIN32_FIND_DATAA m_file{};
     UniqueSearch m_search;
     bool m_isFirst = true;
     InfEntry m_entry;
-    std::optional<FileVisit> m_visit;
 };
 } // namespace
 
 uint32_t PlatformKit::ReadText(const char* section, const char* key, const char* defaultText, std::span<char> buffer,
                                const std::string& file)
 {
-    return ReadProfileText(section, key, defaultText, buffer, file);
+    std::ranges::fill(buffer, '\0');
+    return GetPrivateProfileStringA(section, key, defaultText, buffer.data(), static_cast<DWORD>(buffer.size()),
+                                    file.c_str());
 }
 
 uint32_t PlatformKit::ReadSection(const char* section, std::span<char> buffer, const std::string& file)
 {
-    return ReadProfileSection(section, buffer, file);
-}
-
-std::shared_ptr<const ModelSection> PlatformKit::ReadModelSection(const char* section, const std::string& file)
-{
-    return ::ReadModelSection(section, file);
+    std::ranges::fill(buffer, '\0');
+    const auto size = static_cast<DWORD>(buffer.size());
+    // The names of all sections are read first and not used. What lies in the buffer after a section that the file does
+    // not have is what these two calls together leave there.
+    GetPrivateProfileStringA(nullptr, nullptr, nullptr, buffer.data(), size, file.c_str());
+    return GetPrivateProfileSectionA(section, buffer.data(), size, file.c_str());
 }
 
 FileMark PlatformKit::MarkOf(const std::string& file)
 {
-    return ::MarkOf(file);
+    FileMark mark;
+    const UniqueFile opened(CreateFileA(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!opened.IsOpen()) {
+        return mark;
+    }
+    mark.opened = true;
+    std::array<unsigned char, 2> bytes{};
+    DWORD bytesRead = 0;
+    mark.read = ReadFile(opened.Get(), bytes.data(), bytes.size(), &bytesRead, nullptr) != FALSE;
+    mark.utf16 = bytes[0] == 0xFF && bytes[1] == 0xFE;
+    return mark;
 }
 
 std::optional<FileStamp> PlatformKit::StampOf(const std::string& file)

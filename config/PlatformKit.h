@@ -9,8 +9,6 @@ public:
     uint32_t ReadText(const char* section, const char* key, const char* defaultText, std::span<char> buffer,
                       const std::string& file) override;
     uint32_t ReadSection(const char* section, std::span<char> buffer, const std::string& file) override;
-    [[nodiscard]] std::shared_ptr<const ModelSection> ReadModelSection(const char* section,
-                                                                       const std::string& file) override;
     [[nodiscard]] FileMark MarkOf(const std::string& file) override;
     [[nodiscard]] std::optional<FileStamp> StampOf(const std::string& file) override;
     /// The search's handle stays open for the rest of the run.

@@ -1,5 +1,7 @@
 #include "DeviceInstall.h"
 
+#include <windows.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -22,11 +24,10 @@
 static_assert(kRememberedInstallError == kNetInstRefused);
 
 namespace {
-constexpr int kProgressControl = 1000;
 constexpr std::size_t kInstanceIdChars = 260;
 constexpr char kSourcePathValue[] = "Tavunstl_source_path";
 
-// What the registry object's calls are told.
+// Arguments of the registry object's calls.
 constexpr bool kForWriting = true;
 constexpr bool kPermanent = false;
 constexpr bool kPlainText = false;
@@ -38,11 +39,10 @@ struct InterfaceAnswer
     DWORD lastError = ERROR_SUCCESS;
 };
 
-void ShowProgress(HWND dialog)
+void ReportProgress(const ReportProgressFn& report)
 {
-    const std::string text =
-        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1, IsSystemLeadByte);
-    SetDlgItemTextA(dialog, kProgressControl, text.c_str());
+    report(
+        InstallingText(LangString(kStringInstalling), TextIn(deviceDescription), kMessageBytes - 1, IsSystemLeadByte));
     Trace("==>installing driver(s)\n");
 }
 
@@ -52,7 +52,7 @@ std::string DescribeInstall(const std::string& label, const DriverInstallRecord&
 }
 
 /// The uninstaller learns from a registry value which INF is being installed. The value exists only during the call,
-/// also when that call leaves by an exception. A key that cannot be had makes writing and deleting fail without a
+/// also when that call leaves by an exception. With a key that cannot be opened, writing and deleting fail without a
 /// report.
 class SourcePathValue
 {
@@ -78,7 +78,7 @@ private:
 InterfaceAnswer CallInterface(DriverInstallRecord& record, IDriverInstallInterface* driverInstall)
 {
     if (driverInstall == nullptr) {
-        // Nobody installed anything: an older driver file must not make it look like a success.
+        // Nothing was installed: an older driver file must not make it look like a success.
         return {.status = static_cast<int32_t>(kNetInstRefused), .lastError = ERROR_INVALID_PARAMETER};
     }
     InterfaceAnswer answer;
@@ -125,9 +125,9 @@ void InstallByInterface(DriverInstallRecord& record, const std::string& deviceId
 } // namespace
 
 void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, const std::string& deviceId,
-                          IDriverInstallInterface* driverInstall, HWND dialog)
+                          IDriverInstallInterface* driverInstall, const ReportProgressFn& report)
 {
-    ShowProgress(dialog);
+    ReportProgress(report);
     const std::string infPath(TextIn(record.infPath));
     const std::string hardwareId(TextIn(record.hardwareId));
     switch (route) {

@@ -1,19 +1,20 @@
 #pragma once
 
-#include <windows.h>
-
+#include <functional>
 #include <string>
 
 #include "DriverInstallRecord.h"
 #include "NetInst.h"
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 
-/// Installs the driver of the device that the record names, by the route of the system's family, and shows the device's
-/// description in the dialog. A failed install is traced, and on the driver-interface route classified, but never ends
+/// Receives the text to be shown while a device is being installed.
+using ReportProgressFn = std::function<void(const std::string& text)>;
+
+/// Installs the driver of the device that the record names, by the route of the system's family, and reports the
+/// device's description first. A failed install is traced, and on the driver-interface route classified, but never ends
 /// the walk over the devices.
 /// @param record         Names the matched INF and the hardware ID.
 /// @param deviceId       Name of the device's key below the PCI key.
 /// @param driverInstall  Used on the driver-interface route. Without one that route's install counts as refused.
-/// @param dialog         Progress dialog, may be null.
 void InstallMatchedDevice(InstallRoute route, DriverInstallRecord& record, const std::string& deviceId,
-                          IDriverInstallInterface* driverInstall, HWND dialog);
+                          IDriverInstallInterface* driverInstall, const ReportProgressFn& report);

@@ -1,24 +1,26 @@
 #include "DevicePass.h"
 
+#include <windows.h>
+
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 
 #include "AdapterRegistry.h"
-#include "AnswerReuse.h"
-#include "DeviceInstall.h"
 #include "DevicePassState.h"
 #include "DeviceSearch.h"
 #include "EnumerationEnd.h"
 #include "Handles.h"
 #include "InstallerSearch.h"
+#include "KeptAnswers.h"
 #include "NordaNetworkDevice.h"
 #include "OSVersion.h"
 #include "OrvSecure.h"
 #include "PathCase.h"
+#include "PlatformKit.h"
 #include "SearchIds.h"
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 #include "Trace.h"
 
 namespace {
@@ -39,9 +41,10 @@ void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const
 }
 
 /// @return true when an INF lists the device; the record then names it.
-bool MatchDevice(const std::string& deviceId, DriverInstallRecord& record)
+bool MatchDevice(KitSource& source, const std::string& deviceId, DriverInstallRecord& record)
 {
-    const InstallerSearch search(COSVersion().GetOSCode(), FamilyOf(record));
+    InstallerLog log;
+    const KitSearch search = SearchOfThisRun(source, log, COSVersion().GetOSCode(), FamilyOf(record));
     const DeviceMatch match = SearchForDevice(search, deviceId);
     switch (match.verdict) {
         case SearchVerdict::Matched:
@@ -56,11 +59,18 @@ bool MatchDevice(const std::string& deviceId, DriverInstallRecord& record)
     return false;
 }
 
-void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& record,
-                 IDriverInstallInterface* driverInstall, HWND dialog)
+/// What a walk needs for each device.
+struct Walk
 {
-    // Every device is searched for in the same files.
-    AnswerReuse reuse;
+    KitSource& source;
+    const ServedFamily& family;
+    DriverInstallRecord& record;
+    IDriverInstallInterface* driverInstall;
+    const ReportProgressFn& report;
+};
+
+void WalkDevices(HKEY key, const Walk& walk)
+{
     EnumerationEnd end;
     for (DWORD index = 0;; ++index) {
         std::array<char, kKeyNameChars> buffer{};
@@ -70,16 +80,17 @@ void WalkDevices(HKEY key, const SystemFamily& family, DriverInstallRecord& reco
         }
         // After an error other than "no more items" the name is what the cleared buffer holds, treated like any name.
         const std::string deviceId(TextIn(buffer));
-        reuse.BeginDevice();
-        if (IsNordaNetworkDevice(deviceId, std::string(family.name)) && MatchDevice(deviceId, record)) {
-            InstallMatchedDevice(family.route, record, deviceId, driverInstall, dialog);
+        if (IsNordaNetworkDevice(deviceId, std::string(walk.family.name)) &&
+            MatchDevice(walk.source, deviceId, walk.record)) {
+            InstallMatchedDevice(walk.family.route, walk.record, deviceId, walk.driverInstall, walk.report);
         }
     }
 }
 
-uint32_t RunPass(DriverInstallRecord& record, IDriverInstallInterface* driverInstall, HWND dialog)
+uint32_t FindKeyAndWalk(KitSource& source, DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
+                        const ReportProgressFn& report)
 {
-    const std::optional<SystemFamily> family = FindSystemFamily(TextIn(record.osFamily));
+    const std::optional<ServedFamily> family = FindServedFamily(TextIn(record.osFamily));
     if (!family) {
         return kDevicePassFailed;
     }
@@ -88,17 +99,26 @@ uint32_t RunPass(DriverInstallRecord& record, IDriverInstallInterface* driverIns
         return kDevicePassFailed;
     }
     Trace("************ enumerating registry for devices...\n");
-    WalkDevices(key.get(), *family, record, driverInstall, dialog);
+    WalkDevices(key.get(), {source, *family, record, driverInstall, report});
     Trace("************ finished enumerating registry for devices\n");
     return 0;
 }
 } // namespace
 
-uint32_t EnumerateRegistryForPCIDevices(DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
-                                        HWND dialog)
+uint32_t RunDevicePass(DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
+                       const ReportProgressFn& report)
+{
+    // Every device is searched for in the same files.
+    PlatformKit kit;
+    KeptAnswers answers(kit);
+    return RunDevicePassOver(answers, record, driverInstall, report);
+}
+
+uint32_t RunDevicePassOver(KitSource& source, DriverInstallRecord& record, IDriverInstallInterface* driverInstall,
+                           const ReportProgressFn& report)
 {
     Trace("Enter -> EnumerateRegistryForPCIDevices()\n");
-    const uint32_t result = RunPass(record, driverInstall, dialog);
+    const uint32_t result = FindKeyAndWalk(source, record, driverInstall, report);
     Trace("Exit -> EnumerateRegistryForPCIDevices()\n");
     return result;
 }

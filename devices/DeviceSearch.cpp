@@ -88,6 +88,7 @@ DeviceMatch RunPasses(const KitSearch& search, const std::string& deviceId, cons
 
 DeviceMatch SearchForDevice(const KitSearch& search, const std::string& deviceId)
 {
+    search.source.BeginDevice();
     search.log.Say("device: ", deviceId, "\n");
     InfLists lists;
     ReadInfLists(search, lists.directories, lists.excludes);

@@ -7,7 +7,3 @@
 /// good or better. Whether the platform wants a restart is not looked at.
 /// @return the platform's result, nonzero for success; 0 without a trace when the system has no driver update.
 uint32_t UpdateDriver(const std::string& infPath, const std::string& hardwareId);
-
-/// Starts a scan of the whole device tree for hardware changes.
-/// @return 1 when the scan was started, 0 otherwise.
-int ScanForHardwareChanges();

@@ -21,16 +21,6 @@ RestartAction DecideRestart(const RunOptionsRecord& options, bool restartNeeded)
     return options.silent != 0 ? RestartAction::Restart : RestartAction::Ask;
 }
 
-bool IscsiSettingsAreVerified(bool iscsiBootAdapter, const IscsiConditions& conditions)
-{
-    return IscsiBootNeedsRestart(iscsiBootAdapter, conditions) && conditions.crashDumpEnabled;
-}
-
-bool IscsiBootNeedsRestart(bool iscsiBootAdapter, const IscsiConditions& conditions)
-{
-    return iscsiBootAdapter && conditions.rightSystem && conditions.patchInstalled && conditions.initiatorPresent;
-}
-
 unsigned OutcomeString(bool deviceMatched, bool installFailed)
 {
     if (!deviceMatched) {

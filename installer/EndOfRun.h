@@ -11,26 +11,11 @@ enum class RestartAction
     RecordForInstaller, ///< "RebootNeeded" tells the Windows Installer package
 };
 
-/// Whether the outcome is looked at for reasons to restart: neither "/r" nor "/nr" settles the matter beforehand.
+/// Whether restart reasons are evaluated: neither "/r" nor "/nr" settles the matter beforehand.
 [[nodiscard]] bool OutcomeDecidesRestart(const RunOptionsRecord& options);
 
 /// @param restartNeeded  One of the outcome's reasons holds; not looked at when the options settle the matter.
 [[nodiscard]] RestartAction DecideRestart(const RunOptionsRecord& options, bool restartNeeded);
-
-/// The four conditions of iSCSI boot, in the order in which the iSCSI support hands them out.
-struct IscsiConditions
-{
-    bool rightSystem = false;
-    bool patchInstalled = false;
-    bool initiatorPresent = false;
-    bool crashDumpEnabled = false;
-};
-
-/// Whether the iSCSI boot settings are to be verified: all four conditions count.
-[[nodiscard]] bool IscsiSettingsAreVerified(bool iscsiBootAdapter, const IscsiConditions& conditions);
-
-/// Whether an iSCSI boot adapter is a reason to restart: a crash dump that cannot be written is no obstacle to that.
-[[nodiscard]] bool IscsiBootNeedsRestart(bool iscsiBootAdapter, const IscsiConditions& conditions);
 
 /// Which text a finished interactive run shows: the identifier of a string of the resource library.
 /// @param deviceMatched  Some device found an INF file.

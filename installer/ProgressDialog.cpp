@@ -15,7 +15,7 @@
 #include "PendingUninstall.h"
 #include "Restart.h"
 #include "RestartMessage.h"
-#include "RestartReasons.h"
+#include "RestartQuestion.h"
 #include "ResultKeys.h"
 #include "RunOptions.h"
 #include "RunState.h"

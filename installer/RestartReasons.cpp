@@ -1,45 +1,60 @@
 #include "RestartReasons.h"
 
-#include "DevicePassState.h"
-#include "EndOfRun.h"
-#include "ISCSISupport.h"
-#include "IScsiConfigTool.h"
-#include "NdisVersion.h"
-#include "OSVersion.h"
-#include "RunState.h"
-#include "Trace.h"
+#include <array>
+
+#include "OSPredicates.h"
 
 namespace {
-IscsiConditions AskIscsiConditions()
+bool DmaEngineNeedsRestart(const RestartFacts& facts)
 {
-    IscsiConditions conditions;
-    CISCSISupport().IsiSCSISupported(conditions.rightSystem, conditions.patchInstalled, conditions.initiatorPresent,
-                                     conditions.crashDumpEnabled);
-    return conditions;
+    return NdisVersionCounts(facts) && facts.ndis52OrLater;
 }
+
+// A crash dump that cannot be written does not prevent a restart.
+bool IscsiBootNeedsRestart(const RestartFacts& facts)
+{
+    return facts.iscsiBootAdapter && facts.iscsi.rightSystem && facts.iscsi.patchInstalled &&
+           facts.iscsi.initiatorPresent;
+}
+
+bool FcoeBootNeedsRestart(const RestartFacts& facts)
+{
+    return facts.fcoeBootPorts && facts.extensionUpdateAllowed;
+}
+
+struct ReasonRow
+{
+    RestartReason reason;
+    bool (*holds)(const RestartFacts& facts);
+};
+
+constexpr std::array kReasons = std::to_array<ReasonRow>({
+    {RestartReason::DmaEngine, DmaEngineNeedsRestart},
+    {RestartReason::IscsiBoot, IscsiBootNeedsRestart},
+    {RestartReason::FcoeBoot, FcoeBootNeedsRestart},
+});
+} // namespace
 
 // A new DMA-engine driver takes effect at the next start where the network stack uses the engine: NDIS 5.2 and later,
 // on servers and later workstations but not on Windows Vista.
-bool DmaEngineNeedsRestart()
+bool NdisVersionCounts(const RestartFacts& facts)
 {
-    const COSVersion system;
-    return DevicePassState.qdatInstalled != 0 && system.IsServerOrVistaLater() && !system.IsVistaWorkstation() &&
-           IsNdis52OrLater();
+    return facts.dmaEngineMatched && IsServerOrVistaLater(facts.system) &&
+           !IsVistaWorkstation(facts.system, facts.version);
 }
 
-bool FcoeNeedsRestart()
+std::vector<RestartReason> RestartReasons(const RestartFacts& facts)
 {
-    return RunState.fcoeBootPorts != 0 && RunState.extensionUpdateAllowed != 0;
-}
-} // namespace
-
-bool RestartIsNeeded()
-{
-    const IscsiConditions conditions = AskIscsiConditions();
-    const bool iscsiBootAdapter = DevicePassState.storageAdapterFound != 0;
-    if (IscsiSettingsAreVerified(iscsiBootAdapter, conditions)) {
-        Trace("iSCSI command line utility needs to be called");
-        CalliSCSIConfigExe();
+    std::vector<RestartReason> reasons;
+    for (const ReasonRow& row : kReasons) {
+        if (row.holds(facts)) {
+            reasons.push_back(row.reason);
+        }
     }
-    return DmaEngineNeedsRestart() || IscsiBootNeedsRestart(iscsiBootAdapter, conditions) || FcoeNeedsRestart();
+    return reasons;
+}
+
+bool IscsiSettingsAreVerified(const RestartFacts& facts)
+{
+    return IscsiBootNeedsRestart(facts) && facts.iscsi.crashDumpEnabled;
 }

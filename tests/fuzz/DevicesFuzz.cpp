@@ -20,7 +20,7 @@
 #include "PrivateRequestBuffer.h"
 #include "Promise.h"
 #include "SearchIds.h"
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 #include "UpperCase.h"
 
 namespace {
@@ -109,8 +109,8 @@ void CheckFamilies(const std::string& fileName, bool is61System)
         Promise(named62 || pattern == std::string(found->infPrefix) + "*.sys", "a pattern is prefix and extension");
         Promise(named62 == (is61System && found->filesFor61 == DriverFilesFor61::Named62), "62 on 6.1 systems only");
     }
-    const std::optional<SystemFamily> system = FindSystemFamily(fileName);
-    for (const SystemFamily& row : kSystemFamilies) {
+    const std::optional<ServedFamily> system = FindServedFamily(fileName);
+    for (const ServedFamily& row : kServedFamilies) {
         Promise((row.name == fileName) == (system && system->name == row.name),
                 "a family's whole name selects its row");
     }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,11 +13,12 @@
 #include <vector>
 
 #include "DriverInstallRecord.h"
-#include "FileAnswers.h"
 #include "InfModelLine.h"
 #include "InfQualification.h"
 #include "IniLines.h"
+#include "KeptAnswers.h"
 #include "ModelSection.h"
+#include "NameList.h"
 #include "Promise.h"
 
 namespace {
@@ -100,60 +102,92 @@ void CheckModelSection(const ExactBuffer& buffer, const std::vector<std::string_
     }
 }
 
+/// A source that answers every question with a text of its own and counts what it is asked.
+class CountedSource final : public KitSource
+{
+public:
+    std::string answer;
+    FileStamp stamp;
+    bool readable = true;
+    int asked = 0;
+    int opened = 0;
+
+    uint32_t ReadText(const char* /*section*/, const char* /*key*/, const char* /*defaultText*/, std::span<char> buffer,
+                      const std::string& /*file*/) override
+    {
+        return Fill(buffer);
+    }
+    uint32_t ReadSection(const char* /*section*/, std::span<char> buffer, const std::string& /*file*/) override
+    {
+        return Fill(buffer);
+    }
+    [[nodiscard]] FileMark MarkOf(const std::string& /*file*/) override
+    {
+        ++opened;
+        return {.opened = true, .read = readable, .utf16 = false};
+    }
+    [[nodiscard]] std::optional<FileStamp> StampOf(const std::string& /*file*/) override { return stamp; }
+    [[nodiscard]] std::unique_ptr<InfListing> List(const std::string& /*directoryPath*/) override { return nullptr; }
+
+private:
+    uint32_t Fill(std::span<char> buffer)
+    {
+        ++asked;
+        std::ranges::fill(buffer, '\0');
+        std::ranges::copy(answer.substr(0, buffer.size()), buffer.begin());
+        return 7;
+    }
+};
+
 /// An answer comes back as it was given, in a buffer of its size.
 void CheckAnswer(const ExactBuffer& given)
 {
-    const ProfileAnswer answer(static_cast<uint32_t>(given.Size() * 3), given.All());
-    const ExactBuffer same(given.Size());
-    Promise(answer.CopyTo(same.All()) == given.Size() * 3, "the number that the platform returned");
-    Promise(same.Text() == given.Text(), "what the platform left in the buffer");
-    const ExactBuffer smaller(given.Size() / 2);
-    answer.CopyTo(smaller.All());
-    Promise(smaller.Text() == given.Text().substr(0, smaller.Size()), "no more than there is room for");
-    const ExactBuffer larger(given.Size() + 9);
-    answer.CopyTo(larger.All());
-    Promise(larger.Text() == std::string(given.Text()) + std::string(9, '\0'), "zeros behind it");
+    CountedSource source;
+    source.answer = given.Text();
+    KeptAnswers answers(source);
+    for (const std::size_t size : {given.Size() / 2, given.Size(), given.Size() + 9}) {
+        std::string expected = source.answer;
+        expected.resize(size);
+        for (int round = 0; round < 3; ++round) {
+            const ExactBuffer buffer(size);
+            Promise(answers.ReadSection("Section", buffer.All(), "file") == 7, "the number that the source returned");
+            Promise(buffer.Text() == expected, "what the source left in the buffer");
+        }
+    }
+    Promise(source.asked <= 6, "nothing is asked more than twice");
 }
 
 /// Keeps answers about the lines' files and asks again only when a file has changed.
 void CheckKeeping(const std::vector<std::string_view>& lines)
 {
-    FileAnswers answers;
+    CountedSource source;
+    KeptAnswers answers(source);
     std::map<std::string, FileStamp> known;
-    int opened = 0;
     int expectedOpened = 0;
     for (const std::string_view line : lines) {
-        // The first letter is the file; the others say how it stands now.
+        // The first letter is the file; the others say how it is now.
         const std::string path(line.substr(0, 1));
-        const FileStamp stamp{line.size() % 3, line.size() > 1 ? static_cast<uint64_t>(line[1] & 1) : 0};
-        const bool readable = line.size() < 3 || line[2] != '!';
-        const bool isKept = known.contains(path) && known[path] == stamp;
-        expectedOpened += isKept ? 0 : 1;
-        AnswersAboutFile* const about = answers.About(path, stamp, [&]() -> std::optional<bool> {
-            ++opened;
-            return readable ? std::optional(line.size() % 2 == 0) : std::nullopt;
-        });
-        Promise((about != nullptr) == (isKept || readable), "a file that cannot be read is not kept");
-        if (about == nullptr) {
-            known.erase(path);
-            continue;
-        }
-        known[path] = stamp;
-        Promise(about->Stamp() == stamp, "the answers belong to the file as it stands");
+        source.stamp = {line.size() % 3, line.size() > 1 ? static_cast<uint64_t>(line[1] & 1) : 0};
+        source.readable = line.size() < 3 || line[2] != '!';
+        const bool isKept = known.contains(path) && known[path] == source.stamp;
+        const std::string section = std::to_string(line.size() % 4);
+        source.answer = section + path;
         for (const bool again : {false, true}) {
-            bool asked = false;
-            const std::string section = std::to_string(line.size() % 4);
-            const ProfileAnswer& answer = about->AnswerTo({.section = section, .bufferBytes = 8}, [&] {
-                asked = true;
-                const std::string text = section + path;
-                return ProfileAnswer(7, std::span<const char>(text));
-            });
+            const int askedBefore = source.asked;
+            expectedOpened += isKept || (again && source.readable) ? 0 : 1;
             const ExactBuffer buffer(8);
-            Promise(answer.CopyTo(buffer.All()) == 7 && UpToNul(buffer.Text()) == section + path, "its own answer");
-            Promise(!(again && asked), "no question is asked twice");
+            Promise(answers.ReadText(section.c_str(), "", "", buffer.All(), path) == 7, "the source's number");
+            Promise(UpToNul(buffer.Text()) == UpToNul(source.answer), "its own answer");
+            Promise(!(again && (isKept || source.readable) && source.asked != askedBefore),
+                    "no question is asked twice");
+        }
+        if (isKept || source.readable) {
+            known[path] = source.stamp;
+        } else {
+            known.erase(path);
         }
     }
-    Promise(opened == expectedOpened, "a file is opened again when it has changed");
+    Promise(source.opened == expectedOpened, "a file is opened again when it has changed");
 }
 
 void CheckDescription(const std::string& key)

@@ -14,6 +14,7 @@
 #include "ManagementExtension.h"
 #include "ProberStatus.h"
 #include "Promise.h"
+#include "RestartReasons.h"
 #include "RunFlow.h"
 
 namespace {
@@ -95,10 +96,12 @@ void CheckEnd(const RunOptionsRecord& options, bool needed)
 void CheckOutcome(unsigned bits)
 {
     const auto bit = [bits](unsigned place) { return (bits >> place & 1) != 0; };
-    const IscsiConditions conditions{bit(0), bit(1), bit(2), bit(3)};
-    const bool three = bit(0) && bit(1) && bit(2);
-    Promise(IscsiBootNeedsRestart(bit(4), conditions) == (bit(4) && three), "adapter, system, patch and initiator");
-    Promise(IscsiSettingsAreVerified(bit(4), conditions) == (bit(4) && three && bit(3)), "and the crash dump");
+    RestartFacts facts;
+    facts.iscsi = {bit(0), bit(1), bit(2), bit(3)};
+    facts.iscsiBootAdapter = bit(4);
+    const bool adapterAndThree = bit(4) && bit(0) && bit(1) && bit(2);
+    Promise(!RestartReasons(facts).empty() == adapterAndThree, "adapter, system, patch and initiator");
+    Promise(IscsiSettingsAreVerified(facts) == (adapterAndThree && bit(3)), "and the crash dump");
     Promise(OutcomeString(bit(5), bit(6)) == (bit(5) ? (bit(6) ? 24U : 9U) : 5U), "none, some failed, or done");
 }
 

@@ -114,3 +114,23 @@ TEST(SearchIds, OtherPassesDoNotExist)
     EXPECT_FALSE(SearchIdForPass(kFullId, 0).has_value());
     EXPECT_FALSE(SearchIdForPass(kFullId, 5).has_value());
 }
+
+TEST(PlanPass, TellsAFaultFromARepeatedSearch)
+{
+    struct Row
+    {
+        const char* device;
+        int pass;
+        PassVerdict verdict;
+    };
+    for (const Row& row :
+         {Row{"VEN_1&SUBSYS_2&REV_3", 3, PassVerdict::OwnId}, Row{"VEN_1&REV_3", 3, PassVerdict::OwnId},
+          Row{"VEN_1&SUBSYS_2", 2, PassVerdict::OwnId}, Row{"VEN_1&SUBSYS_2", 3, PassVerdict::Fault},
+          Row{"VEN_1", 3, PassVerdict::Fault}, Row{"&SUBSYS_2", 3, PassVerdict::IdOfThePassBefore},
+          Row{"&REV_3", 2, PassVerdict::IdOfThePassBefore}, Row{"&REV_3", 3, PassVerdict::IdOfThePassBefore},
+          Row{"&SUBSYS_2", 4, PassVerdict::IdOfThePassBefore}, Row{"VEN_1", 5, PassVerdict::IdOfThePassBefore}}) {
+        const SearchPass plan = PlanPass(row.device, row.pass);
+        EXPECT_EQ(plan.verdict, row.verdict) << row.device << " in pass " << row.pass;
+        EXPECT_EQ(plan.searchId.empty(), row.verdict != PassVerdict::OwnId) << row.device << " in pass " << row.pass;
+    }
+}

@@ -134,25 +134,3 @@ TEST(EndOfRun, OutcomeTextSaysNoAdapterBeforeFailureBeforeDone)
     EXPECT_EQ(kStringSomeFailed, OutcomeString(true, true));
     EXPECT_EQ(kStringDone, OutcomeString(true, false));
 }
-
-TEST(EndOfRun, IscsiSettingsAreVerifiedExactlyWhenAllFourConditionsHoldForABootAdapter)
-{
-    for (unsigned bits = 0; bits < 32; ++bits) {
-        const IscsiConditions conditions{.rightSystem = (bits & 1U) != 0,
-                                         .patchInstalled = (bits & 2U) != 0,
-                                         .initiatorPresent = (bits & 4U) != 0,
-                                         .crashDumpEnabled = (bits & 8U) != 0};
-        EXPECT_EQ(bits == 31, IscsiSettingsAreVerified((bits & 16U) != 0, conditions)) << bits;
-    }
-}
-
-TEST(EndOfRun, IscsiBootAdapterNeedsARestartWhenTheFirstThreeConditionsHold)
-{
-    for (unsigned bits = 0; bits < 32; ++bits) {
-        const IscsiConditions conditions{.rightSystem = (bits & 1U) != 0,
-                                         .patchInstalled = (bits & 2U) != 0,
-                                         .initiatorPresent = (bits & 4U) != 0,
-                                         .crashDumpEnabled = (bits & 8U) != 0};
-        EXPECT_EQ((bits & 23U) == 23U, IscsiBootNeedsRestart((bits & 16U) != 0, conditions)) << bits;
-    }
-}

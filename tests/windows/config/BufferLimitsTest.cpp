@@ -15,7 +15,7 @@
 #include "LocationInfo.h"
 #include "OSLanguage.h"
 #include "OSVersion.h"
-#include "ProfileReading.h"
+#include "PlatformKit.h"
 #include "ScratchDirectory.h"
 #include "StoredInfs.h"
 #include "TestFiles.h"
@@ -60,7 +60,7 @@ TEST_F(BufferLimits, AValueIsCutToItsBufferAndEndsInIt)
         const std::string file = Write(std::to_string(length) + ".ini", "[Section]\r\nKey=" + value + "\r\n");
         for (const std::size_t size : {1u, 2u, 99u, 100u, 101u, 260u}) {
             const GuardedBuffer buffer(size);
-            const uint32_t read = ReadProfileText("Section", "Key", "", buffer.All(), file);
+            const uint32_t read = PlatformKit().ReadText("Section", "Key", "", buffer.All(), file);
             EXPECT_EQ(buffer.Text(), value.substr(0, size - 1)) << length << " into " << size;
             EXPECT_EQ(read, std::min(length, size - 1)) << length << " into " << size;
             EXPECT_TRUE(buffer.IsUntouchedInFront());
@@ -73,7 +73,7 @@ TEST_F(BufferLimits, ADefaultIsCutLikeAValue)
     const std::string file = Write("empty.ini", "");
     const std::string longDefault(400, 'd');
     const GuardedBuffer buffer(260);
-    EXPECT_EQ(ReadProfileText("Section", "Key", longDefault.c_str(), buffer.All(), file), 259U);
+    EXPECT_EQ(PlatformKit().ReadText("Section", "Key", longDefault.c_str(), buffer.All(), file), 259U);
     EXPECT_EQ(buffer.Text(), longDefault.substr(0, 259));
 }
 
@@ -84,7 +84,7 @@ TEST_F(BufferLimits, ASectionThatDoesNotFitIsCutAndEndedTwice)
         const std::string file = Write(std::to_string(length) + ".ini", "[Section]\r\n" + line + "\r\n");
         for (const std::size_t size : {260u, 520u, 1024u, 32767u}) {
             const GuardedBuffer buffer(size);
-            const uint32_t read = ReadProfileSection("Section", buffer.All(), file);
+            const uint32_t read = PlatformKit().ReadSection("Section", buffer.All(), file);
             EXPECT_EQ(read, std::min(line.size() + 1, size - 2)) << length << " into " << size;
             const std::string bytes = buffer.Bytes();
             EXPECT_EQ(bytes.substr(0, std::min(line.size(), size - 2)), line.substr(0, size - 2));
@@ -102,7 +102,7 @@ TEST_F(BufferLimits, TheNamesOfAllKeysAreCutAndEndedTwice)
     }
     const std::string file = Write("keys.inf", content);
     const GuardedBuffer buffer(100);
-    EXPECT_EQ(ReadProfileText("Manufacturer", nullptr, "Manufacturer", buffer.All(), file), 98U);
+    EXPECT_EQ(PlatformKit().ReadText("Manufacturer", nullptr, "Manufacturer", buffer.All(), file), 98U);
     EXPECT_EQ(buffer.Bytes().substr(98), std::string(2, '\0'));
     EXPECT_EQ(buffer.Text(), "%Maker0%");
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "DebugOutput.h"
+#include "DeviceInstall.h"
 #include "DriverInstallRecord.h"
 #include "LocationInfo.h"
 #include "MachineKeyOverride.h"
@@ -95,6 +96,9 @@ public:
 private:
     Answer m_answer;
 };
+
+/// For tests that do not look at the progress.
+inline const ReportProgressFn kNoProgress = [](const std::string& /*text*/) {};
 
 [[nodiscard]] DriverInstallRecord RecordOf(std::string_view family);
 

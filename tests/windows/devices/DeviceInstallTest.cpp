@@ -38,7 +38,7 @@ protected:
     }
     void Install(RecordingInstall& install)
     {
-        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
+        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, kNoProgress);
     }
 
     ScratchRegistryKey m_results{kBasedriversKey};
@@ -46,32 +46,18 @@ protected:
     DriverInstallRecord m_record = RecordOf("Windows Vista");
 };
 
-/// A dialog of controls alone, never shown. Windows with controls need a display.
-class ControlWindow
+/// Keeps the text that was reported last.
+class Progress
 {
 public:
-    ControlWindow()
-        : m_window(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr)),
-          m_control(CreateWindowA("STATIC", "before", WS_CHILD, 0, 0, 9, 9, m_window,
-                                  reinterpret_cast<HMENU>(UINT_PTR{1000}), nullptr, nullptr))
+    [[nodiscard]] ReportProgressFn Report()
     {
+        return [this](const std::string& text) { m_text = text; };
     }
-    ~ControlWindow() { DestroyWindow(m_window); }
-    ControlWindow(const ControlWindow&) = delete;
-    ControlWindow& operator=(const ControlWindow&) = delete;
-
-    [[nodiscard]] HWND Get() const { return m_window; }
-    [[nodiscard]] std::string Text() const
-    {
-        std::array<char, 1024> text{};
-        GetWindowTextA(m_control, text.data(), static_cast<int>(text.size()));
-        return text.data();
-    }
-    [[nodiscard]] bool Exists() const { return m_window != nullptr && m_control != nullptr; }
+    [[nodiscard]] const std::string& Text() const { return m_text; }
 
 private:
-    HWND m_window;
-    HWND m_control;
+    std::string m_text;
 };
 
 /// The test program's own string table (DeviceInstallTest.rc) holds text 10 in two languages.
@@ -99,50 +85,46 @@ void Describe(std::string_view description)
 }
 } // namespace
 
-TEST_F(DeviceInstall, TheDialogShowsTheDevicesDescription)
+TEST_F(DeviceInstall, TheDevicesDescriptionIsReportedBeforeTheInstall)
 {
     const OwnTexts texts(1033);
-    const ControlWindow dialog;
-    ASSERT_TRUE(dialog.Exists());
+    Progress progress;
     Describe("Norda 10G %s Adapter");
     RecordingInstall install;
-    install.duringCall = [&dialog] { EXPECT_EQ(dialog.Text(), "Installing Norda 10G %s Adapter now"); };
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
+    install.duringCall = [&progress] { EXPECT_EQ(progress.Text(), "Installing Norda 10G %s Adapter now"); };
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, progress.Report());
     EXPECT_EQ(install.calls.size(), 1U);
 }
 
-TEST_F(DeviceInstall, AResourceTextWithWrongPlaceholdersIsOnlyShown)
+TEST_F(DeviceInstall, AResourceTextWithWrongPlaceholdersIsOnlyReported)
 {
     const OwnTexts texts(1031);
-    const ControlWindow dialog;
-    ASSERT_TRUE(dialog.Exists());
+    Progress progress;
     Describe("Norda");
     RecordingInstall install;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
-    EXPECT_EQ(dialog.Text(), "%n%n Norda %s %d");
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, progress.Report());
+    EXPECT_EQ(progress.Text(), "%n%n Norda %s %d");
 }
 
-TEST_F(DeviceInstall, TheDialogTextHasAtMost259Characters)
+TEST_F(DeviceInstall, TheReportedTextHasAtMost259Characters)
 {
     const OwnTexts texts(1033);
-    const ControlWindow dialog;
-    ASSERT_TRUE(dialog.Exists());
+    Progress progress;
     Describe(std::string(259, 'x'));
     RecordingInstall install;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
-    EXPECT_EQ(dialog.Text(), "Installing " + std::string(248, 'x'));
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, progress.Report());
+    EXPECT_EQ(progress.Text(), "Installing " + std::string(248, 'x'));
 }
 
-TEST_F(DeviceInstall, TheCutOfTheDialogTextSplitsNoCharacter)
+TEST_F(DeviceInstall, TheCutOfTheReportedTextSplitsNoCharacter)
 {
     const OwnTexts texts(1033);
-    const ControlWindow dialog;
-    ASSERT_TRUE(dialog.Exists());
+    Progress progress;
     const JapaneseCodePage japanese;
     Describe(std::string(247, 'x') + kJapaneseLetter);
     RecordingInstall install;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, dialog.Get());
-    EXPECT_EQ(dialog.Text(), "Installing " + std::string(247, 'x'));
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, progress.Report());
+    EXPECT_EQ(progress.Text(), "Installing " + std::string(247, 'x'));
 }
 
 TEST_F(DeviceInstall, TheSourcePathExistsOnlyDuringTheCall)
@@ -243,7 +225,7 @@ TEST_F(DeviceInstall, WithoutAnInterfaceEveryInstallCountsAsRefused)
 {
     Name(kFamilyInf);
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, nullptr, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, nullptr, kNoProgress);
     EXPECT_THAT(trace.Messages(), Contains(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 57\n"));
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "TAVG_PCIE_Install"), "FAILURE");
     EXPECT_EQ(DevicePassState.installFailed, 1U);
@@ -273,7 +255,7 @@ TEST_F(DeviceInstall, TheMilleniumRouteUsesTheDriverUpdateOnly)
     // What the platform makes of a device that it does not have is its own.
     const std::vector<std::string> updateLines = TraceOf(trace, [] { UpdateDriver(kInf, kHardwareId); });
     ASSERT_EQ(updateLines.size(), 1U);
-    InstallMatchedDevice(InstallRoute::DriverUpdate, m_record, kDevice, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverUpdate, m_record, kDevice, &install, kNoProgress);
     EXPECT_THAT(trace.Messages(),
                 ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
                             "ME install: " + std::string(kHardwareId) + ", " + kInf + "\n", updateLines[0]));
@@ -285,7 +267,7 @@ TEST_F(DeviceInstall, TheLegacyRouteUsesTheLegacyInstallerOnly)
     const MachineKeyOverride emptyMachine;
     RecordingInstall install;
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::LegacyInstaller, m_record, kDevice, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::LegacyInstaller, m_record, kDevice, &install, kNoProgress);
     EXPECT_THAT(
         trace.Messages(),
         ElementsAre("Entering - GetLanguageSpecificString", "==>installing driver(s)\n",
@@ -315,7 +297,7 @@ TEST_F(DeviceInstall, TheOlderFamiliesWalkTheirOwnKeyAndNeedNoInterface)
         DevicePassState = {};
         DriverInstallRecord record = RecordOf(row.family);
         TraceCapture trace;
-        EXPECT_EQ(EnumerateRegistryForPCIDevices(record, nullptr, nullptr), 0U) << row.family;
+        EXPECT_EQ(RunDevicePass(record, nullptr, kNoProgress), 0U) << row.family;
         EXPECT_THAT(trace.Messages(),
                     Contains(row.line + std::string(kHardwareId) + ", " + std::string(TextIn(record.infPath)) + "\n"))
             << row.family;

@@ -8,6 +8,7 @@
 
 #include "ConstantLibrary.h"
 #include "DeviceFixtures.h"
+#include "HardwareScan.h"
 #include "HelperPrograms.h"
 #include "LibraryLoads.h"
 #include "TestFiles.h"

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "DeviceFixtures.h"
-#include "DriverUpdate.h"
+#include "HardwareScan.h"
 
 namespace {
 constexpr char kOverridesKey[] = R"(Software\Wine\DllOverrides)";

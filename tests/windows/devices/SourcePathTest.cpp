@@ -40,7 +40,7 @@ TEST(SourcePath, IsSetAfterTheInstallIsTracedAndDeletedBeforeTheClassificationBe
     seen.clear();
     {
         const ImportOverride lines("OutputDebugStringA", reinterpret_cast<void*>(SeeValue));
-        InstallMatchedDevice(InstallRoute::DriverInterface, record, "VEN_5D1A&DEV_1A2B", &install, nullptr);
+        InstallMatchedDevice(InstallRoute::DriverInterface, record, "VEN_5D1A&DEV_1A2B", &install, kNoProgress);
     }
     ASSERT_EQ(install.calls.size(), 1U);
     EXPECT_EQ(install.calls[0].sourcePath, kInf);

@@ -32,7 +32,7 @@ protected:
     {
         RecordingInstall install(answer);
         TraceCapture trace;
-        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
+        InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, kNoProgress);
         return trace.Messages();
     }
 
@@ -93,7 +93,7 @@ TEST_F(StorageAdapterStep, InterfaceThatRewritesTheRecordDoesNotChangeWhichDevic
     RecordingInstall install;
     install.duringCall = [this] { m_record.hardwareId.fill('\0'); };
     TraceCapture trace;
-    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, nullptr);
+    InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, kNoProgress);
     EXPECT_THAT(trace.Messages(), Contains(kDevice));
     EXPECT_EQ(DevicePassState.storageAdapterFound, 1U);
 }

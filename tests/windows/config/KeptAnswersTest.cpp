@@ -1,23 +1,26 @@
-#include "AnswerReuse.h"
+#include "KeptAnswers.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
+#include <memory>
 
 #include "CallCount.h"
 #include "DebugOutput.h"
 #include "Handles.h"
+#include "ImportOverride.h"
+#include "InfDirectory.h"
 #include "InfFiles.h"
 #include "InfReader.h"
-#include "InfSearch.h"
+#include "InfStore.h"
+#include "InstallerSearch.h"
+#include "KitLists.h"
 #include "LocationInfo.h"
 #include "OSVersion.h"
-#include "ProfileReading.h"
+#include "PlatformKit.h"
 #include "RunOptions.h"
 #include "ScratchDirectory.h"
-#include "SetupIni.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -27,13 +30,6 @@ using testing::Not;
 namespace {
 constexpr char kKey[] = "VEN_5D1A&DEV_7A01";
 constexpr char kOtherKey[] = "VEN_5D1A&DEV_7A02";
-
-DriverInstallRecord VistaRecord()
-{
-    DriverInstallRecord record;
-    std::ranges::copy(kFamilyWindowsVista, record.osFamily.begin());
-    return record;
-}
 
 /// What the platform is asked about files while the object lives.
 class Questions
@@ -97,13 +93,24 @@ protected:
     }
 
     /// @return the path of the INF that lists the device; empty when there is none.
-    [[nodiscard]] std::string Find(const std::string& key = kKey) const
+    [[nodiscard]] std::string Find(KitSource& source, const std::string& key = kKey) const
     {
-        std::array<char, 260> path{};
-        static_cast<void>(GetInfFile(key.c_str(), m_directory.At("Drv\\"), VistaRecord(), path.data(), {}));
-        return path.data();
+        InstallerLog log;
+        const KitSearch search =
+            SearchOfThisRun(source, log, COSVersion().GetOSCode(), std::string(kFamilyWindowsVista));
+        return FindInf(search, key, m_directory.At("Drv\\"), {}).value_or("");
+    }
+    /// @return the directories of the setup INI.
+    [[nodiscard]] static std::vector<std::string> Directories(KitSource& source)
+    {
+        InstallerLog log;
+        std::vector<std::string> directories;
+        std::vector<std::string> excludes;
+        ReadInfLists(SearchOfThisRun(source, log, COSVersion().GetOSCode()), directories, excludes);
+        return directories;
     }
 
+    PlatformKit m_platform;
     ScratchDirectory m_directory;
 };
 
@@ -122,12 +129,12 @@ TEST_F(Reuse, WithoutItEverySearchAsksThePlatform)
 {
     WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
     const Questions questions;
-    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(Find(m_platform), "");
     const uint64_t asked = questions.Profile();
     const uint64_t opened = questions.Opened();
     EXPECT_EQ(asked, 7U) << "section names; signature, two of the manufacturer, two of the section, description";
     EXPECT_EQ(opened, 1U);
-    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(Find(m_platform), "");
     EXPECT_EQ(questions.Profile(), 2 * asked);
     EXPECT_EQ(questions.Opened(), 2 * opened);
 }
@@ -136,29 +143,16 @@ TEST_F(Reuse, SecondSearchAsksNothingMore)
 {
     WriteFileBytes(Inf("tav1.inf"), QualifiedInf(kOtherKey));
     WriteFileBytes(Inf("tav2.inf"), QualifiedInf(kOtherKey));
-    const AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     const Questions questions;
-    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(Find(answers), "");
     const uint64_t asked = questions.Profile();
     const uint64_t opened = questions.Opened();
     EXPECT_EQ(asked, 1U + 2 * 6U);
-    EXPECT_EQ(Find(), "");
-    EXPECT_EQ(Find("VEN_5D1A"), "");
+    EXPECT_EQ(Find(answers), "");
+    EXPECT_EQ(Find(answers, "VEN_5D1A"), "");
     EXPECT_EQ(questions.Profile(), asked);
     EXPECT_EQ(questions.Opened(), opened);
-}
-
-TEST_F(Reuse, NothingOutlivesIt)
-{
-    WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
-    {
-        const AnswerReuse reuse;
-        EXPECT_EQ(Find(), "");
-    }
-    EXPECT_EQ(AnswersAbout(Inf()), nullptr);
-    const Questions questions;
-    EXPECT_EQ(Find(), "");
-    EXPECT_EQ(questions.Profile(), 7U);
 }
 
 TEST_F(Reuse, EachManufacturerIsAskedApart)
@@ -167,28 +161,8 @@ TEST_F(Reuse, EachManufacturerIsAskedApart)
     const std::string heading = "[Manufacturer]\r\n";
     inf.insert(inf.find(heading) + heading.size(), "first=Other\r\n");
     WriteFileBytes(Inf(), inf);
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), Inf());
-}
-
-TEST_F(Reuse, ListsOfTheSetupIniAreReadOnce)
-{
-    const AnswerReuse reuse;
-    const Questions questions;
-    std::vector<std::string> first;
-    std::vector<std::string> excludes;
-    GetInfDirs(first, excludes);
-    const uint64_t asked = questions.Profile();
-    std::vector<std::string> second;
-    GetInfDirs(second, excludes);
-    EXPECT_EQ(second, first);
-    EXPECT_THAT(second, ElementsAre(m_directory.At(R"(Setup\Drv\)")));
-    // The number of levels is its default, which is asked for once more.
-    EXPECT_EQ(questions.Profile(), asked + 1);
-    std::vector<std::string> third;
-    GetInfDirs(third, excludes);
-    EXPECT_EQ(third, first);
-    EXPECT_EQ(questions.Profile(), asked + 1);
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, ResultsBuffersAndTracesAreThoseOfThePlainWay)
@@ -202,12 +176,12 @@ TEST_F(Reuse, ResultsBuffersAndTracesAreThoseOfThePlainWay)
                    QualifiedInf(kOtherKey) + "[Norda.NTamd64.x]\r\n" + std::string(300, 'k') + "=I, PCI\\VEN_5D1A\r\n");
     WriteFileBytes(Inf("tav6.inf"), QualifiedInf("VEN_5D1A&DEV_7A03") + "a=%b%\r\n");
     TraceCapture trace;
-    const auto search = [&](const std::string& key) {
+    const auto search = [&](KitSource& source, const std::string& key) {
         matchedHardwareId.fill('\0');
         deviceDescription.fill('\0');
         trace.Clear();
         Told told;
-        told.path = Find(key);
+        told.path = Find(source, key);
         told.hardwareId = TextIn(matchedHardwareId);
         told.description = TextIn(deviceDescription);
         told.messages = trace.Messages();
@@ -216,15 +190,15 @@ TEST_F(Reuse, ResultsBuffersAndTracesAreThoseOfThePlainWay)
     const std::vector<std::string> keys{kKey, kOtherKey, "ven_5d1a&dev_7a03", "VEN_1234", ""};
     std::vector<Told> plain;
     for (const std::string& key : keys) {
-        plain.push_back(search(key));
+        plain.push_back(search(m_platform, key));
         EXPECT_THAT(plain.back().messages, Contains("GetPrivateProfileSection() failed"));
     }
     EXPECT_EQ(plain[1].path, Inf("tav5.inf"));
     EXPECT_EQ(plain[2].path, Inf("tav6.inf"));
-    const AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     for (const char* const round : {"first", "second"}) {
         for (std::size_t i = 0; i < keys.size(); ++i) {
-            const Told told = search(keys[i]);
+            const Told told = search(answers, keys[i]);
             EXPECT_EQ(told, plain[i]) << round << " search of " << keys[i];
             EXPECT_EQ(told.messages, plain[i].messages) << round << " search of " << keys[i];
         }
@@ -234,33 +208,33 @@ TEST_F(Reuse, ResultsBuffersAndTracesAreThoseOfThePlainWay)
 TEST_F(Reuse, FileOfAnotherSizeIsAskedAboutAgain)
 {
     WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), "");
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
     WriteFileBytes(Inf(), QualifiedInf(kKey) + "; one line more\r\n");
-    EXPECT_EQ(Find(), Inf());
-    EXPECT_EQ(Find(kOtherKey), "");
+    EXPECT_EQ(Find(answers), Inf());
+    EXPECT_EQ(Find(answers, kOtherKey), "");
 }
 
 TEST_F(Reuse, FileOfAnotherWriteTimeIsAskedAboutAgain)
 {
     WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
     MoveWriteTime(Inf(), -10);
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), "");
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
     WriteFileBytes(Inf(), QualifiedInf(kKey));
     MoveWriteTime(Inf(), -5);
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, OnlyTheChangedFileIsAskedAboutAgain)
 {
     WriteFileBytes(Inf("tav1.inf"), QualifiedInf(kOtherKey));
     WriteFileBytes(Inf("tav2.inf"), QualifiedInf(kOtherKey));
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), "");
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
     MoveWriteTime(Inf("tav2.inf"), -10);
     const Questions questions;
-    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(Find(answers), "");
     EXPECT_EQ(questions.Profile(), 6U);
     EXPECT_EQ(questions.Opened(), 1U);
 }
@@ -268,85 +242,85 @@ TEST_F(Reuse, OnlyTheChangedFileIsAskedAboutAgain)
 TEST_F(Reuse, ChangedSetupIniIsAskedAboutAgain)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey, "Norda.Other"));
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), "");
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
     WriteIni("Norda.Other");
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, FileThatComesOrGoesIsNoticed)
 {
-    const AnswerReuse reuse;
-    EXPECT_EQ(Find(), "");
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
     DeleteFileA(Inf().c_str());
-    EXPECT_EQ(Find(), "");
+    EXPECT_EQ(Find(answers), "");
 }
 
 TEST_F(Reuse, FileThatCannotBeOpenedIsTriedAgainThoughItDidNotChange)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    const AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     {
         const UniqueFile locked = Locked(Inf());
         TraceCapture trace;
-        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(answers), "");
         EXPECT_THAT(trace.Messages(), Contains("unable to open file: " + Inf() + "\n"));
     }
     TraceCapture trace;
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
     EXPECT_THAT(trace.Messages(), Not(Contains("unable to open file: " + Inf() + "\n")));
 }
 
 TEST_F(Reuse, FileLockedForTwoPassesBeforeItsFirstReadingIsFoundInTheThird)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    const AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     {
         const UniqueFile locked = Locked(Inf());
-        EXPECT_EQ(Find(), "");
-        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(answers), "");
+        EXPECT_EQ(Find(answers), "");
     }
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, FileLockedForTwoPassesAfterItsFirstReadingIsFoundByTheNextDevice)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    AnswerReuse reuse;
-    ASSERT_NE(AnswersAbout(Inf()), nullptr) << "its mark was read";
+    KeptAnswers answers(m_platform);
+    ASSERT_TRUE(answers.MarkOf(Inf()).read);
     {
         const UniqueFile locked = Locked(Inf());
-        EXPECT_EQ(Find(), "");
-        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(answers), "");
+        EXPECT_EQ(Find(answers), "");
     }
-    EXPECT_EQ(Find(), "") << "twice nothing counts for this device";
-    reuse.BeginDevice();
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), "") << "twice nothing counts for this device";
+    answers.BeginDevice();
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, FileThatTheLockLetsGoInTheSecondPassIsFoundInThatPass)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    const AnswerReuse reuse;
-    ASSERT_NE(AnswersAbout(Inf()), nullptr) << "its mark was read";
+    KeptAnswers answers(m_platform);
+    ASSERT_TRUE(answers.MarkOf(Inf()).read);
     {
         const UniqueFile locked = Locked(Inf());
-        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(answers), "");
     }
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
 }
 
 TEST_F(Reuse, FileLockedAfterItWasReadIsFoundThoughThePlatformCouldNotReadItNow)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
-    AnswerReuse reuse;
-    EXPECT_EQ(Find(), Inf());
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), Inf());
     const UniqueFile locked = Locked(Inf());
-    reuse.BeginDevice();
+    answers.BeginDevice();
     TraceCapture trace;
-    EXPECT_EQ(Find(), Inf());
+    EXPECT_EQ(Find(answers), Inf());
     EXPECT_THAT(trace.Messages(), Contains("file is not Unicode\n"));
     EXPECT_THAT(trace.Messages(), Not(Contains("unable to open file: " + Inf() + "\n")));
 }
@@ -355,93 +329,45 @@ TEST_F(Reuse, SectionThatAFileDoesNotHaveIsAskedForTwiceForEachDevice)
 {
     WriteIni("Norda.NTamd64,Missing");
     WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
-    AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     const Questions questions;
     for (int pass = 1; pass <= 4; ++pass) {
-        EXPECT_EQ(Find(), "");
+        EXPECT_EQ(Find(answers), "");
     }
     const uint64_t asked = questions.Profile();
     for (uint64_t device = 1; device <= 3; ++device) {
-        reuse.BeginDevice();
+        answers.BeginDevice();
         for (int pass = 1; pass <= 4; ++pass) {
-            EXPECT_EQ(Find(), "");
+            EXPECT_EQ(Find(answers), "");
         }
         // Two for a section and one for the description that nothing was found for, twice.
         EXPECT_EQ(questions.Profile(), asked + device * 6);
     }
 }
 
-TEST_F(Reuse, MissingFileIsAskedAboutEveryTime)
+TEST_F(Reuse, ListsOfTheSetupIniAreReadOnce)
 {
-    const AnswerReuse reuse;
+    KeptAnswers answers(m_platform);
     const Questions questions;
-    std::array<char, 20> buffer{};
-    for (uint64_t i = 1; i <= 3; ++i) {
-        EXPECT_EQ(ReadProfileText("Section", "Key", "default", buffer, Inf()), 7U);
-        EXPECT_EQ(TextIn(buffer), "default");
-        EXPECT_EQ(questions.Profile(), i);
-    }
-}
-
-TEST_F(Reuse, LinkIsNeverReusedBecauseItsEntryTellsNothingAboutTheFileBehindIt)
-{
-    WriteFileBytes(Inf(), QualifiedInf(kKey));
-    const AnswerReuse reuse;
-    WIN32_FIND_DATAA entry{};
-    const UniqueSearch search(FindFirstFileA(Inf().c_str(), &entry));
-    {
-        const FileVisit visit(Inf(), entry);
-        EXPECT_NE(AnswersAbout(Inf()), nullptr);
-    }
-    entry.dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
-    const FileVisit visit(Inf(), entry);
-    EXPECT_EQ(AnswersAbout(Inf()), nullptr);
-}
-
-TEST_F(Reuse, VisitSparesTheLookAtTheFileAndCountsForThatFileOnly)
-{
-    WriteFileBytes(Inf("tav1.inf"), QualifiedInf(kKey));
-    WriteFileBytes(Inf("tav2.inf"), QualifiedInf(kKey));
-    const AnswerReuse reuse;
-    const CallCount looks("GetFileAttributesExA");
-    WIN32_FIND_DATAA entry{};
-    const UniqueSearch search(FindFirstFileA(Inf("tav1.inf").c_str(), &entry));
-    const FileVisit visit(Inf("tav1.inf"), entry);
-    EXPECT_NE(AnswersAbout(Inf("tav1.inf")), nullptr);
-    EXPECT_EQ(looks.Calls(), 0U);
-    EXPECT_NE(AnswersAbout(Inf("tav2.inf")), nullptr);
-    EXPECT_EQ(looks.Calls(), 1U);
-    EXPECT_NE(AnswersAbout(Inf("tav2.inf")), AnswersAbout(Inf("tav1.inf")));
-}
-
-TEST_F(Reuse, NothingOutlivesTheObject)
-{
-    WriteFileBytes(Inf(), QualifiedInf(kOtherKey));
-    const Questions questions;
-    {
-        const AnswerReuse reuse;
-        EXPECT_EQ(Find(), "");
-    }
-    EXPECT_EQ(answersInUse.answers, nullptr);
-    EXPECT_EQ(answersInUse.visit, nullptr);
+    const std::vector<std::string> first = Directories(answers);
     const uint64_t asked = questions.Profile();
-    {
-        const AnswerReuse reuse;
-        EXPECT_EQ(Find(), "");
-        EXPECT_EQ(questions.Profile(), 2 * asked);
-    }
-    EXPECT_EQ(Find(), "");
-    EXPECT_EQ(questions.Profile(), 3 * asked);
+    EXPECT_EQ(Directories(answers), first);
+    EXPECT_THAT(first, ElementsAre(m_directory.At(R"(Setup\Drv\)")));
+    // The number of levels is its default, which is asked for once more.
+    EXPECT_EQ(questions.Profile(), asked + 1);
+    EXPECT_EQ(Directories(answers), first);
+    EXPECT_EQ(questions.Profile(), asked + 1);
 }
 
-TEST_F(Reuse, EndsWithAFaultToo)
+TEST_F(Reuse, SearchedDirectorySparesTheLooksAtItsFiles)
 {
-    try {
-        const AnswerReuse reuse;
-        throw std::out_of_range("a device without a revision");
-    } catch (const std::out_of_range&) {
-        EXPECT_EQ(answersInUse.answers, nullptr);
-    }
+    WriteFileBytes(Inf("tav1.inf"), QualifiedInf(kOtherKey));
+    WriteFileBytes(Inf("tav2.inf"), QualifiedInf(kOtherKey));
+    KeptAnswers answers(m_platform);
+    EXPECT_EQ(Find(answers), "");
+    const CallCount looks("GetFileAttributesExA");
+    EXPECT_EQ(Find(answers), "");
+    EXPECT_EQ(looks.Calls(), 1U) << "at the setup INI";
 }
 
 TEST_F(Reuse, SectionThatTheFileDoesNotHaveLeavesTheSameInTheBuffer)
@@ -450,12 +376,53 @@ TEST_F(Reuse, SectionThatTheFileDoesNotHaveLeavesTheSameInTheBuffer)
     constexpr std::size_t kBytes = 64;
     std::array<char, kBytes> plain{};
     plain.fill('?');
-    const uint32_t count = ReadProfileSection("Missing", plain, Inf());
-    const AnswerReuse reuse;
+    const uint32_t count = m_platform.ReadSection("Missing", plain, Inf());
+    KeptAnswers answers(m_platform);
     for (int round = 0; round < 2; ++round) {
         std::array<char, kBytes> buffer{};
         buffer.fill('?');
-        EXPECT_EQ(ReadProfileSection("Missing", buffer, Inf()), count);
+        EXPECT_EQ(answers.ReadSection("Missing", buffer, Inf()), count);
         EXPECT_EQ(buffer, plain);
     }
+}
+
+namespace {
+BOOL WINAPI DescribeLink(LPCSTR /*name*/, GET_FILEEX_INFO_LEVELS /*level*/, LPVOID attributes)
+{
+    *static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(attributes) = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT};
+    return TRUE;
+}
+
+HANDLE WINAPI FindLink(LPCSTR /*pattern*/, WIN32_FIND_DATAA* entry)
+{
+    *entry = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT, .cFileName = "link.inf"};
+    return reinterpret_cast<HANDLE>(UINT_PTR{4});
+}
+} // namespace
+
+TEST_F(Reuse, LinkHasNoStampBecauseItsEntryDoesNotDescribeTheFile)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    ASSERT_TRUE(m_platform.StampOf(Inf()).has_value());
+    const ImportOverride look{"GetFileAttributesExA", reinterpret_cast<void*>(DescribeLink)};
+    EXPECT_EQ(m_platform.StampOf(Inf()), std::nullopt);
+    const ImportOverride find{"FindFirstFileA", reinterpret_cast<void*>(FindLink)};
+    const std::unique_ptr<InfListing> listing = m_platform.List(m_directory.At("Drv\\"));
+    ASSERT_NE(listing, nullptr);
+    const InfEntry* const entry = listing->Next();
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->name, "link.inf");
+    EXPECT_EQ(entry->stamp, std::nullopt);
+}
+
+TEST_F(Reuse, StampIsThatOfTheDirectoryEntry)
+{
+    WriteFileBytes(Inf(), QualifiedInf(kKey));
+    const std::unique_ptr<InfListing> listing = m_platform.List(m_directory.At("Drv\\"));
+    ASSERT_NE(listing, nullptr);
+    const InfEntry* const entry = listing->Next();
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->stamp, m_platform.StampOf(Inf()));
+    EXPECT_EQ(entry->stamp.value_or(FileStamp{}).bytes, QualifiedInf(kKey).size());
+    EXPECT_EQ(m_platform.StampOf(Inf("missing.inf")), std::nullopt);
 }

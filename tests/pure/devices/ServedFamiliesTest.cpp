@@ -1,4 +1,4 @@
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 
 #include <gtest/gtest.h>
 
@@ -20,21 +20,21 @@ constexpr Expected kExpected[] = {
 };
 } // namespace
 
-TEST(SystemFamilies, EachFamilyHasItsKeyAndRoute)
+TEST(ServedFamilies, EachFamilyHasItsKeyAndRoute)
 {
     for (const Expected& expected : kExpected) {
-        const auto family = FindSystemFamily(expected.name);
+        const auto family = FindServedFamily(expected.name);
         ASSERT_TRUE(family.has_value()) << expected.name;
         EXPECT_STREQ(family->pciKey, expected.key) << expected.name;
         EXPECT_EQ(family->route, expected.route) << expected.name;
     }
-    EXPECT_EQ(kSystemFamilies.size(), std::size(kExpected));
+    EXPECT_EQ(kServedFamilies.size(), std::size(kExpected));
 }
 
-TEST(SystemFamilies, OtherNamesAreNotServed)
+TEST(ServedFamilies, OtherNamesAreNotServed)
 {
     for (const char* name : {"Windows XP", "Windows NT", "", "windows vista", "Windows Vista ", "Windows", "Windows 9",
                              "Windows Millennium"}) {
-        EXPECT_FALSE(FindSystemFamily(name).has_value()) << name;
+        EXPECT_FALSE(FindServedFamily(name).has_value()) << name;
     }
 }

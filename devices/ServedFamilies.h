@@ -15,15 +15,15 @@ enum class InstallRoute
 };
 
 /// What the device pass does on a family of systems.
-struct SystemFamily
+struct ServedFamily
 {
     std::string_view name; ///< as the system prober writes it into the install record
     const char* pciKey;    ///< the PCI devices' key under HKEY_LOCAL_MACHINE
     InstallRoute route;
 };
 
-// The trailing backslash of the Windows 98 row is meant, unlike the millennium row's lack of one.
-inline constexpr std::array kSystemFamilies = std::to_array<SystemFamily>({
+// The trailing backslash of the Windows 98 row is intentional, and so is its absence from the millennium row.
+inline constexpr std::array kServedFamilies = std::to_array<ServedFamily>({
     {kFamilyWindowsMillenium, R"(Enum\PCI)", InstallRoute::DriverUpdate},
     {kFamilyWindowsWhistler, R"(SYSTEM\CurrentControlSet\Enum\PCI)", InstallRoute::DriverInterface},
     {kFamilyWindows2000, R"(SYSTEM\CurrentControlSet\Enum\PCI)", InstallRoute::DriverInterface},
@@ -33,9 +33,9 @@ inline constexpr std::array kSystemFamilies = std::to_array<SystemFamily>({
 
 /// @param name  Family name, compared as a whole and exactly.
 /// @return the first row of that name, or no value for a family that is not served.
-[[nodiscard]] constexpr std::optional<SystemFamily> FindSystemFamily(std::string_view name)
+[[nodiscard]] constexpr std::optional<ServedFamily> FindServedFamily(std::string_view name)
 {
-    for (const SystemFamily& family : kSystemFamilies) {
+    for (const ServedFamily& family : kServedFamilies) {
         if (family.name == name) {
             return family;
         }
