@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "InfModelLine.h"
 
 namespace {

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "InfCopies.h"
 #include "InfDevices.h"
 #include "InfQualification.h"

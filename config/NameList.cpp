@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 
 bool ContainsName(const std::vector<std::string>& names, std::string_view name)
 {

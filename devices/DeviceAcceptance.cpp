@@ -25,7 +25,7 @@ Acceptance AcceptByIds(const FirstInstance& instance)
     return {.verdict = row.empty() ? DeviceVerdict::OtherDevice : DeviceVerdict::AcceptedById, .acceptedId = row};
 }
 
-Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily, PciDevices& devices,
+Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily, DeviceInstances& devices,
                         SearchLog& log)
 {
     log.Say("Enter -> IsNordaNetworkDevice()\n");

@@ -39,11 +39,11 @@ struct FirstInstance
     std::optional<std::vector<char>> compatibleIds;
 };
 
-/// The devices of a machine.
-class PciDevices
+/// The instances of a machine's devices.
+class DeviceInstances
 {
 public:
-    virtual ~PciDevices() = default;
+    virtual ~DeviceInstances() = default;
     /// @param devicePath  Path of the device's key below HKEY_LOCAL_MACHINE.
     [[nodiscard]] virtual FirstInstance FirstInstanceOf(const std::string& devicePath) = 0;
 };
@@ -58,5 +58,5 @@ public:
 /// @param deviceKeyName  Key name below the PCI key, such as VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03.
 /// @param osFamily       The record's family name.
 /// @param devices        Asked only where the instance counts.
-[[nodiscard]] Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily, PciDevices& devices,
+[[nodiscard]] Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily, DeviceInstances& devices,
                                       SearchLog& log);

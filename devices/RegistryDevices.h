@@ -3,7 +3,7 @@
 #include "DeviceAcceptance.h"
 
 /// The devices of this machine's registry.
-class RegistryDevices final : public PciDevices
+class RegistryDevices final : public DeviceInstances
 {
 public:
     [[nodiscard]] FirstInstance FirstInstanceOf(const std::string& devicePath) override;

@@ -151,7 +151,7 @@ struct SystemDescription
 
 /// What a registry tells about the reasons to restart. Whether a machine boots over iSCSI or FCoE, the drivers answer:
 /// no registry tells.
-struct RestartFacts
+struct RestartDescription
 {
     /// Version of the network driver interface: major number in the high 16 bits, minor number in the low 16.
     Fact<uint32_t> ndisVersion;
@@ -163,7 +163,7 @@ struct RestartFacts
     Fact<bool> iscsiCrashDumpEnabled;
     /// Version of the management extension; FCoE boot allows a run only from a certain one on.
     Fact<std::string> extensionVersion;
-    bool operator==(const RestartFacts&) const = default;
+    bool operator==(const RestartDescription&) const = default;
 };
 
 struct Machine
@@ -175,7 +175,7 @@ struct Machine
     bool dirty = false;     ///< a hive that was not closed: its latest changes may be missing
     std::string controlSet; ///< the control set that was read, such as "ControlSet001"; empty when there is none
     SystemDescription system;
-    RestartFacts restart;
+    RestartDescription restart;
     PciDevices devices;     ///< of the NT systems, in the control set
     PciDevices devicesOf9x; ///< of the 9x systems, in "Enum\PCI" below the root
     std::vector<Diagnostic> diagnostics;

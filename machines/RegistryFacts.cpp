@@ -344,9 +344,9 @@ SystemDescription ReadSystemDescription(const RegistryFacts& facts)
     return system;
 }
 
-RestartFacts ReadRestartFacts(const RegistryFacts& facts, const SystemDescription& system)
+RestartDescription ReadRestartFacts(const RegistryFacts& facts, const SystemDescription& system)
 {
-    RestartFacts restart;
+    RestartDescription restart;
     restart.ndisVersion = NdisVersionOf(system);
     restart.iscsiInitiatorRecent = IsInitiatorRecent(system);
     if (const Fact<Initiator> initiator = FindInitiator(facts); initiator) {

@@ -44,4 +44,4 @@ private:
 };
 
 [[nodiscard]] SystemDescription ReadSystemDescription(const RegistryFacts& facts);
-[[nodiscard]] RestartFacts ReadRestartFacts(const RegistryFacts& facts, const SystemDescription& system);
+[[nodiscard]] RestartDescription ReadRestartFacts(const RegistryFacts& facts, const SystemDescription& system);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "InfModelLine.h"
 #include "InfQualification.h"
 #include "IniLines.h"

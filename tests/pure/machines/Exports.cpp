@@ -102,7 +102,7 @@ std::string TextOfDevices(const PciDevices& devices)
 std::string Describe(const Machine& machine)
 {
     const SystemDescription& system = machine.system;
-    const RestartFacts& restart = machine.restart;
+    const RestartDescription& restart = machine.restart;
     std::string text = machine.name + "|" + machine.source + "|" + machine.controlSet + "|" +
                        (machine.refused ? "refused" : "") + (machine.dirty ? "dirty" : "") + "\n";
     text += system.version ? std::to_string(system.version->major) + "." + std::to_string(system.version->minor) + "." +

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "KitSearch.h"
 
 /// A kit in memory, with the platform's rules for profile files as far as kits rely on them, and a count of what it was

@@ -1,0 +1,217 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "DriverInstallRecord.h"
+#include "MorvixVersion.h"
+#include "SystemChoice.h"
+#include "SystemFamilies.h"
+#include "TextStyle.h"
+
+namespace {
+constexpr std::size_t kHelpColumn = 24;
+
+void AppendHelpLine(std::string& help, std::string left, const std::string& right)
+{
+    left.resize(std::max(left.size() + 1, kHelpColumn), ' ');
+    help += "  " + left + right + "\n";
+}
+
+/// The help of each command fits a screen of 80 columns and 24 lines: one line for each option.
+std::string HelpOf(const CLI::App* app)
+{
+    const bool isCommand = app->get_parent() != nullptr;
+    std::string help = "Usage: morvix-kit " + (isCommand ? app->get_name() + " " : std::string()) + app->get_footer() +
+                       "\n\n" + app->get_description() + "\n\n";
+    for (const CLI::App* const command : app->get_subcommands([](const CLI::App*) { return true; })) {
+        AppendHelpLine(help, command->get_name(), command->get_description());
+    }
+    help += isCommand ? "" : "\n";
+    for (const CLI::Option* const option : app->get_options([](const CLI::Option* o) { return o->nonpositional(); })) {
+        const std::string argument = option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+        AppendHelpLine(help, option->get_name() + argument, option->get_description());
+    }
+    return help;
+}
+
+void CheckSystem(const std::string& section)
+{
+    if (!IsSystemSection(section)) {
+        throw CLI::ValidationError("--system", section + " is no system; one of " + Joined(SystemSections()));
+    }
+}
+
+void CheckFamily(const std::string& name)
+{
+    if (!FindSystemFamily(name)) {
+        std::vector<std::string> names;
+        for (const SystemFamily& family : kSystemFamilies) {
+            names.push_back("\"" + std::string(family.name) + "\"");
+        }
+        throw CLI::ValidationError("--family", name + " is no family; one of " + Joined(names));
+    }
+}
+
+ProfileDialect DialectOf(const std::string& reader)
+{
+    if (reader != "windows" && reader != "wine") {
+        throw CLI::ValidationError("--reader", reader + " is no reader; one of windows, wine");
+    }
+    return reader == "wine" ? ProfileDialect::Wine : ProfileDialect::Windows;
+}
+
+/// The option table. A command's members are filled while the arguments are parsed.
+class Arguments
+{
+public:
+    Arguments()
+    {
+        m_app.formatter_fn([](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return HelpOf(app); });
+        m_app.description("Tells what Morvix would do on a machine with a kit, without touching the machine.");
+        m_app.footer("COMMAND [options] ...");
+        m_app.set_help_flag("--help", "this help; morvix-kit COMMAND --help for a command");
+        m_app.set_version_flag("--version", std::string("morvix-kit ") + MORVIX_VERSION_TEXT, "the version");
+        m_app.require_subcommand(1);
+        AddPlan();
+        AddExplain();
+        AddDiff();
+    }
+
+    Request Parse(int argc, const char* const* argv)
+    {
+        try {
+            m_app.parse(argc, argv);
+        } catch (const CLI::CallForHelp&) {
+            const std::vector<CLI::App*> chosen = m_app.get_subcommands();
+            return PrintedAnswer{.text = (chosen.empty() ? &m_app : chosen.front())->help(), .code = ExitCode::Clean};
+        } catch (const CLI::CallForVersion& version) {
+            return PrintedAnswer{.text = std::string(version.what()) + "\n", .code = ExitCode::Clean};
+        } catch (const CLI::ParseError& error) {
+            const std::vector<CLI::App*> chosen = m_app.get_subcommands();
+            const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + " ";
+            return PrintedAnswer{.text = std::string(error.what()) + "; see morvix-kit " + command + "--help",
+                                 .code = ExitCode::Usage};
+        }
+        return m_request;
+    }
+
+private:
+    /// @param request  Becomes the answer of Parse when the command is chosen.
+    template <class Command>
+    CLI::App& AddCommand(const char* name, const char* description, const char* usage, Command& request)
+    {
+        CLI::App& app = *m_app.add_subcommand(name, description);
+        app.footer(usage);
+        app.set_help_flag("--help", "this help");
+        app.final_callback([this, &request] { m_request = request; });
+        return app;
+    }
+
+    static void AddKitOptions(CLI::App& app, const std::vector<KitOptions*>& kits)
+    {
+        const auto forEach = [kits](const auto& set) {
+            for (KitOptions* const kit : kits) {
+                set(*kit);
+            }
+        };
+        app.add_option_function<std::string>(
+               "--setup-dir",
+               [forEach](const std::string& path) { forEach([&path](KitOptions& kit) { kit.setupDir = path; }); },
+               "the kit's folder on the machine (C:\\Kit)")
+            ->type_name("PATH");
+        app.add_option_function<std::vector<std::string>>(
+               "--map",
+               [forEach](const std::vector<std::string>& maps) {
+                   forEach([&maps](KitOptions& kit) { kit.maps = maps; });
+               },
+               "where a folder of the machine is here")
+            ->type_name("'D:\\=DIR'")
+            ->allow_extra_args(false);
+        app.add_option_function<std::string>(
+               "--reader",
+               [forEach](const std::string& reader) {
+                   const ProfileDialect dialect = DialectOf(reader);
+                   forEach([dialect](KitOptions& kit) { kit.reader = dialect; });
+               },
+               "read INI files as windows does, or as wine does")
+            ->type_name("WHICH");
+    }
+
+    static void AddWishes(CLI::App& app, PlanWish& wish)
+    {
+        app.add_option("--system", wish.system.section, "plan for this system, by its section name")
+            ->type_name("SECTION")
+            ->each(CheckSystem);
+        app.add_option("--family", wish.system.family, "with this name of the system's family")
+            ->type_name("NAME")
+            ->each(CheckFamily);
+        app.add_flag("--scan-all", wish.scanAll, "search excluded INF files too (option /n)");
+    }
+
+    static void AddOutputOptions(CLI::App& app, OutputOptions& output)
+    {
+        app.add_option("--output", output.file, "write there instead of standard output")->type_name("FILE");
+        app.add_flag("--quiet", output.quiet, "no progress and no warnings, errors only");
+    }
+
+    void AddPlan()
+    {
+        CLI::App& app = AddCommand("plan", "What the installer would do on machines, and why.",
+                                   "[options] KIT MACHINE...", m_plan);
+        app.add_option("KIT", m_plan.kit.folder)->required();
+        app.add_option("MACHINE", m_plan.machines)->required();
+        AddWishes(app, m_plan.wish);
+        AddKitOptions(app, {&m_plan.kit});
+        app.add_flag("--require-driver", m_plan.requireDriver, "exit 1 when a served device gets no driver");
+        const auto addFormat = [this, &app](const char* name, PlanFormat format, const char* help) {
+            return app.add_flag_callback(name, [this, format] { m_plan.format = format; }, help);
+        };
+        CLI::Option* const json = addFormat("--json", PlanFormat::Json, "one JSON document");
+        CLI::Option* const ndjson = addFormat("--ndjson", PlanFormat::NdJson, "one JSON document a line and machine");
+        CLI::Option* const trace = addFormat("--trace", PlanFormat::Trace, "the lines that the installer would trace");
+        json->excludes(ndjson)->excludes(trace);
+        ndjson->excludes(trace);
+        AddOutputOptions(app, m_plan.output);
+    }
+
+    void AddExplain()
+    {
+        CLI::App& app = AddCommand("explain", "The whole way of one device to its driver.",
+                                   "[options] KIT MACHINE DEVICE", m_explain);
+        app.add_option("KIT", m_explain.kit.folder)->required();
+        app.add_option("MACHINE", m_explain.machine)->required();
+        app.add_option("DEVICE", m_explain.device)->required();
+        app.add_option("--why-not", m_explain.whyNot, "what kept this INF from winning")->type_name("INF");
+        AddWishes(app, m_explain.wish);
+        AddKitOptions(app, {&m_explain.kit});
+        AddOutputOptions(app, m_explain.output);
+    }
+
+    void AddDiff()
+    {
+        CLI::App& app = AddCommand("diff", "What changes on machines with another kit.",
+                                   "[options] OLDKIT NEWKIT MACHINE...", m_diff);
+        app.add_option("OLDKIT", m_diff.oldKit.folder)->required();
+        app.add_option("NEWKIT", m_diff.newKit.folder)->required();
+        app.add_option("MACHINE", m_diff.machines)->required();
+        AddWishes(app, m_diff.wish);
+        AddKitOptions(app, {&m_diff.oldKit, &m_diff.newKit});
+        app.add_flag("--json", m_diff.json, "one JSON document");
+        AddOutputOptions(app, m_diff.output);
+    }
+
+    PlanCommand m_plan;
+    ExplainCommand m_explain;
+    DiffCommand m_diff;
+    Request m_request;
+    CLI::App m_app;
+};
+} // namespace
+
+Request ParseCommandLine(int argc, const char* const* argv)
+{
+    return Arguments().Parse(argc, argv);
+}

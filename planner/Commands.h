@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "KitOptions.h"
+#include "Output.h"
+#include "Planner.h"
+
+/// The commands of morvix-kit: what the command line gives each of them, and the functions that do them. One .cpp file for
+/// each command.
+
+enum class PlanFormat
+{
+    Text,
+    Json,   ///< one document
+    NdJson, ///< a document of one machine a line
+    Trace,
+};
+
+struct PlanCommand
+{
+    KitOptions kit;
+    PlanWish wish;
+    std::vector<std::string> machines;
+    PlanFormat format = PlanFormat::Text;
+    bool requireDriver = false;
+    OutputOptions output;
+};
+
+struct ExplainCommand
+{
+    KitOptions kit;
+    PlanWish wish;
+    std::string machine;
+    std::string device;
+    std::string whyNot; ///< an INF; empty: the whole way is told
+    OutputOptions output;
+};
+
+struct DiffCommand
+{
+    KitOptions oldKit;
+    KitOptions newKit;
+    PlanWish wish;
+    std::vector<std::string> machines;
+    bool json = false;
+    OutputOptions output;
+};
+
+[[nodiscard]] ExitCode Run(const PlanCommand& command);
+[[nodiscard]] ExitCode Run(const ExplainCommand& command);
+[[nodiscard]] ExitCode Run(const DiffCommand& command);

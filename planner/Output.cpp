@@ -1,0 +1,137 @@
+#include "Output.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "Printable.h"
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+constexpr std::size_t kFewMachines = 50;
+
+bool IsTerminal(std::FILE* file)
+{
+#ifdef _WIN32
+    return _isatty(_fileno(file)) != 0;
+#else
+    return isatty(fileno(file)) != 0;
+#endif
+}
+
+bool IsSet(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value != nullptr && *value != '\0';
+}
+
+/// Colours are for terminals that understand them; older consoles of Windows do not.
+bool TerminalHasColours()
+{
+#ifdef _WIN32
+    return IsSet("WT_SESSION");
+#else
+    const char* const terminal = std::getenv("TERM");
+    return terminal != nullptr && std::strcmp(terminal, "dumb") != 0;
+#endif
+}
+
+bool WantsColours(const OutputOptions& options)
+{
+    return options.file.empty() && !IsSet("NO_COLOR") && IsTerminal(stdout) && TerminalHasColours();
+}
+} // namespace
+
+void Output::FileCloser::operator()(std::FILE* file) const noexcept
+{
+    if (file != stdout) {
+        std::fclose(file);
+    }
+}
+
+Output::Output(const OutputOptions& options)
+    : m_options(options), m_data(options.file.empty() ? stdout : std::fopen(options.file.c_str(), "wb")),
+      m_style(WantsColours(options)), m_showsProgress(!options.quiet && IsTerminal(stderr))
+{
+    if (m_data == nullptr) {
+        Complain(Printable(options.file) + ": cannot be written (" + std::strerror(errno) +
+                 "); name another file with --output");
+    }
+}
+
+Output::~Output()
+{
+    ClearProgress();
+}
+
+void Output::Write(std::string_view data)
+{
+    ClearProgress();
+    if (!m_failed && std::fwrite(data.data(), 1, data.size(), m_data.get()) != data.size()) {
+        m_failed = true;
+        Complain(std::string("the output cannot be written: ") + std::strerror(errno));
+    }
+}
+
+void Output::Say(const Diagnostic& diagnostic)
+{
+    if (diagnostic.severity == Severity::Error) {
+        m_inputFailed = true;
+    } else if (m_options.quiet) {
+        return;
+    }
+    ClearProgress();
+    const std::string line = "morvix-kit: " + TextOf(diagnostic) + "\n";
+    std::fputs(line.c_str(), stderr);
+}
+
+void Output::Say(const std::vector<Diagnostic>& diagnostics)
+{
+    for (const Diagnostic& diagnostic : diagnostics) {
+        Say(diagnostic);
+    }
+}
+
+void Output::Complain(const std::string& text)
+{
+    ClearProgress();
+    std::fputs(("morvix-kit: " + text + "\n").c_str(), stderr);
+}
+
+void Output::ShowProgress(std::size_t done, std::size_t all)
+{
+    const std::size_t percent = done * 100 / all;
+    if (!m_showsProgress || all < kFewMachines || (m_progressIsShown && percent == m_lastPercent)) {
+        return;
+    }
+    static_cast<void>(std::fprintf(stderr, "\r%zu of %zu machines", done, all));
+    std::fflush(stderr);
+    m_progressIsShown = true;
+    m_lastPercent = percent;
+}
+
+void Output::ClearProgress()
+{
+    if (m_progressIsShown) {
+        std::fputs("\r\x1b[K", stderr);
+        m_progressIsShown = false;
+    }
+}
+
+ExitCode Output::Finish(ExitCode code)
+{
+    ClearProgress();
+    if (!m_failed && std::fflush(m_data.get()) != 0) {
+        m_failed = true;
+        Complain(std::string("the output cannot be written: ") + std::strerror(errno));
+    }
+    if (m_failed) {
+        return ExitCode::Usage;
+    }
+    return m_inputFailed && code != ExitCode::Usage ? ExitCode::Unreadable : code;
+}

@@ -1,0 +1,121 @@
+#include "Commands.h"
+#include "OrderedWork.h"
+#include "PlanJson.h"
+#include "PlanText.h"
+#include "Printable.h"
+#include "ReadMachine.h"
+#include "Sources.h"
+
+namespace {
+/// One machine's answer.
+struct Answer
+{
+    std::string text;
+    std::vector<Diagnostic> diagnostics;
+    bool lacksDriver = false;
+};
+
+bool LacksDriver(const MachinePlan& plan)
+{
+    for (const DevicePlan& device : plan.devices) {
+        if (device.search->verdict != SearchVerdict::Matched) {
+            return true;
+        }
+    }
+    return plan.outcome == MachineOutcome::NoDevices || plan.outcome == MachineOutcome::NotServed;
+}
+
+class PlanPrinter
+{
+public:
+    PlanPrinter(const PlanCommand& command, Planner& planner, const TextStyle& style, bool isOne)
+        : m_command(command), m_planner(planner), m_style(style), m_isOne(isOne), m_head(PlanJsonHead(planner.Kit()))
+    {
+    }
+
+    [[nodiscard]] std::string Head() const { return m_command.format == PlanFormat::Json ? m_head : std::string(); }
+    [[nodiscard]] std::string Between() const
+    {
+        switch (m_command.format) {
+            case PlanFormat::Json:
+                return ",";
+            case PlanFormat::Text:
+                return "\n";
+            case PlanFormat::NdJson:
+            case PlanFormat::Trace:
+                return {};
+        }
+        return {};
+    }
+    [[nodiscard]] std::string Tail() const
+    {
+        return m_command.format == PlanFormat::Json ? PlanJsonTail() + "\n" : std::string();
+    }
+
+    [[nodiscard]] Answer AnswerFor(const Machine& machine) const
+    {
+        Answer answer;
+        std::string trace;
+        const MachinePlan plan = m_planner.Plan(machine, m_command.format == PlanFormat::Trace ? &trace : nullptr);
+        answer.lacksDriver = LacksDriver(plan);
+        answer.diagnostics = plan.diagnostics;
+        const MachinePaths& paths = m_planner.Kit().Paths();
+        switch (m_command.format) {
+            case PlanFormat::Text:
+                answer.text = PlanText(plan, paths, m_style);
+                break;
+            case PlanFormat::Json:
+                answer.text = PlanJsonMachine(plan, paths);
+                break;
+            case PlanFormat::NdJson:
+                answer.text = m_head + PlanJsonMachine(plan, paths) + PlanJsonTail() + "\n";
+                break;
+            case PlanFormat::Trace:
+                answer.text = m_isOne ? trace : "# " + Printable(plan.name) + " " + Printable(plan.source) + "\n" + trace;
+                break;
+        }
+        return answer;
+    }
+
+private:
+    const PlanCommand& m_command;
+    Planner& m_planner;
+    const TextStyle& m_style;
+    bool m_isOne;
+    std::string m_head;
+};
+} // namespace
+
+ExitCode Run(const PlanCommand& command)
+{
+    Output output(command.output);
+    if (!output.IsOpen()) {
+        return ExitCode::Usage;
+    }
+    std::string problem;
+    const std::unique_ptr<KitFolder> kit = OpenKit(command.kit, problem);
+    if (!kit) {
+        output.Complain(problem);
+        return ExitCode::Usage;
+    }
+    const MachineSources machines = ExpandSources(command.machines);
+    output.Say(machines.diagnostics);
+    Planner planner(*kit, command.wish);
+    const std::size_t count = machines.sources.size();
+    const PlanPrinter printer(command, planner, output.Style(), count == 1);
+
+    bool lacksDriver = false;
+    std::size_t done = 0;
+    output.Write(printer.Head());
+    DoInOrder<Answer>(
+        count, [&](std::size_t index) { return printer.AnswerFor(ReadMachine(machines.sources[index])); },
+        [&](Answer&& answer) {
+            output.Write((done == 0 ? std::string() : printer.Between()) + answer.text);
+            output.Say(answer.diagnostics);
+            lacksDriver = lacksDriver || answer.lacksDriver;
+            output.ShowProgress(++done, count);
+        });
+    output.Write(printer.Tail());
+    output.Say(kit->Remarks());
+    return output.Finish(command.requireDriver && lacksDriver ? ExitCode::Findings : ExitCode::Clean);
+}

@@ -1,0 +1,126 @@
+#include "KitFolder.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "KitOnDisk.h"
+
+namespace {
+std::string Value(FolderKitSource& source, const char* section, const char* key, const std::string& file)
+{
+    std::array<char, 64> buffer{};
+    source.ReadText(section, key, "<default>", buffer, file);
+    return buffer.data();
+}
+
+std::string Listed(KitSource& source, const std::string& directory)
+{
+    std::string names;
+    const auto listing = source.List(directory);
+    while (const InfEntry* const entry = listing ? listing->Next() : nullptr) {
+        names += entry->name + " ";
+    }
+    return listing ? names : "<none>";
+}
+} // namespace
+
+TEST(KitFolder, ReadsFilesByTheirPathOnTheMachineWhateverTheLetterCase)
+{
+    const TestFolder folder;
+    folder.Write("morvix.INI", "[Config]\r\nLevelsToRoot=2\r\n");
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("2", Value(source, "Config", "LevelsToRoot", R"(C:\Kit\Morvix.ini)"));
+    EXPECT_EQ("2", Value(source, "config", "levelstoroot", R"(c:\KIT\MORVIX.INI)"));
+    EXPECT_EQ("<default>", Value(source, "Config", "LevelsToRoot", R"(C:\Kit\Other.ini)"));
+}
+
+TEST(KitFolder, ListsInfFilesInTheOrderOfTheirUpperCasedNames)
+{
+    const TestFolder folder;
+    for (const char* const name : {"b.inf", "A.INF", "_c.inf", "a.txt", "d.infx"}) {
+        folder.Write(std::string("Drv/") + name, "");
+    }
+    folder.Write("Empty/readme.txt", "");
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("A.INF b.inf d.infx _c.inf ", Listed(source, R"(C:\Kit\drv\)"));
+    EXPECT_EQ("<none>", Listed(source, R"(C:\Kit\Empty\)"));
+    EXPECT_EQ("<none>", Listed(source, R"(C:\Kit\Missing\)"));
+    EXPECT_TRUE(kit.Remarks().empty());
+}
+
+TEST(KitFolder, ReadsEachFileOnceAndGoesOnWhenTheFolderVanishes)
+{
+    auto folder = std::make_unique<TestFolder>();
+    folder->Write("a.inf", "[Version]\r\nSignature=x\r\n");
+    KitFolder kit(PlaceOf(*folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("x", Value(source, "Version", "Signature", R"(C:\Kit\a.inf)"));
+    folder.reset();
+    EXPECT_EQ("x", Value(source, "Version", "Signature", R"(C:\Kit\a.inf)"));
+    EXPECT_EQ("<default>", Value(source, "Version", "Signature", R"(C:\Kit\Drv\b.inf)"));
+}
+
+TEST(KitFolder, AFileOfLettersBeyondAsciiIsReadInTheCodePageOfTheMachine)
+{
+    const TestFolder folder;
+    folder.Write("a.inf", std::string_view("\xFF\xFE[\0v\0]\0\r\0\n\0k\0=\0\xE9\0\r\0\n\0", 24));
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource western(kit, 1252);
+    FolderKitSource utf8(kit, 65001);
+    EXPECT_EQ("\xE9", Value(western, "v", "k", R"(C:\Kit\a.inf)"));
+    EXPECT_EQ("\xC3\xA9", Value(utf8, "v", "k", R"(C:\Kit\a.inf)"));
+    EXPECT_TRUE(western.MarkOf(R"(C:\Kit\a.inf)").utf16);
+}
+
+TEST(KitFolder, NamesAFolderOfTheMachineThatIsNotKnownHere)
+{
+    const TestFolder folder;
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("<none>", Listed(source, R"(D:\Drv\)"));
+    EXPECT_EQ("<none>", Listed(source, R"(D:\Drv\)"));
+    ASSERT_EQ(1U, kit.Remarks().size());
+    EXPECT_EQ(R"(D:\Drv\: is a folder of the machine that is not known here, and counts as missing; )"
+              R"(say with --map 'D:\=DIR' where its files are)",
+              TextOf(kit.Remarks().front()));
+}
+
+TEST(KitFolder, SaysWhichFileItMayNotRead)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root may read everything";
+    }
+    const TestFolder folder;
+    folder.Write("a.inf", "");
+    std::filesystem::permissions(folder.Path() / "a.inf", std::filesystem::perms::none);
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("<default>", Value(source, "Version", "Signature", R"(C:\Kit\a.inf)"));
+    ASSERT_EQ(1U, kit.Remarks().size());
+    EXPECT_EQ(Severity::Error, kit.Remarks().front().severity);
+}
+
+TEST(KitFolder, ServesThreadsSideBySide)
+{
+    const TestFolder folder;
+    for (int file = 0; file < 40; ++file) {
+        folder.Write("Drv/" + std::to_string(file) + ".inf", "[v]\r\nk=" + std::to_string(file) + "\r\n");
+    }
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    const auto readAll = [&kit] {
+        FolderKitSource source(kit, 1252);
+        for (int file = 0; file < 40; ++file) {
+            const std::string path = R"(C:\Kit\Drv\)" + std::to_string(file) + ".inf";
+            EXPECT_EQ(std::to_string(file), Value(source, "v", "k", path));
+            EXPECT_EQ(1U, source.ReadModelSection("v", path)->LineCount());
+        }
+    };
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back(readAll);
+    }
+}
