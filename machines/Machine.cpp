@@ -2,7 +2,7 @@
 
 #include "Printable.h"
 #include "StoredText.h"
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 
 std::string TextOf(const Diagnostic& diagnostic)
 {
@@ -38,7 +38,7 @@ std::optional<uint32_t> NumberIn(const EightBitValue& value)
 const PciDevices& DevicesForFamily(const Machine& machine, std::string_view family)
 {
     static const PciDevices kNone;
-    const std::optional<SystemFamily> row = FindSystemFamily(family);
+    const std::optional<ServedFamily> row = FindServedFamily(family);
     if (!row) {
         return kNone;
     }

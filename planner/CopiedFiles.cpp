@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 
 namespace {
 std::string_view Trimmed(std::string_view text)

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "Printable.h"
 #include "TextStyle.h"
 

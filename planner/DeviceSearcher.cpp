@@ -4,7 +4,7 @@
 #include <array>
 
 #include "CopiedFiles.h"
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "InfCopies.h"
 #include "InfDirectory.h"
 #include "InfModelLine.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "FolderListing.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "DriverInstallRecord.h"
+#include "EqualsIgnoringCase.h"
 #include "Explain.h"
 #include "InfDirectory.h"
 #include "Printable.h"
