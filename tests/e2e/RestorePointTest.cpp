@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "Adapter.h"
 #include "EmulatedSystem.h"
 #include "Environment.h"
@@ -201,6 +203,33 @@ protected:
     const RestartWatch m_restarts;
 };
 
+// The Windows 98 family always offers the restart; here while the restore point is still being ended.
+class OfferedRestart : public SlowRestorePoint
+{
+protected:
+    OfferedRestart()
+    {
+        CreateRegistryKey(m_devices.Path() + "\\PCI");
+        Folder().Answer("NetInst", "Family", "Windows 98");
+        m_run = StartMorvix("");
+    }
+
+    const ProgramRun& Run() const { return *m_run; }
+
+    // Presses OK and waits until the restart is offered and the restore point is being ended.
+    void OfferTheRestart(const ProgressWindow& window)
+    {
+        window.WaitUntilOffered(IDOK);
+        window.Press(IDOK);
+        window.WaitUntilOffered(ProgressWindow::kRestartNow);
+        WaitUntilItEnds(*m_run);
+    }
+
+private:
+    const ScratchRegistryKey m_devices{"Enum"};
+    std::unique_ptr<ProgramRun> m_run;
+};
+
 TEST_F(SlowRestorePoint, IsEndedBeforeAForcedRestart)
 {
     const auto run = StartMorvix("/s /r");
@@ -217,50 +246,37 @@ TEST_F(SlowRestorePoint, IsEndedBeforeAForcedRestart)
     EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 
-TEST_F(SlowRestorePoint, IsEndedBeforeTheRestartThatTheUserAsksFor)
+TEST_F(OfferedRestart, WaitsForTheRestorePointWhenTheUserTakesIt)
 {
-    // The Windows 98 family always offers the restart.
-    const ScratchRegistryKey devices{"Enum"};
-    CreateRegistryKey(devices.Path() + "\\PCI");
-    Folder().Answer("NetInst", "Family", "Windows 98");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartNow);
-    WaitUntilItEnds(*run);
+    const ProgramRun& run = Run();
+    const ProgressWindow window(run);
+    OfferTheRestart(window);
     window.Press(ProgressWindow::kRestartNow);
-    EXPECT_TRUE(StaysWithoutARestart(*run));
+    EXPECT_TRUE(StaysWithoutARestart(run));
     EXPECT_TRUE(AnswersSentMessages(window));
     LetItEnd();
-    run->WaitForTrace("Entering - RestartMachine");
+    run.WaitForTrace("Entering - RestartMachine");
 
-    EXPECT_THAT(FromTheEndOfThePoint(run->SoFar()),
+    EXPECT_THAT(FromTheEndOfThePoint(run.SoFar()),
                 ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint", "Exit -> InstallDrivers()\n",
                             "Entering - RestartMachine"));
     EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 
-TEST_F(SlowRestorePoint, IsEndedBeforeTheCountdownRestarts)
+TEST_F(OfferedRestart, WaitsForTheRestorePointAtTheEndOfTheCountdown)
 {
-    const ScratchRegistryKey devices{"Enum"};
-    CreateRegistryKey(devices.Path() + "\\PCI");
-    Folder().Answer("NetInst", "Family", "Windows 98");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartNow);
-    WaitUntilItEnds(*run);
+    const ProgramRun& run = Run();
+    const ProgressWindow window(run);
+    OfferTheRestart(window);
     constexpr int kTicks = 21;
     for (int tick = 0; tick < kTicks; ++tick) {
         PostMessageA(window.Window(), WM_TIMER, 0, 0);
     }
-    EXPECT_TRUE(StaysWithoutARestart(*run));
+    EXPECT_TRUE(StaysWithoutARestart(run));
     LetItEnd();
-    run->WaitForTrace("Entering - RestartMachine");
+    run.WaitForTrace("Entering - RestartMachine");
 
-    EXPECT_TRUE(run->SoFar().Traced("Exit -> InstallDrivers()\n"));
+    EXPECT_TRUE(run.SoFar().Traced("Exit -> InstallDrivers()\n"));
     EXPECT_TRUE(m_restarts.WaitForRefusal());
 }
 
