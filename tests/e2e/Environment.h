@@ -13,6 +13,9 @@
 /// The expected traces, beside this program.
 [[nodiscard]] std::string TracesFolder();
 
+/// The key of a run's results, below HKEY_LOCAL_MACHINE.
+inline constexpr char kResultsKey[] = R"(SOFTWARE\Norda\Basedrivers)";
+
 [[nodiscard]] std::string SystemDirectory();
 [[nodiscard]] std::string WindowsDirectory();
 /// The full path of a driver file in the system's driver directory.

@@ -11,7 +11,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-constexpr char kResults[] = R"(SOFTWARE\Norda\Basedrivers)";
 constexpr char kFirstDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 constexpr char kSecondDevice[] = "VEN_5D1A&DEV_7A02&SUBSYS_00115D1A&REV_03";
 // File names that belong to the 10 gigabit and to the PCI Express family.
@@ -71,12 +70,12 @@ TEST_F(InstallAnswers, StatusE0000207MakesTheFirstResultAFailureAndTheNextDevice
                     "First time calling PostResultToRegistry() or FAILURE found!", "Exit -> PostResultToRegistry",
                     "Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()",
                     "Exit -> PostInstallRegResult\n"));
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Version"), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Version"), FileVersionOf(DriverPath("ngea62x64.sys")));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Version"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Version"), FileVersionOf(DriverPath("ngea62x64.sys")));
     // A later success never overwrites an earlier failure.
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
 }
 
 TEST_F(InstallAnswers, StatusE0000207AfterASuccessTurnsTheWholeResultIntoAFailure)
@@ -87,10 +86,10 @@ TEST_F(InstallAnswers, StatusE0000207AfterASuccessTurnsTheWholeResultIntoAFailur
 
     EXPECT_EQ(run.exitCode, 0);
     ExpectBothInstallsWereTried();
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "Version"), FileVersionOf(DriverPath("nxga62x64.sys")));
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Version"), FileVersionOf(DriverPath("nxga62x64.sys")));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
     EXPECT_EQ(run.Count("First time calling PostResultToRegistry() or FAILURE found!"), 2u);
 }
 
@@ -108,10 +107,10 @@ TEST_F(InstallAnswers, AnotherNegativeStatusIsTracedAndTheDriverFileDecides)
     ExpectBothInstallsWereTried();
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: 80070005 ---> GetLastError = 5\n"), 1u);
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e000020b ---> GetLastError = e000020b\n"), 1u);
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Version"), FileVersionOf(DriverPath("nxga62x64.sys")));
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Version"), FileVersionOf(DriverPath("nxga62x64.sys")));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
 }
 
 TEST_F(InstallAnswers, APositiveStatusIsNotAFailure)
@@ -126,9 +125,9 @@ TEST_F(InstallAnswers, APositiveStatusIsNotAFailure)
     ExpectBothInstallsWereTried();
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: 60000207 ---> GetLastError = 103\n"), 1u);
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: 0 ---> GetLastError = 0\n"), 1u);
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
 }
 
 TEST_F(InstallAnswers, AnInfOfNoFamilyIsReportedInTheTraceOnly)
@@ -142,8 +141,8 @@ TEST_F(InstallAnswers, AnInfOfNoFamilyIsReportedInTheTraceOnly)
 
     EXPECT_THAT(Installs(), Contains(InstallLine("Inf\\myngea.inf", unclassified.DeviceId())));
     EXPECT_EQ(run.Count("A device other than a network device was installed"), 1u);
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
 }
 
 TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryMatchedDeviceCountsAsRefused)
@@ -157,10 +156,10 @@ TEST_F(InstallAnswers, WithoutADriverInstallInterfaceEveryMatchedDeviceCountsAsR
     EXPECT_EQ(run.Count("==>installing driver(s)\n"), 2u);
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 57\n"), 2u);
     EXPECT_TRUE(Installs().empty());
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
-    EXPECT_FALSE(ReadRegistryValue(kResults, "Version"));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "Version"));
 }
 
 TEST_F(InstallAnswers, ADriverInstallInterfaceIsNotMentioned)
@@ -197,6 +196,6 @@ TEST_F(InstallAnswers, TheUninstallersSourcePathExistsOnlyDuringTheInstallCall)
 
     // The journal line shows what the double saw during the call.
     ExpectBothInstallsWereTried();
-    EXPECT_FALSE(ReadRegistryValue(kResults, "Tavunstl_source_path"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "Tavunstl_source_path"));
 }
 } // namespace

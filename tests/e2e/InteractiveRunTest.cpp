@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "Adapter.h"
 #include "Environment.h"
 #include "OwnInfs.h"
@@ -80,42 +82,41 @@ TEST_F(InteractiveRun, OkInstallsAndTheFinishButtonEndsIt)
     EXPECT_FALSE(finished.Traced("Entering - RestartMachine"));
 }
 
-TEST_F(InteractiveRun, SaysThatNoAdapterWasFound)
+struct EndingRow
 {
+    const char* name;
+    bool hasAdapter;
+    const char* key; ///< what the installer library answers; null for a success
+    const char* value;
+    unsigned text; ///< what the dialog ends with
+};
+
+class Ending : public InteractiveRun, public testing::WithParamInterface<EndingRow>
+{
+};
+
+TEST_P(Ending, IsShownAtTheFinishButton)
+{
+    const EndingRow& row = GetParam();
+    const auto adapter = row.hasAdapter ? std::make_unique<Adapter>(kDevice) : nullptr;
+    if (row.key != nullptr) {
+        Folder().Answer("NetInst", row.key, row.value);
+    }
     const auto run = StartMorvix("");
     const ProgressWindow window(*run);
     window.WaitUntilOffered(IDOK);
 
-    EXPECT_EQ(RunToTheEnd(window), ResourceText(5));
+    EXPECT_EQ(RunToTheEnd(window), ResourceText(row.text));
     window.Press(ProgressWindow::kFinish);
     EXPECT_EQ(run->Finish().exitCode, 0);
 }
 
-TEST_F(InteractiveRun, SaysThatADriverCouldNotBeInstalled)
-{
-    const Adapter adapter(kDevice);
-    Folder().Answer("NetInst", "InstallStatus1", "0xE0000207");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-
-    EXPECT_EQ(RunToTheEnd(window), ResourceText(24));
-    window.Press(ProgressWindow::kFinish);
-    EXPECT_EQ(run->Finish().exitCode, 0);
-}
-
-TEST_F(InteractiveRun, SaysThatADriverCouldNotBeInstalledWhereNothingCanInstallOne)
-{
-    const Adapter adapter(kDevice);
-    Folder().Answer("NetInst", "DriverInstallFactoryStatus", "0x80004005");
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-
-    EXPECT_EQ(RunToTheEnd(window), ResourceText(24));
-    window.Press(ProgressWindow::kFinish);
-    EXPECT_EQ(run->Finish().exitCode, 0);
-}
+INSTANTIATE_TEST_SUITE_P(EachOutcome, Ending,
+                         testing::Values(EndingRow{"NoAdapter", false, nullptr, nullptr, 5},
+                                         EndingRow{"RefusedDriver", true, "InstallStatus1", "0xE0000207", 24},
+                                         EndingRow{"NoDriverInstallInterface", true, "DriverInstallFactoryStatus",
+                                                   "0x80004005", 24}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(InteractiveRun, IgnoresTheRestartOptions)
 {
@@ -150,7 +151,7 @@ TEST_F(InteractiveRun, AsASilentInstallerStepDoesTheSame)
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.Count("command line: '/s /m', install MSI\n"), 1u);
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\one.inf", kDevice)));
-    EXPECT_FALSE(ReadRegistryValue(R"(SOFTWARE\Norda\Basedrivers)", "RebootNeeded"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
 }
 
 TEST_F(InteractiveRun, InTheOemVariantInstallsAtOnceShowsTheResultAndClosesAfterFiveSeconds)

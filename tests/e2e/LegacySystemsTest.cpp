@@ -22,7 +22,6 @@ using testing::IsEmpty;
 constexpr char kDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 constexpr char kInf[] = "ngeatest.inf";
 constexpr char kDriverFile[] = "ngea62x64.sys";
-constexpr char kResults[] = R"(SOFTWARE\Norda\Basedrivers)";
 constexpr char kSetupKey[] = R"(Software\Microsoft\Windows\CurrentVersion\Setup)";
 
 const SystemVersion kWindows98 = {"win98", "4.10", "2222", "WinNT"};
@@ -190,9 +189,9 @@ TEST_F(Windows98Flow, StagesAndClassifiesAfterThePassAndEndsASilentRunWithoutARe
     ExpectFlow(run);
     EXPECT_EQ(ReadFileBytes(m_source.At(kInf)), ReadFileBytes(Folder().At(std::string("Inf\\") + kInf)));
     EXPECT_FALSE(FileExists(FallbackFolder()));
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResults, "Reboot");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
+    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
     ASSERT_TRUE(reboot);
     EXPECT_EQ(reboot->type, static_cast<DWORD>(REG_SZ));
     EXPECT_EQ(reboot->bytes, kRebootYes);
@@ -205,8 +204,8 @@ TEST_F(Windows98Flow, AMissingDriverFileIsAFailureThatNeedsTheRestartToo)
 
     const FinishedRun run = RunMorvix("/s");
 
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResults, "Reboot");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
+    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
     ASSERT_TRUE(reboot);
     EXPECT_EQ(reboot->bytes, kRebootYes);
     ExpectNoRestart(run);
@@ -229,7 +228,7 @@ TEST_F(Windows98Flow, OffersTheRestartToTheUserWhateverWasFound)
 
     EXPECT_EQ(finished.exitCode, 0);
     ExpectFlow(finished);
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "<none>");
     ExpectNoRestart(finished);
 }
 
@@ -272,8 +271,8 @@ TEST_F(WindowsMeFlow, UpdatesTheDriverThenStagesThenClassifiesAndEndsASilentRunW
                             "drivers upgraded\n"));
     EXPECT_NE(adapter.Driver(), "<none>");
     EXPECT_TRUE(FileExists(m_source.At(kInf)));
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResults, "Reboot");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
+    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
     ASSERT_TRUE(reboot);
     EXPECT_EQ(reboot->bytes, kRebootYes);
     EXPECT_THAT(HelperRuns(), IsEmpty());

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "Adapter.h"
 #include "EmulatedSystem.h"
 #include "Environment.h"
@@ -260,7 +262,7 @@ TEST_P(SlowRestorePointBeforeTheRestart, IsEndedWhileSentMessagesAreAnswered)
     EXPECT_TRUE(StaysWithoutARestart(*run));
     EXPECT_TRUE(AnswersSentMessages(window));
     LetItEnd();
-    run->WaitForTrace("Entering - RestartMachine");
+    run.WaitForTrace("Entering - RestartMachine");
 
     EXPECT_THAT(run->SoFar().Between("Entering EndRestorePoint", "Entering - RestartMachine"),
                 IsSupersetOf({"Exiting EndRestorePoint", "Exit -> InstallDrivers()\n"}));

@@ -14,7 +14,6 @@
 #include "RegistryKeys.h"
 
 namespace {
-constexpr char kResults[] = R"(SOFTWARE\Norda\Basedrivers)";
 constexpr char kNetClass[] = "{4D36E972-E325-11CE-BFC1-08002BE10318}";
 
 struct SystemCase
@@ -55,8 +54,8 @@ protected:
         EXPECT_TRUE(UpperCase(ReadRegistryText(service, "ImagePath")).ends_with("\\" + UpperCase(fileName)));
 
         const std::string prefix = expected.resultPrefix;
-        EXPECT_EQ(ReadRegistryText(kResults, prefix + "Install"), "SUCCESS");
-        EXPECT_EQ(ReadRegistryText(kResults, prefix + "Version"), FileVersionOf(kitFile));
+        EXPECT_EQ(ReadRegistryText(kResultsKey, prefix + "Install"), "SUCCESS");
+        EXPECT_EQ(ReadRegistryText(kResultsKey, prefix + "Version"), FileVersionOf(kitFile));
     }
 
     std::vector<std::unique_ptr<Adapter>> m_adapters;
@@ -83,11 +82,11 @@ TEST_P(SilentRun, InstallsEveryAdapterAndReportsIt)
     }
     const std::string lastFile = Folder().At(kitFolder + "\\" + KitDriverFile(kKitAdapters.back().driver, system.kit));
     EXPECT_NE(FileVersionOf(lastFile), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "Version"), FileVersionOf(lastFile));
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
-    EXPECT_FALSE(ReadRegistryValue(kResults, "Reboot"));
-    EXPECT_FALSE(ReadRegistryValue(kResults, "RebootNeeded"));
-    EXPECT_FALSE(ReadRegistryValue(kResults, "Tavunstl_source_path"));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Version"), FileVersionOf(lastFile));
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "Reboot"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "Tavunstl_source_path"));
 
     EXPECT_EQ(ReadFileBytes(SystemDirectory() + "\\Morvix.din"), ReadFileBytes(Folder().At("Morvix.din")));
     EXPECT_EQ(ReadRegistryText(R"(SOFTWARE\Norda\Tavunstl\Dins)", "Morvix.din"), "Morvix.Uninstall");
@@ -183,8 +182,8 @@ protected:
         ASSERT_NE(FileVersionOf(own), FileVersionOf(old));
 
         EXPECT_EQ(RunMorvix("/s /nr").exitCode, 0);
-        EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
-        EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Version"), FileVersionOf(own));
+        EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
+        EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Version"), FileVersionOf(own));
     }
 };
 
@@ -214,9 +213,9 @@ TEST_F(RefusedDriver, IsAFailureEvenWithAnOlderDriverFile)
     EXPECT_EQ(run.Count("Driver sys file NOT found in \\system32\\drivers"), 1u);
     EXPECT_THAT(run.netInstLines, testing::ElementsAre("NetInst: PCI\\" + std::string(kKitAdapters[0].deviceId) +
                                                        ": driver refused, error 00000002\n"));
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "FAILURE");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Version"), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Version"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
     EXPECT_EQ(m_adapter.Driver(), "<none>");
 }
 
@@ -253,8 +252,8 @@ TEST_F(AnotherInstallerLibrary, ThatKeepsTheContractWorksToo)
     EXPECT_EQ(run.Count(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 2\n"), 1u);
     EXPECT_EQ(first.Service(), "NGEA");
     EXPECT_EQ(second.Service(), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVG_PCIE_Install"), "SUCCESS");
-    EXPECT_EQ(ReadRegistryText(kResults, "TAVX_Install"), "FAILURE");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVX_Install"), "FAILURE");
     EXPECT_FALSE(ReadRegistryValue(R"(SOFTWARE\Norda\NetInst)", "RestartNeeded"));
 }
 
@@ -273,7 +272,7 @@ TEST_F(UnsupportedSystem, Windows2000GetsNoDriversAndTheRunEndsAsUsual)
     EXPECT_EQ(run.Count("unsupported os detected\n"), 1u);
     EXPECT_EQ(run.Count("infdirs: \n"), 1u);
     EXPECT_EQ(adapter.Driver(), "<none>");
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "<none>");
 }
 
 TEST_F(UnsupportedSystem, WindowsNT4IsRefusedByTheSystemProber)
@@ -310,9 +309,9 @@ TEST_F(NoRestart, SlashNrEndsTheRunWithoutARestartOrItsFlag)
 
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.Count("command line:  '/nr', suppress a reboot request"), 1u);
-    EXPECT_EQ(ReadRegistryText(kResults, "Install"), "SUCCESS");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
     EXPECT_FALSE(run.Traced("Entering - RestartMachine"));
-    EXPECT_FALSE(ReadRegistryValue(kResults, "RebootNeeded"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
 }
 
 TEST_F(NoRestart, SlashNrCancelsInstallerModeSoNoFlagIsLeftForTheInstaller)
@@ -322,6 +321,6 @@ TEST_F(NoRestart, SlashNrCancelsInstallerModeSoNoFlagIsLeftForTheInstaller)
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_FALSE(run.Traced("command line: '/s /m', install MSI\n"));
     EXPECT_FALSE(run.Traced("Entering - RestartMachine"));
-    EXPECT_FALSE(ReadRegistryValue(kResults, "RebootNeeded"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
 }
 } // namespace

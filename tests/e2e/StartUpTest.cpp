@@ -83,12 +83,12 @@ TEST_F(StartUp, CalledWithoutAPathTheProgramLooksInTheCurrentDirectory)
 
 TEST_F(StartUp, TheRestartFlagOfAnEarlierRunIsDeleted)
 {
-    SetRegistryNumber(R"(SOFTWARE\Norda\Basedrivers)", "RebootNeeded", 1);
+    SetRegistryNumber(kResultsKey, "RebootNeeded", 1);
     Folder().Remove("Morvix.ini");
 
     RunMorvix("/s /nr");
 
-    EXPECT_FALSE(ReadRegistryValue(R"(SOFTWARE\Norda\Basedrivers)", "RebootNeeded"));
+    EXPECT_FALSE(ReadRegistryValue(kResultsKey, "RebootNeeded"));
 }
 
 TEST_F(StartUp, ASecondInstanceEndsWithoutABoxAndTheFirstGoesOn)

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Adapter.h"
+#include "Environment.h"
 #include "OwnInfs.h"
 #include "RegistryKeys.h"
 #include "RestartWatch.h"
@@ -12,7 +13,6 @@
 
 /// What the tests of network-booted machines share.
 
-inline constexpr char kResultsKey[] = R"(SOFTWARE\Norda\Basedrivers)";
 inline constexpr char kExtensionKey[] = R"(SOFTWARE\Norda\Network_Services\TERN)";
 inline constexpr char kFirstDevice[] = "VEN_5D1A&DEV_7A01&SUBSYS_00115D1A&REV_03";
 inline constexpr char kSecondDevice[] = "VEN_5D1A&DEV_7A02&SUBSYS_00115D1A&REV_03";

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "Adapter.h"
+#include "Environment.h"
 #include "Handles.h"
 #include "OwnInfs.h"
 #include "RegistryKeys.h"
@@ -138,7 +139,7 @@ TEST_F(BadDevices, WithoutARevisionThatNoInfListsEndTheRunAndLeaveWhatWasInstall
     EXPECT_EQ(run.exitCode, -1);
     EXPECT_TRUE(run.Messages().back().starts_with("unhandled fault: ")) << run.Messages().back();
     EXPECT_THAT(Installs(), ElementsAre(InstallLine("Inf\\good.inf", kGoodDevice)));
-    EXPECT_EQ(ReadRegistryText(R"(SOFTWARE\Norda\Basedrivers)", "Tavunstl_source_path"), "<none>");
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Tavunstl_source_path"), "<none>");
 }
 
 /// Writes a value as the registry stores it, in wide characters, of any number of bytes.

@@ -15,7 +15,6 @@
 
 namespace {
 constexpr char kVendorKey[] = R"(SOFTWARE\Norda)";
-constexpr char kResults[] = R"(SOFTWARE\Norda\Basedrivers)";
 constexpr char kDebugKey[] = R"(SOFTWARE\Norda\Basedrivers\Debug)";
 constexpr char kSetupKey[] = R"(Software\Microsoft\Windows\CurrentVersion\Setup)";
 constexpr char kSourcePathValue[] = "SourcePath";
@@ -266,7 +265,7 @@ MatrixMachine::MatrixMachine(const MatrixRow& row, const ExpectedRun& expected)
     : m_system(row.system->version), m_sourceBefore(SourcePath())
 {
     CreateRegistryKey(kDebugKey);
-    SetRegistryNumber(kResults, "RebootNeeded", 1);
+    SetRegistryNumber(kResultsKey, "RebootNeeded", 1);
     SetSourcePath(m_source.Path());
     const std::string legacyPci = Join(kLegacyDevices, "PCI");
     CreateRegistryKey(legacyPci);

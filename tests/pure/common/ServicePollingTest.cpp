@@ -11,54 +11,55 @@ constexpr unsigned long kContinuePending = 5;
 constexpr unsigned long kPaused = 7;
 constexpr unsigned long kUnreadable = 0;
 
-struct Polling
+struct PollRow
 {
+    int pending; ///< how many attempts find the service pending
+    ServicePoll then;
     bool reached;
-    int looks;
+    int attempts;
     int waits;
 };
 
-/// Polls a service that is pending for `pendingLooks` looks and then gives `then`.
-Polling Poll(int pendingLooks, ServicePoll then)
+constexpr PollRow kPolls[] = {
+    {0, ServicePoll::Reached, true, 1, 0},
+    {3, ServicePoll::Reached, true, 4, 3},
+    {50, ServicePoll::Reached, true, 51, 50},
+    // The 51st attempt is the last.
+    {51, ServicePoll::Reached, false, 51, 50},
+    // A service that has failed is not waited for.
+    {0, ServicePoll::Failed, false, 1, 0},
+    {2, ServicePoll::Failed, false, 3, 2},
+};
+
+struct StateRow
 {
-    Polling polling{};
-    polling.reached = PollService([&] { return ++polling.looks > pendingLooks ? then : ServicePoll::Pending; },
-                                  [&] { ++polling.waits; });
-    return polling;
-}
+    unsigned long state;
+    ServicePoll starting;
+    ServicePoll stopping;
+};
+
+constexpr StateRow kStates[] = {
+    {kRunning, ServicePoll::Reached, ServicePoll::Pending},
+    {kStartPending, ServicePoll::Pending, ServicePoll::Pending},
+    {kContinuePending, ServicePoll::Pending, ServicePoll::Pending},
+    {kPaused, ServicePoll::Pending, ServicePoll::Pending},
+    {kStopped, ServicePoll::Failed, ServicePoll::Reached},
+    {kStopPending, ServicePoll::Failed, ServicePoll::Pending},
+    {kUnreadable, ServicePoll::Failed, ServicePoll::Failed},
+};
 } // namespace
 
-TEST(ServicePolling, AServiceInTheWantedStateIsReadOnceWithoutWaiting)
+TEST(ServicePolling, EndsAtTheWantedStateAtAFailureOrAfter51AttemptsAndWaitsBetweenThem)
 {
-    const Polling polling = Poll(0, ServicePoll::Reached);
-    EXPECT_TRUE(polling.reached);
-    EXPECT_EQ(polling.looks, 1);
-    EXPECT_EQ(polling.waits, 0);
-}
-
-TEST(ServicePolling, WaitsBetweenAttempts)
-{
-    const Polling polling = Poll(3, ServicePoll::Reached);
-    EXPECT_TRUE(polling.reached);
-    EXPECT_EQ(polling.looks, 4);
-    EXPECT_EQ(polling.waits, 3);
-}
-
-TEST(ServicePolling, TheFiftyFirstAttemptIsTheLast)
-{
-    EXPECT_TRUE(Poll(50, ServicePoll::Reached).reached);
-    const Polling polling = Poll(51, ServicePoll::Reached);
-    EXPECT_FALSE(polling.reached);
-    EXPECT_EQ(polling.looks, 51);
-    EXPECT_EQ(polling.waits, 50);
-}
-
-TEST(ServicePolling, AServiceThatCannotGetThereIsNotWaitedFor)
-{
-    const Polling polling = Poll(2, ServicePoll::Failed);
-    EXPECT_FALSE(polling.reached);
-    EXPECT_EQ(polling.looks, 3);
-    EXPECT_EQ(polling.waits, 2);
+    for (const PollRow& row : kPolls) {
+        int attempts = 0;
+        int waits = 0;
+        const bool reached =
+            PollService([&] { return ++attempts > row.pending ? row.then : ServicePoll::Pending; }, [&] { ++waits; });
+        EXPECT_EQ(reached, row.reached) << row.pending;
+        EXPECT_EQ(attempts, row.attempts) << row.pending;
+        EXPECT_EQ(waits, row.waits) << row.pending;
+    }
 }
 
 TEST(ServicePolling, TheWholeWaitIsTenSeconds)
@@ -66,22 +67,10 @@ TEST(ServicePolling, TheWholeWaitIsTenSeconds)
     EXPECT_EQ(static_cast<unsigned long>(kServicePolls - 1) * kServicePollMilliseconds, 10000u);
 }
 
-TEST(ServicePolling, AStartIsReachedByRunningAndLostByStopping)
+TEST(ServicePolling, EachStateIsReachedPendingOrFailedForAStartAndForAStop)
 {
-    EXPECT_EQ(LookAtStart(kRunning), ServicePoll::Reached);
-    EXPECT_EQ(LookAtStart(kStartPending), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStart(kContinuePending), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStart(kPaused), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStart(kStopped), ServicePoll::Failed);
-    EXPECT_EQ(LookAtStart(kStopPending), ServicePoll::Failed);
-    EXPECT_EQ(LookAtStart(kUnreadable), ServicePoll::Failed);
-}
-
-TEST(ServicePolling, AStopIsReachedByStoppedAndWaitsThroughEverythingElse)
-{
-    EXPECT_EQ(LookAtStop(kStopped), ServicePoll::Reached);
-    EXPECT_EQ(LookAtStop(kStopPending), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStop(kRunning), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStop(kStartPending), ServicePoll::Pending);
-    EXPECT_EQ(LookAtStop(kUnreadable), ServicePoll::Failed);
+    for (const StateRow& row : kStates) {
+        EXPECT_EQ(LookAtStart(row.state), row.starting) << row.state;
+        EXPECT_EQ(LookAtStop(row.state), row.stopping) << row.state;
+    }
 }
