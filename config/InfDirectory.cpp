@@ -69,7 +69,7 @@ std::optional<std::string> FindInfByRules(const KitSearch& search, const std::st
     if (!listing) {
         return std::nullopt;
     }
-    while (const InfEntry* const entry = listing->Next()) {
+    for (const InfEntry* entry = listing->Next(); entry != nullptr; entry = listing->Next()) {
         const InfVerdict verdict = JudgeInf(search, key, entry->name, directoryPath, rules);
         search.log.InfJudged(directoryPath + entry->name, verdict);
         switch (verdict) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <bit>
 
+#include "AttributeRequests.h"
 #include "DebugOutput.h"
 #include "Handles.h"
 #include "ImportOverride.h"
@@ -458,32 +459,13 @@ TEST_F(Staging, SetupKeyIsOpenedForReadingAndWriting)
     EXPECT_THAT(access.AskedFor(kSetupKey), ElementsAre(0x2001F)) << "KEY_READ and KEY_WRITE, not KEY_ALL_ACCESS";
 }
 
-namespace {
-struct AttributeRequest
-{
-    std::string file;
-    DWORD attributes = 0;
-    bool operator==(const AttributeRequest&) const = default;
-};
-std::vector<AttributeRequest> attributeRequests;
-
-BOOL WINAPI NoteAttributes(LPCSTR file, DWORD attributes)
-{
-    attributeRequests.push_back({file, attributes});
-    return TRUE;
-}
-} // namespace
-
 TEST_F(Staging, TargetsAttributesBecomeNormalAndNothingElse)
 {
     WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
-    attributeRequests.clear();
-    {
-        const ImportOverride note("SetFileAttributesA", reinterpret_cast<void*>(NoteAttributes));
-        EXPECT_EQ(1, CopyAllFiles(m_kit.At("DrvA\\"), Cab("")));
-    }
-    EXPECT_THAT(attributeRequests, Contains(AttributeRequest{Cab("driver.sys"), 128}));
-    for (const AttributeRequest& request : attributeRequests) {
+    const AttributeRequests requests;
+    EXPECT_EQ(1, CopyAllFiles(m_kit.At("DrvA\\"), Cab("")));
+    EXPECT_THAT(requests.Calls(), Contains(AttributeRequests::Call{Cab("driver.sys"), 128}));
+    for (const AttributeRequests::Call& request : requests.Calls()) {
         EXPECT_EQ(128U, request.attributes) << request.file;
     }
 }

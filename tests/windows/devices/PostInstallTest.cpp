@@ -8,11 +8,11 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "AttributeRequests.h"
 #include "DeviceFixtures.h"
 #include "DevicePassState.h"
 #include "DriverFamilies.h"
 #include "Handles.h"
-#include "ImportOverride.h"
 #include "ResultKeys.h"
 #include "RunState.h"
 #include "TestFiles.h"
@@ -346,29 +346,10 @@ TEST_F(PostInstall, ATargetThatRefusesTheCopyIsLeftAndNotRegistered)
     EXPECT_FALSE(RegistryKeyExists(kDinsKey));
 }
 
-namespace {
-struct AttributeRequest
-{
-    std::string file;
-    DWORD attributes = 0;
-    bool operator==(const AttributeRequest&) const = default;
-};
-std::vector<AttributeRequest> attributeRequests;
-
-BOOL WINAPI NoteAttributes(LPCSTR file, DWORD attributes)
-{
-    attributeRequests.push_back({file, attributes});
-    return TRUE;
-}
-} // namespace
-
 TEST_F(PostInstall, TheUninstallDataFilesAttributesBecomeNormalAndNothingElse)
 {
     WriteFileBytes(m_kit.Directory().At("Morvix.din"), "uninstall data");
-    attributeRequests.clear();
-    {
-        const ImportOverride note("SetFileAttributesA", reinterpret_cast<void*>(NoteAttributes));
-        UpdateTavunstRegistry();
-    }
-    EXPECT_THAT(attributeRequests, ElementsAre(AttributeRequest{SystemPath("Morvix.din"), 128}));
+    const AttributeRequests requests;
+    UpdateTavunstRegistry();
+    EXPECT_THAT(requests.Calls(), ElementsAre(AttributeRequests::Call{SystemPath("Morvix.din"), 128}));
 }
