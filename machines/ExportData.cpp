@@ -206,15 +206,29 @@ ExportData::State ExportData::ReadBytes(std::u16string_view bytes)
     if (goesOn) {
         bytes.remove_suffix(1);
     }
-    while (!(bytes = WithoutBlanks(bytes)).empty()) {
-        const std::size_t comma = std::min(bytes.find(u','), bytes.size());
-        const std::u16string_view digits = WithoutBlanks(bytes.substr(0, comma));
-        const std::optional<uint32_t> byte = digits.size() > 2 ? std::nullopt : NumberOf(digits);
-        if (!byte || m_value.bytes.size() == kMostBytes) {
+    // One or two digits, then a comma or the end; blanks between them do not count.
+    uint32_t byte = 0;
+    unsigned digits = 0;
+    for (std::size_t at = 0; at <= bytes.size(); ++at) {
+        const char16_t unit = at < bytes.size() ? bytes[at] : u',';
+        if (IsBlank(unit)) {
+            continue;
+        }
+        if (const std::optional<uint8_t> digit = DigitOf(unit); digit && digits < 2) {
+            byte = byte << 4 | *digit;
+            ++digits;
+            continue;
+        }
+        // Only the last byte of a line may be missing after its comma.
+        const bool isEnd = at == bytes.size();
+        if (unit != u',' || (digits == 0 && !isEnd) || m_value.bytes.size() == kMostBytes) {
             return State::Bad;
         }
-        m_value.bytes.push_back(static_cast<char>(*byte));
-        bytes.remove_prefix(std::min(comma + 1, bytes.size()));
+        if (digits != 0) {
+            m_value.bytes.push_back(static_cast<char>(byte));
+        }
+        byte = 0;
+        digits = 0;
     }
     return goesOn ? State::OpenBytes : State::Complete;
 }

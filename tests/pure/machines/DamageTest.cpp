@@ -157,7 +157,7 @@ TEST(DamagedExport, ThatHasLostAByteIsReadFromTheNextLineOn)
 TEST(DamagedExport, WithControlCharactersInNamesNamesThemInEscapes)
 {
     const Machine machine = ReadText(Utf16(kExportHeader + Device("VEN_\x1B[31m", "a") + kGood));
-    EXPECT_EQ("VEN_\x1B[31m", machine.devices->at(1).name);
+    EXPECT_EQ("VEN_\x1B[31m", machine.devices->front().name);
     EXPECT_EQ("PC7.reg: unusual characters in the name of the device VEN_\\x1B[31m\\3&1\n", Remarks(machine));
     EXPECT_EQ(Severity::Note, machine.diagnostics.front().severity);
 }
@@ -217,7 +217,7 @@ TEST(DamagedExport, WithMoreDevicesThanAnyMachineHasIsReadInPart)
 TEST(DamagedExport, WithMoreValuesThanAnyMachineHasIsReadInPart)
 {
     ExportReader reader("PC7.reg", 5000);
-    reader.Feed(kExportHeader + DeviceKey("VEN_1", "1") + "\"Class\"=\"" + std::string(2000, 'x') +
+    reader.Feed(kExportHeader + DeviceKey("VEN_1", "1") + "\"Class\"=\"" + std::string(3000, 'x') +
                 "\"\r\n\"Service\"=\"s\"\r\n");
     reader.Finish();
     ASSERT_EQ(1U, reader.Diagnostics().size());
@@ -226,8 +226,16 @@ TEST(DamagedExport, WithMoreValuesThanAnyMachineHasIsReadInPart)
 
 TEST(DamagedExport, WithAValueLongerThanAnyIsReadWithoutIt)
 {
+    std::string hundredBytes;
+    for (int byte = 0; byte < 100; ++byte) {
+        hundredBytes += "7f,";
+    }
+    std::string bytes = "hex:";
+    for (int line = 0; line < 11'000; ++line) {
+        bytes += hundredBytes + "\\\r\n";
+    }
     const std::string text = kExportHeader + DeviceKey("VEN_1", "1") + "\"Class\"=\"" + std::string(1'100'000, 'x') +
-                             "\"\r\n\"Service\"=hex:" + Hex(3, std::string(1'100'000, 'y')).substr(4) + "\r\n" + kGood;
+                             "\"\r\n\"Service\"=" + bytes + "\r\n" + kGood;
     const Machine machine = ReadText(text);
     EXPECT_FALSE(machine.devices->front().instances.front().setupClass);
     EXPECT_FALSE(machine.devices->front().instances.front().service);
