@@ -50,7 +50,9 @@ private:
 
 KitFile::KitFile(std::filesystem::path here, std::optional<std::string> bytes, FileStamp stamp,
                  const CodePage& codePage, ProfileDialect dialect)
-    : m_here(std::move(here)), m_mark(MarkIn(bytes)), m_stamp(stamp),
+    : m_here(std::move(here)),
+      m_mark(MarkIn(bytes)),
+      m_stamp(stamp),
       m_profile(std::move(bytes).value_or(std::string()), codePage, dialect)
 {
 }
@@ -177,11 +179,10 @@ const CodePage& KitFolder::PageOf(uint32_t number)
 void KitFolder::Remark(Severity severity, const std::string& source, std::string what, std::string cure)
 {
     const std::lock_guard lock(m_remarksLock);
-    m_remarks.try_emplace(source, Diagnostic{.severity = severity,
-                                             .source = source,
-                                             .line = 0,
-                                             .what = std::move(what),
-                                             .cure = std::move(cure)});
+    m_remarks.try_emplace(
+        source,
+        Diagnostic{
+            .severity = severity, .source = source, .line = 0, .what = std::move(what), .cure = std::move(cure)});
 }
 
 std::vector<Diagnostic> KitFolder::Remarks() const

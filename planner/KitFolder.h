@@ -56,8 +56,8 @@ private:
     mutable std::map<std::string, std::shared_ptr<const ModelSection>, std::less<>> m_sections;
 };
 
-/// A kit in a folder of this machine, as an installer in it would see it. Every file and folder is read once, when it is
-/// asked for first, and kept; the object serves any number of threads.
+/// A kit in a folder of this machine, as an installer in it would see it. Every file and folder is read once, when it
+/// is asked for first, and kept; the object serves any number of threads.
 class KitFolder
 {
 public:
@@ -115,8 +115,8 @@ private:
     MachinePaths m_paths;
     ProfileDialect m_dialect;
     mutable SharedMutex m_lock; // of the tables; what is in them is read under its own flag
-    FileSlots m_files;       // by path; read in the code page that was asked for first
-    FileSlots m_filesOfPage; // by code page and path: those of which the code page makes different texts
+    FileSlots m_files;          // by path; read in the code page that was asked for first
+    FileSlots m_filesOfPage;    // by code page and path: those of which the code page makes different texts
     std::unordered_map<std::string, std::unique_ptr<Folder>> m_folders;
     std::map<uint32_t, CodePage> m_pages; // a map: profiles keep the addresses
     mutable Mutex m_remarksLock;

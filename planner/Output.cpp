@@ -55,8 +55,10 @@ void Output::FileCloser::operator()(std::FILE* file) const noexcept
 }
 
 Output::Output(const OutputOptions& options)
-    : m_options(options), m_data(options.file.empty() ? stdout : std::fopen(options.file.c_str(), "wb")),
-      m_style(WantsColours(options)), m_showsProgress(!options.quiet && IsTerminal(stderr))
+    : m_options(options),
+      m_data(options.file.empty() ? stdout : std::fopen(options.file.c_str(), "wb")),
+      m_style(WantsColours(options)),
+      m_showsProgress(!options.quiet && IsTerminal(stderr))
 {
     if (m_data == nullptr) {
         Complain(Printable(options.file) + ": cannot be written (" + std::strerror(errno) +

@@ -37,7 +37,8 @@ private:
 Presence PresenceOf(const PciDevice& device)
 {
     const auto is = [&device](Presence presence) {
-        return std::ranges::any_of(device.instances, [presence](const PciInstance& i) { return i.presence == presence; });
+        return std::ranges::any_of(device.instances,
+                                   [presence](const PciInstance& i) { return i.presence == presence; });
     };
     if (is(Presence::Present)) {
         return Presence::Present;
@@ -115,13 +116,13 @@ MachinePlan Planner::Plan(const Machine& machine, std::string* trace)
 void Planner::WalkDevices(const Machine& machine, MachinePlan& plan, std::string* trace)
 {
     const PciDevices& devices = DevicesForFamily(machine, plan.system.family);
-    const std::optional<SystemFamily> family = FindSystemFamily(plan.system.family);
+    const std::optional<ServedFamily> family = FindServedFamily(plan.system.family);
     if (!devices || !family) {
         plan.outcome = MachineOutcome::NoDevices;
-        plan.problem = family ? "the description has no key " + std::string(family->pciKey) +
-                                    "; the installer would end with an error"
-                              : "the installer looks for no devices on a system of family \"" + plan.system.family +
-                                    "\"";
+        plan.problem = family
+                           ? "the description has no key " + std::string(family->pciKey) +
+                                 "; the installer would end with an error"
+                           : "the installer looks for no devices on a system of family \"" + plan.system.family + "\"";
         return;
     }
     const SearchTerms terms = TermsFor(machine, plan.system);
@@ -152,8 +153,8 @@ void Planner::WalkDevices(const Machine& machine, MachinePlan& plan, std::string
             planned.search = SearchFor(source, terms, device.name);
             planned.stored = StoreQualified(source, terms, *planned.search, storedInfs);
         } else {
-            planned.search = std::make_shared<const SearchOutcome>(
-                SearchKit(source, terms, device.name, storedInfs, tracer));
+            planned.search =
+                std::make_shared<const SearchOutcome>(SearchKit(source, terms, device.name, storedInfs, tracer));
             planned.stored = NamesOfQualified(*planned.search);
         }
         if (planned.search->verdict == SearchVerdict::Fault) {
