@@ -167,3 +167,6 @@ run_packages() { run_scripts package; }
 run_documents() { run_scripts docs; }
 
 run_fleet() { run_scripts fleet; }
+
+# morvix-kit on this machine.
+run_planner() { run_scripts planner; }
