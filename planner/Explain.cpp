@@ -138,13 +138,13 @@ void TellEnd(Story& story, const DevicePlan& device)
 
 void TellStore(Story& story, const DevicePlan& device)
 {
-    if (device.stored.empty()) {
+    if (device.store->now.empty()) {
         story.Step(
             "No INF file goes to the driver store for this device: those that qualify have been there in this "
             "run, or none does.");
     } else {
-        story.Step(
-            "To the driver store go, in this order and before anything is bound: " + AllPrintable(device.stored) + ".");
+        story.Step("To the driver store go, in this order and before anything is bound: " +
+                   AllPrintable(device.store->now) + ".");
     }
 }
 

@@ -74,6 +74,13 @@ struct SearchOutcome
     bool isDmaEngine = false; ///< the INF is that of the DMA engines
 };
 
+/// What has gone to the driver store after a device of a run.
+struct StoreState
+{
+    std::vector<std::string> all; ///< as the installer remembers them in this run
+    std::vector<std::string> now; ///< INF file names that go there for this device, in order
+};
+
 /// A device that the installer serves.
 struct DevicePlan
 {
@@ -83,7 +90,7 @@ struct DevicePlan
     Presence presence = Presence::Unknown;
     std::size_t instances = 0;
     std::shared_ptr<const SearchOutcome> search;
-    std::vector<std::string> stored; ///< INF file names that go to the driver store now, in order
+    std::shared_ptr<const StoreState> store; ///< after this device
 };
 
 /// A device that the installer leaves alone.

@@ -61,9 +61,9 @@ void AppendDevice(std::string& out, const DevicePlan& device, const MachinePaths
             break;
     }
     AppendPassedOver(out, search, paths, style);
-    if (!device.stored.empty()) {
+    if (!device.store->now.empty()) {
         std::vector<std::string> names;
-        for (const std::string& name : device.stored) {
+        for (const std::string& name : device.store->now) {
             names.push_back(Printable(name));
         }
         AppendField(out, style, "stored", Joined(names));

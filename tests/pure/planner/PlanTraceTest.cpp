@@ -21,7 +21,8 @@ std::vector<std::string> LinesIn(const std::string& text)
 
 void Replace(std::string& text, std::string_view what, std::string_view with)
 {
-    for (std::size_t place = text.find(what); place != std::string::npos; place = text.find(what, place + with.size())) {
+    for (std::size_t place = text.find(what); place != std::string::npos;
+         place = text.find(what, place + with.size())) {
         text.replace(place, what.size(), with);
     }
 }
@@ -55,7 +56,8 @@ bool IsPlaceholder(const std::string& line)
     return line.starts_with('<') && line.ends_with('>');
 }
 
-/// @return the first planned line that the run does not have where it should be; empty when all are there and no others.
+/// @return the first planned line that the run does not have where it should be; empty when all are there and no
+/// others.
 std::string FirstDifference(const std::vector<std::string>& planned, const std::vector<std::string>& run)
 {
     std::size_t next = 0;
@@ -109,9 +111,10 @@ TEST(PlanTrace, WhatOnlyTheMachineCanAnswerIsOneLineEach)
     for (const std::string& line : LinesIn(TraceWithSampleKit({kCard}))) {
         all += IsPlaceholder(line) ? line + "\n" : "";
     }
-    EXPECT_EQ("<what the driver store answers>\n<what the driver store answers>\n<what the installation answers>\n"
-              "<what the driver directory holds>\n<what the adapter says about storage boot>\n",
-              all);
+    EXPECT_EQ(
+        "<what the driver store answers>\n<what the driver store answers>\n<what the installation answers>\n"
+        "<what the driver directory holds>\n<what the adapter says about storage boot>\n",
+        all);
 }
 
 TEST(PlanTrace, ARunThatEndsWithAFaultHasNoLastLine)

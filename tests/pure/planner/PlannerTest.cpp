@@ -108,9 +108,9 @@ TEST_F(PlannerTest, EachInfThatQualifiesGoesToTheDriverStoreOncePerRunAndName)
     m_folder.Write("More/c.inf", Inf({.signature = "$Chicago$"}));
     const MachinePlan plan = Plan(MachineWithCards({kCard, kOtherCard, "VEN_5D1A&DEV_0001&SUBSYS_0&REV_01"}));
     ASSERT_EQ(3U, plan.devices.size());
-    EXPECT_EQ("a.inf ", Names(plan.devices[0].stored));
-    EXPECT_EQ("b.inf ", Names(plan.devices[1].stored));
-    EXPECT_EQ("", Names(plan.devices[2].stored));
+    EXPECT_EQ("a.inf ", Names(plan.devices[0].store->now));
+    EXPECT_EQ("b.inf ", Names(plan.devices[1].store->now));
+    EXPECT_EQ("", Names(plan.devices[2].store->now));
     EXPECT_EQ(SearchVerdict::NoInf, plan.devices[2].search->verdict);
 }
 
