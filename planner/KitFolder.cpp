@@ -58,8 +58,14 @@ KitFile::KitFile(std::filesystem::path here, std::optional<std::string> bytes, F
 }
 
 KitFolder::KitFolder(Place place, ProfileDialect dialect)
-    : m_place(std::move(place)), m_paths(m_place.folder, m_place.setupDir, m_place.maps), m_dialect(dialect)
+    : m_place(std::move(place)), m_paths(m_place.folder, m_place.setupDir, m_place.maps), m_dialect(dialect),
+      m_hadSetupIni(HasSetupIni())
 {
+}
+
+bool KitFolder::HasSetupIni() const
+{
+    return FindPath(m_place.folder, "Morvix.ini").has_value();
 }
 
 const KitFile& KitFolder::File(const std::string& path, uint32_t codePage)
@@ -191,6 +197,13 @@ std::vector<Diagnostic> KitFolder::Remarks() const
     std::vector<Diagnostic> remarks;
     for (const auto& [source, remark] : m_remarks) {
         remarks.push_back(remark);
+    }
+    if (m_hadSetupIni && !HasSetupIni()) {
+        remarks.push_back({.severity = Severity::Error,
+                           .source = m_place.folder.string(),
+                           .line = 0,
+                           .what = "has vanished while it was read: files that were not read before count as missing",
+                           .cure = "plan again when the folder is back"});
     }
     return remarks;
 }

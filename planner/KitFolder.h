@@ -83,7 +83,7 @@ public:
     /// @return the names that a search for "*.inf" finds there; null when there is no such folder.
     const std::vector<InfEntry>* InfsIn(const std::string& directoryPath);
 
-    /// @return what could not be read or found so far, in the order of the names.
+    /// @return what could not be read or found so far, in the order of the names. A kit that has vanished since is an error.
     [[nodiscard]] std::vector<Diagnostic> Remarks() const;
 
 private:
@@ -109,11 +109,13 @@ private:
     void ReadFile(const std::string& path, uint32_t codePage, FileSlot& slot);
     std::optional<std::filesystem::path> FindFile(const std::string& path);
     const CodePage& PageOf(uint32_t number);
+    [[nodiscard]] bool HasSetupIni() const;
     void Remark(Severity severity, const std::string& source, std::string what, std::string cure);
 
     Place m_place;
     MachinePaths m_paths;
     ProfileDialect m_dialect;
+    bool m_hadSetupIni;
     mutable SharedMutex m_lock; // of the tables; what is in them is read under its own flag
     FileSlots m_files;          // by path; read in the code page that was asked for first
     FileSlots m_filesOfPage;    // by code page and path: those of which the code page makes different texts
