@@ -7,8 +7,8 @@
 
 #include "DriverInstallRecord.h"
 #include "MorvixVersion.h"
+#include "ServedFamilies.h"
 #include "SystemChoice.h"
-#include "SystemFamilies.h"
 #include "TextStyle.h"
 
 namespace {
@@ -46,9 +46,9 @@ void CheckSystem(const std::string& section)
 
 void CheckFamily(const std::string& name)
 {
-    if (!FindSystemFamily(name)) {
+    if (!FindServedFamily(name)) {
         std::vector<std::string> names;
-        for (const SystemFamily& family : kSystemFamilies) {
+        for (const ServedFamily& family : kServedFamilies) {
             names.push_back("\"" + std::string(family.name) + "\"");
         }
         throw CLI::ValidationError("--family", name + " is no family; one of " + Joined(names));
@@ -159,15 +159,16 @@ private:
 
     void AddPlan()
     {
-        CLI::App& app = AddCommand("plan", "What the installer would do on machines, and why.",
-                                   "[options] KIT MACHINE...", m_plan);
+        CLI::App& app =
+            AddCommand("plan", "What the installer would do on machines, and why.", "[options] KIT MACHINE...", m_plan);
         app.add_option("KIT", m_plan.kit.folder)->required();
         app.add_option("MACHINE", m_plan.machines)->required();
         AddWishes(app, m_plan.wish);
         AddKitOptions(app, {&m_plan.kit});
         app.add_flag("--require-driver", m_plan.requireDriver, "exit 1 when a served device gets no driver");
         const auto addFormat = [this, &app](const char* name, PlanFormat format, const char* help) {
-            return app.add_flag_callback(name, [this, format] { m_plan.format = format; }, help);
+            return app.add_flag_callback(
+                name, [this, format] { m_plan.format = format; }, help);
         };
         CLI::Option* const json = addFormat("--json", PlanFormat::Json, "one JSON document");
         CLI::Option* const ndjson = addFormat("--ndjson", PlanFormat::NdJson, "one JSON document a line and machine");

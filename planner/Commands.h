@@ -7,8 +7,8 @@
 #include "Output.h"
 #include "Planner.h"
 
-/// The commands of morvix-kit: what the command line gives each of them, and the functions that do them. One .cpp file for
-/// each command.
+/// The commands of morvix-kit: what the command line gives each of them, and the functions that do them. One .cpp file
+/// for each command.
 
 enum class PlanFormat
 {

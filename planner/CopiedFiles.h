@@ -7,11 +7,11 @@
 #include "OSCode.h"
 #include "Profile.h"
 
-/// Which files an INF copies, as far as its own lists say so. The platform's set-up functions do that work; the installer
-/// only looks afterwards whether a file is there.
+/// Which files an INF copies, as far as its own lists say so. The platform's set-up functions do that work; the
+/// installer only looks afterwards whether a file is there.
 struct CopiedFiles
 {
-    bool known = false; ///< the install section was found
+    bool known = false;                         ///< the install section was found
     std::vector<std::string> inDriverDirectory; ///< names of the files that go to system32\drivers
 };
 

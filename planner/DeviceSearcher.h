@@ -49,7 +49,8 @@ public:
     void Store(const std::string& /*infPath*/, const std::string& /*sourceDirectory*/) override {}
 };
 
-/// Runs the installer's search for one device of a kit and takes notes, as if no INF had gone to the driver store before.
+/// Runs the installer's search for one device of a kit and takes notes, as if no INF had gone to the driver store
+/// before.
 [[nodiscard]] SearchOutcome SearchKit(FolderKitSource& source, const SearchTerms& terms, const std::string& deviceKey);
 
 /// The same in the middle of a run: what has gone to the driver store before does not count as qualified again.

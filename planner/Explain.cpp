@@ -25,7 +25,10 @@ public:
         const std::string number = std::to_string(++m_steps) + ".";
         AppendField(m_out, m_style, number, text, Colour::None, kNumberColumns);
     }
-    void Add(const std::string& text, Colour colour = Colour::None) { AppendField(m_out, m_style, "", text, colour, kNumberColumns); }
+    void Add(const std::string& text, Colour colour = Colour::None)
+    {
+        AppendField(m_out, m_style, "", text, colour, kNumberColumns);
+    }
 
     [[nodiscard]] std::string Name(const std::string& path) const { return Printable(m_paths.NameOf(path)); }
     [[nodiscard]] std::string Names(const std::vector<std::string>& paths) const
@@ -76,8 +79,8 @@ void TellAcceptance(Story& story, const DevicePlan& device)
 
 void TellLists(Story& story, const SearchOutcome& search, const PlannedSystem& system)
 {
-    story.Step("Morvix.ini, section [" + Printable(system.section) + "], says where to search: " +
-               story.Names(search.directories) + ".");
+    story.Step("Morvix.ini, section [" + Printable(system.section) +
+               "], says where to search: " + story.Names(search.directories) + ".");
     story.Add("Model sections that count, in this order: " + AllPrintable(search.sectionNames) + ".");
     if (!search.excludes.empty()) {
         story.Add("Left out: " + AllPrintable(search.excludes) + ".");
@@ -135,12 +138,13 @@ void TellEnd(Story& story, const DevicePlan& device)
 
 void TellStore(Story& story, const DevicePlan& device)
 {
-    if (device.stored.empty()) {
-        story.Step("No INF file goes to the driver store for this device: those that qualify have been there in this "
-                   "run, or none does.");
+    if (device.store->now.empty()) {
+        story.Step(
+            "No INF file goes to the driver store for this device: those that qualify have been there in this "
+            "run, or none does.");
     } else {
         story.Step("To the driver store go, in this order and before anything is bound: " +
-                   AllPrintable(device.stored) + ".");
+                   AllPrintable(device.store->now) + ".");
     }
 }
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// Appends JSON to a text as it comes, so that a document of any length needs no memory of its own. The caller sees to the
-/// order of keys and values.
+/// Appends JSON to a text as it comes, so that a document of any length needs no memory of its own. The caller sees to
+/// the order of keys and values.
 class JsonWriter
 {
 public:
@@ -21,12 +21,12 @@ public:
     /// @param key  Plain ASCII of this program's own.
     JsonWriter& Key(std::string_view key);
 
-    /// Bytes that are not UTF-8 become U+FFFD. What could steer a terminal is escaped: control characters, line separators
-    /// and the marks that turn the direction of writing.
+    /// Bytes that are not UTF-8 become U+FFFD. What could steer a terminal is escaped: control characters, line
+    /// separators and the marks that turn the direction of writing.
     JsonWriter& Text(std::string_view text);
     JsonWriter& TextOrNull(const std::optional<std::string>& text)
     {
-         return text ? Text(std::string_view(*text)) : Null();
+        return text ? Text(std::string_view(*text)) : Null();
     }
     JsonWriter& Number(uint64_t number) { return Plain(std::to_string(number)); }
     JsonWriter& Truth(bool value) { return Plain(value ? "true" : "false"); }

@@ -50,14 +50,22 @@ private:
 
 KitFile::KitFile(std::filesystem::path here, std::optional<std::string> bytes, FileStamp stamp,
                  const CodePage& codePage, ProfileDialect dialect)
-    : m_here(std::move(here)), m_mark(MarkIn(bytes)), m_stamp(stamp),
+    : m_here(std::move(here)),
+      m_mark(MarkIn(bytes)),
+      m_stamp(stamp),
       m_profile(std::move(bytes).value_or(std::string()), codePage, dialect)
 {
 }
 
 KitFolder::KitFolder(Place place, ProfileDialect dialect)
-    : m_place(std::move(place)), m_paths(m_place.folder, m_place.setupDir, m_place.maps), m_dialect(dialect)
+    : m_place(std::move(place)), m_paths(m_place.folder, m_place.setupDir, m_place.maps), m_dialect(dialect),
+      m_hadSetupIni(HasSetupIni())
 {
+}
+
+bool KitFolder::HasSetupIni() const
+{
+    return FindPath(m_place.folder, "Morvix.ini").has_value();
 }
 
 const KitFile& KitFolder::File(const std::string& path, uint32_t codePage)
@@ -177,11 +185,10 @@ const CodePage& KitFolder::PageOf(uint32_t number)
 void KitFolder::Remark(Severity severity, const std::string& source, std::string what, std::string cure)
 {
     const std::lock_guard lock(m_remarksLock);
-    m_remarks.try_emplace(source, Diagnostic{.severity = severity,
-                                             .source = source,
-                                             .line = 0,
-                                             .what = std::move(what),
-                                             .cure = std::move(cure)});
+    m_remarks.try_emplace(
+        source,
+        Diagnostic{
+            .severity = severity, .source = source, .line = 0, .what = std::move(what), .cure = std::move(cure)});
 }
 
 std::vector<Diagnostic> KitFolder::Remarks() const
@@ -190,6 +197,13 @@ std::vector<Diagnostic> KitFolder::Remarks() const
     std::vector<Diagnostic> remarks;
     for (const auto& [source, remark] : m_remarks) {
         remarks.push_back(remark);
+    }
+    if (m_hadSetupIni && !HasSetupIni()) {
+        remarks.push_back({.severity = Severity::Error,
+                           .source = m_place.folder.string(),
+                           .line = 0,
+                           .what = "has vanished while it was read: files that were not read before count as missing",
+                           .cure = "plan again when the folder is back"});
     }
     return remarks;
 }

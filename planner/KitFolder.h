@@ -56,8 +56,8 @@ private:
     mutable std::map<std::string, std::shared_ptr<const ModelSection>, std::less<>> m_sections;
 };
 
-/// A kit in a folder of this machine, as an installer in it would see it. Every file and folder is read once, when it is
-/// asked for first, and kept; the object serves any number of threads.
+/// A kit in a folder of this machine, as an installer in it would see it. Every file and folder is read once, when it
+/// is asked for first, and kept; the object serves any number of threads.
 class KitFolder
 {
 public:
@@ -83,7 +83,7 @@ public:
     /// @return the names that a search for "*.inf" finds there; null when there is no such folder.
     const std::vector<InfEntry>* InfsIn(const std::string& directoryPath);
 
-    /// @return what could not be read or found so far, in the order of the names.
+    /// @return what could not be read or found so far, in the order of the names. A kit that has vanished since is an error.
     [[nodiscard]] std::vector<Diagnostic> Remarks() const;
 
 private:
@@ -109,14 +109,16 @@ private:
     void ReadFile(const std::string& path, uint32_t codePage, FileSlot& slot);
     std::optional<std::filesystem::path> FindFile(const std::string& path);
     const CodePage& PageOf(uint32_t number);
+    [[nodiscard]] bool HasSetupIni() const;
     void Remark(Severity severity, const std::string& source, std::string what, std::string cure);
 
     Place m_place;
     MachinePaths m_paths;
     ProfileDialect m_dialect;
+    bool m_hadSetupIni;
     mutable SharedMutex m_lock; // of the tables; what is in them is read under its own flag
-    FileSlots m_files;       // by path; read in the code page that was asked for first
-    FileSlots m_filesOfPage; // by code page and path: those of which the code page makes different texts
+    FileSlots m_files;          // by path; read in the code page that was asked for first
+    FileSlots m_filesOfPage;    // by code page and path: those of which the code page makes different texts
     std::unordered_map<std::string, std::unique_ptr<Folder>> m_folders;
     std::map<uint32_t, CodePage> m_pages; // a map: profiles keep the addresses
     mutable Mutex m_remarksLock;

@@ -30,7 +30,8 @@ public:
     /// @return false for a path that no map and no folder above the kit covers: nothing is known about it.
     [[nodiscard]] bool IsCovered(std::string_view path) const { return RootOf(path) != nullptr; }
 
-    /// @return the path as the user knows it: below the kit with slashes, such as "Drv/Win8x64/ngea.inf", or the path on
+    /// @return the path as the user knows it: below the kit with slashes, such as "Drv/Win8x64/ngea.inf", or the path
+    /// on
     ///         the machine for everything outside of the kit.
     [[nodiscard]] std::string NameOf(std::string_view path) const;
 
@@ -46,6 +47,7 @@ private:
     std::vector<Root> m_roots; ///< longest name first
 };
 
-/// @return the directory of the installer on a machine that nobody has described: deep enough for a setup INI whose base
+/// @return the directory of the installer on a machine that nobody has described: deep enough for a setup INI whose
+/// base
 ///         lies `levelsToRoot` levels above it.
 [[nodiscard]] std::string AssumedSetupDir(int levelsToRoot);

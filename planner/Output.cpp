@@ -7,6 +7,7 @@
 #include "Printable.h"
 
 #ifdef _WIN32
+#include <fcntl.h>
 #include <io.h>
 #else
 #include <unistd.h>
@@ -22,6 +23,15 @@ bool IsTerminal(std::FILE* file)
 #else
     return isatty(fileno(file)) != 0;
 #endif
+}
+
+/// Data has the same bytes everywhere.
+std::FILE* StandardOutput()
+{
+#ifdef _WIN32
+    static_cast<void>(_setmode(_fileno(stdout), _O_BINARY));
+#endif
+    return stdout;
 }
 
 bool IsSet(const char* name)
@@ -55,8 +65,10 @@ void Output::FileCloser::operator()(std::FILE* file) const noexcept
 }
 
 Output::Output(const OutputOptions& options)
-    : m_options(options), m_data(options.file.empty() ? stdout : std::fopen(options.file.c_str(), "wb")),
-      m_style(WantsColours(options)), m_showsProgress(!options.quiet && IsTerminal(stderr))
+    : m_options(options),
+      m_data(options.file.empty() ? StandardOutput() : std::fopen(options.file.c_str(), "wb")),
+      m_style(WantsColours(options)),
+      m_showsProgress(!options.quiet && IsTerminal(stderr))
 {
     if (m_data == nullptr) {
         Complain(Printable(options.file) + ": cannot be written (" + std::strerror(errno) +

@@ -49,7 +49,8 @@ public:
     void ShowProgress(std::size_t done, std::size_t all);
 
     /// Ends the output.
-    /// @return the exit code: `code`, or Usage when data could not be written, or Unreadable after an error about an input.
+    /// @return the exit code: `code`, or Usage when data could not be written, or Unreadable after an error about an
+    /// input.
     [[nodiscard]] ExitCode Finish(ExitCode code);
 
     [[nodiscard]] const TextStyle& Style() const { return m_style; }

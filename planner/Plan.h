@@ -14,9 +14,9 @@
 #include "OSCode.h"
 #include "SearchLog.h"
 
-/// What the installer would do on a machine with a kit: a value that every output prints. Paths of INF files and folders
-/// are the ones on the machine; KitFolder's paths name them for the user. Texts are as they came from the machine and the
-/// kit, control characters included.
+/// What the installer would do on a machine with a kit: a value that every output prints. Paths of INF files and
+/// folders are the ones on the machine; KitFolder's paths name them for the user. Texts are as they came from the
+/// machine and the kit, control characters included.
 
 /// One INF file as one search pass met it.
 struct JudgedInf
@@ -49,14 +49,14 @@ struct Match
 /// The value that the installer would write after an install, and what decides between success and failure.
 struct Report
 {
-    std::string value;      ///< name of the result value
-    std::string expects;    ///< pattern in the system's driver directory, with its leading backslash
+    std::string value;                     ///< name of the result value
+    std::string expects;                   ///< pattern in the system's driver directory, with its leading backslash
     std::optional<std::string> copiedFile; ///< the first file that the INF copies there and that fits
     bool copiesAreKnown = false;           ///< whether the INF's lists of copied files could be followed
 };
 
-/// The search for one device. It depends on the kit, the system, the options and the device's name alone, so machines share
-/// it.
+/// The search for one device. It depends on the kit, the system, the options and the device's name alone, so machines
+/// share it.
 struct SearchOutcome
 {
     std::vector<std::string> directories;
@@ -74,6 +74,13 @@ struct SearchOutcome
     bool isDmaEngine = false; ///< the INF is that of the DMA engines
 };
 
+/// What has gone to the driver store after a device of a run.
+struct StoreState
+{
+    std::vector<std::string> all; ///< as the installer remembers them in this run
+    std::vector<std::string> now; ///< INF file names that go there for this device, in order
+};
+
 /// A device that the installer serves.
 struct DevicePlan
 {
@@ -83,7 +90,7 @@ struct DevicePlan
     Presence presence = Presence::Unknown;
     std::size_t instances = 0;
     std::shared_ptr<const SearchOutcome> search;
-    std::vector<std::string> stored; ///< INF file names that go to the driver store now, in order
+    std::shared_ptr<const StoreState> store; ///< after this device
 };
 
 /// A device that the installer leaves alone.
@@ -118,8 +125,8 @@ enum class MachineOutcome
 /// A reason to restart after the run.
 struct RestartAnswer
 {
-    std::string id;               ///< "dma-engine", "iscsi-boot", "fcoe-boot"
-    std::optional<bool> holds;    ///< no value when the machine's description does not tell
+    std::string id;            ///< "dma-engine", "iscsi-boot", "fcoe-boot"
+    std::optional<bool> holds; ///< no value when the machine's description does not tell
     std::string why;
 };
 
@@ -146,7 +153,8 @@ struct MachinePlan
 [[nodiscard]] std::string_view NameOf(SearchVerdict verdict);
 [[nodiscard]] std::string_view NameOf(DeviceVerdict verdict);
 
-/// @return "SUCCESS", "FAILURE" or "unknown": what the result value would say after the platform has bound the driver, on
+/// @return "SUCCESS", "FAILURE" or "unknown": what the result value would say after the platform has bound the driver,
+/// on
 ///         a machine that has no other file of the driver family.
 [[nodiscard]] std::string_view ResultIfBound(const Report& report);
 

@@ -71,7 +71,8 @@ public:
                 answer.text = m_head + PlanJsonMachine(plan, paths) + PlanJsonTail() + "\n";
                 break;
             case PlanFormat::Trace:
-                answer.text = m_isOne ? trace : "# " + Printable(plan.name) + " " + Printable(plan.source) + "\n" + trace;
+                answer.text =
+                    m_isOne ? trace : "# " + Printable(plan.name) + " " + Printable(plan.source) + "\n" + trace;
                 break;
         }
         return answer;

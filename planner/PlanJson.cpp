@@ -78,7 +78,7 @@ void WriteDevice(JsonWriter& json, const DevicePlan& device, const MachinePaths&
         json.EndObject();
     }
     json.EndArray();
-    WriteTexts(json, "stored", device.stored);
+    WriteTexts(json, "stored", device.store->now);
     WriteReport(json, search.report);
     json.Key("findings").BeginArray().EndArray();
     json.EndObject();

@@ -45,8 +45,8 @@ void AppendDevice(std::string& out, const DevicePlan& device, const MachinePaths
     switch (search.verdict) {
         case SearchVerdict::Matched: {
             AppendField(out, style, "driver", MatchText(*search.match, paths), Colour::Good);
-            AppendField(out, style, "", "\"" + Printable(search.match->description) + "\", " +
-                                            Printable(search.match->driverVersion));
+            AppendField(out, style, "",
+                        "\"" + Printable(search.match->description) + "\", " + Printable(search.match->driverVersion));
             break;
         }
         case SearchVerdict::NoInf:
@@ -61,9 +61,9 @@ void AppendDevice(std::string& out, const DevicePlan& device, const MachinePaths
             break;
     }
     AppendPassedOver(out, search, paths, style);
-    if (!device.stored.empty()) {
+    if (!device.store->now.empty()) {
         std::vector<std::string> names;
-        for (const std::string& name : device.stored) {
+        for (const std::string& name : device.store->now) {
             names.push_back(Printable(name));
         }
         AppendField(out, style, "stored", Joined(names));
@@ -152,8 +152,8 @@ std::string_view InWords(DeviceVerdict verdict)
 bool IsOfServedVendor(std::string_view deviceKey)
 {
     return std::ranges::any_of(kAcceptedCompatibleIds, [deviceKey](std::string_view id) {
-        constexpr std::size_t kVendorAt = 4;     // after "PCI\"
-        constexpr std::size_t kVendorChars = 8;  // "VEN_5D1A"
+        constexpr std::size_t kVendorAt = 4;    // after "PCI\"
+        constexpr std::size_t kVendorChars = 8; // "VEN_5D1A"
         return deviceKey.find(id.substr(kVendorAt, kVendorChars)) != std::string_view::npos;
     });
 }

@@ -17,8 +17,8 @@ void AppendShown(std::string& out, std::string_view text)
 {
     while (!text.empty()) {
         const Utf8Character character = FirstCharacter(text);
-        const bool isText = character.bytes > 1 ? !SteersTerminal(character.value)
-                                                : character.bytes == 1 && IsShown(text.front());
+        const bool isText =
+            character.bytes > 1 ? !SteersTerminal(character.value) : character.bytes == 1 && IsShown(text.front());
         if (isText) {
             out += text.substr(0, character.bytes);
             text.remove_prefix(character.bytes);
@@ -84,8 +84,7 @@ void TraceLog::Installed(InstallRoute route, const std::string& deviceKey, const
     }
 }
 
-void TraceLog::InstalledByInterface(const std::string& recordPath, const PlannedSystem& system,
-                                    LeadByteTest isLeadByte)
+void TraceLog::InstalledByInterface(const std::string& recordPath, const PlannedSystem& system, LeadByteTest isLeadByte)
 {
     Placeholder(kInstallPlaceholder);
     Say("Enter -> PostInstallRegResult\n");

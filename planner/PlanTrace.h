@@ -6,11 +6,11 @@
 
 #include "Plan.h"
 #include "SearchLog.h"
-#include "SystemFamilies.h"
+#include "ServedFamilies.h"
 
-/// The device pass as the installer would trace it, one line of text for each line of trace. The line feed at a line's end
-/// is not shown; a control character within a line is escaped. What only the platform of that machine can say is one line
-/// in angle brackets, which takes the place of any number of lines.
+/// The device pass as the installer would trace it, one line of text for each line of trace. The line feed at a line's
+/// end is not shown; a control character within a line is escaped. What only the platform of that machine can say is
+/// one line in angle brackets, which takes the place of any number of lines.
 
 /// Answers of the driver store, for one INF.
 inline constexpr std::string_view kStorePlaceholder = "<what the driver store answers>";

@@ -37,7 +37,8 @@ private:
 Presence PresenceOf(const PciDevice& device)
 {
     const auto is = [&device](Presence presence) {
-        return std::ranges::any_of(device.instances, [presence](const PciInstance& i) { return i.presence == presence; });
+        return std::ranges::any_of(device.instances,
+                                   [presence](const PciInstance& i) { return i.presence == presence; });
     };
     if (is(Presence::Present)) {
         return Presence::Present;
@@ -55,6 +56,11 @@ std::size_t BytesOf(const SearchOutcome& outcome)
         bytes += pass.judged.size() * sizeof(JudgedInf);
     }
     return bytes + (outcome.passedOver.size() + outcome.qualified.size()) * sizeof(JudgedInf);
+}
+
+std::size_t BytesOf(const StoreState& store)
+{
+    return sizeof(StoreState) + (store.all.size() + store.now.size()) * (sizeof(std::string) + sizeof(std::string) / 2);
 }
 
 std::vector<std::string> NamesOfQualified(const SearchOutcome& search)
@@ -115,19 +121,20 @@ MachinePlan Planner::Plan(const Machine& machine, std::string* trace)
 void Planner::WalkDevices(const Machine& machine, MachinePlan& plan, std::string* trace)
 {
     const PciDevices& devices = DevicesForFamily(machine, plan.system.family);
-    const std::optional<SystemFamily> family = FindSystemFamily(plan.system.family);
+    const std::optional<ServedFamily> family = FindServedFamily(plan.system.family);
     if (!devices || !family) {
         plan.outcome = MachineOutcome::NoDevices;
-        plan.problem = family ? "the description has no key " + std::string(family->pciKey) +
-                                    "; the installer would end with an error"
-                              : "the installer looks for no devices on a system of family \"" + plan.system.family +
-                                    "\"";
+        plan.problem = family
+                           ? "the description has no key " + std::string(family->pciKey) +
+                                 "; the installer would end with an error"
+                           : "the installer looks for no devices on a system of family \"" + plan.system.family + "\"";
         return;
     }
     const SearchTerms terms = TermsFor(machine, plan.system);
     const LeadByteTest isLeadByte = LeadByteTestOf(terms.codePage);
     FolderKitSource source(m_kit, terms.codePage);
-    std::vector<std::string> storedInfs;
+    std::shared_ptr<const StoreState> store; // nothing yet
+    std::vector<std::string> storedInfs;     // the same for a trace, which no other machine shares
     SilentLog silent;
     std::string unused;
     TraceLog tracer(trace == nullptr ? unused : *trace);
@@ -150,12 +157,14 @@ void Planner::WalkDevices(const Machine& machine, MachinePlan& plan, std::string
         planned.instances = device.instances.size();
         if (trace == nullptr) {
             planned.search = SearchFor(source, terms, device.name);
-            planned.stored = StoreQualified(source, terms, *planned.search, storedInfs);
+            store = StoreAfter(source, terms, store, planned.search);
         } else {
-            planned.search = std::make_shared<const SearchOutcome>(
-                SearchKit(source, terms, device.name, storedInfs, tracer));
-            planned.stored = NamesOfQualified(*planned.search);
+            planned.search =
+                std::make_shared<const SearchOutcome>(SearchKit(source, terms, device.name, storedInfs, tracer));
+            store = std::make_shared<const StoreState>(
+                StoreState{.all = storedInfs, .now = NamesOfQualified(*planned.search)});
         }
+        planned.store = store;
         if (planned.search->verdict == SearchVerdict::Fault) {
             plan.outcome = MachineOutcome::Fault;
             plan.notReached = devices->size() - plan.devices.size() - plan.rejected.size();
@@ -182,11 +191,36 @@ std::shared_ptr<const SearchOutcome> Planner::SearchFor(FolderKitSource& source,
     }
     auto found = std::make_shared<const SearchOutcome>(SearchKit(source, terms, deviceKey));
     const std::lock_guard lock(m_knownLock);
-    m_knownBytes += BytesOf(*found);
+    Remember(BytesOf(*found));
+    // Another thread may have been faster: then its answer is shared.
+    return m_known.try_emplace(std::move(question), found).first->second;
+}
+
+std::shared_ptr<const StoreState> Planner::StoreAfter(FolderKitSource& source, const SearchTerms& terms,
+                                                      const std::shared_ptr<const StoreState>& before,
+                                                      const std::shared_ptr<const SearchOutcome>& search)
+{
+    {
+        const std::lock_guard lock(m_knownLock);
+        if (const auto known = m_knownStores.find({before, search}); known != m_knownStores.end()) {
+            return known->second;
+        }
+    }
+    StoreState after;
+    after.all = before ? before->all : std::vector<std::string>();
+    after.now = StoreQualified(source, terms, *search, after.all);
+    auto found = std::make_shared<const StoreState>(std::move(after));
+    const std::lock_guard lock(m_knownLock);
+    Remember(BytesOf(*found));
+    return m_knownStores.try_emplace({before, search}, found).first->second;
+}
+
+void Planner::Remember(std::size_t bytes)
+{
+    m_knownBytes += bytes;
     if (m_knownBytes > kMostKnownBytes) {
         m_known.clear();
-        m_knownBytes = BytesOf(*found);
+        m_knownStores.clear();
+        m_knownBytes = bytes;
     }
-    m_known.insert_or_assign(std::move(question), found);
-    return found;
 }

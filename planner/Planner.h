@@ -35,13 +35,21 @@ public:
 private:
     std::shared_ptr<const SearchOutcome> SearchFor(FolderKitSource& source, const SearchTerms& terms,
                                                    const std::string& deviceKey);
+    std::shared_ptr<const StoreState> StoreAfter(FolderKitSource& source, const SearchTerms& terms,
+                                                 const std::shared_ptr<const StoreState>& before,
+                                                 const std::shared_ptr<const SearchOutcome>& search);
+    void Remember(std::size_t bytes);
     void WalkDevices(const Machine& machine, MachinePlan& plan, std::string* trace);
 
     KitFolder& m_kit;
     PlanWish m_wish;
     // Searches that other machines of the same system have made.
     using KnownSearches = std::map<std::pair<SearchTerms, std::string>, std::shared_ptr<const SearchOutcome>>;
+    // What other machines had in the driver store after the same devices in the same order.
+    using KnownStores = std::map<std::pair<std::shared_ptr<const StoreState>, std::shared_ptr<const SearchOutcome>>,
+                                 std::shared_ptr<const StoreState>>;
     Mutex m_knownLock;
     KnownSearches m_known;
-    std::size_t m_knownBytes = 0; ///< an estimate
+    KnownStores m_knownStores;
+    std::size_t m_knownBytes = 0; ///< of both, an estimate
 };

@@ -30,8 +30,8 @@ private:
 inline constexpr std::size_t kTextColumns = 100;
 inline constexpr std::size_t kLabelColumns = 13;
 
-/// Appends "  label      text": the label in a column of its own, long texts broken at blanks with the next lines below the
-/// first.
+/// Appends "  label      text": the label in a column of its own, long texts broken at blanks with the next lines below
+/// the first.
 /// @param colour        Of the whole text.
 /// @param labelColumns  Width of the label's column.
 void AppendField(std::string& out, const TextStyle& style, std::string_view label, std::string_view text,

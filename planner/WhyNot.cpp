@@ -63,7 +63,10 @@ class FileQuestion
 {
 public:
     FileQuestion(const MachinePlan& plan, const DevicePlan& device, FolderKitSource& source, const SearchTerms& terms)
-        : m_plan(plan), m_device(device), m_source(source), m_question(source, m_silent, terms, m_stored),
+        : m_plan(plan),
+          m_device(device),
+          m_source(source),
+          m_question(source, m_silent, terms, m_stored),
           m_rules(ReadSearchRules(m_question.Search(), device.search->excludes))
     {
     }
@@ -108,9 +111,8 @@ private:
     [[nodiscard]] std::string Listed(const std::string& path, int pass, const std::string& searchId) const
     {
         const SearchOutcome& search = *m_device.search;
-        const std::string lists =
-            Name(path) + " lists the device as " + Printable(searchId) + ", which pass " + std::to_string(pass) +
-            " looks for; ";
+        const std::string lists = Name(path) + " lists the device as " + Printable(searchId) + ", which pass " +
+                                  std::to_string(pass) + " looks for; ";
         if (!search.match) {
             return lists + "the run ends with a fault before.";
         }
@@ -119,8 +121,9 @@ private:
             return lists + Name(match.inf) + " had won in pass " + std::to_string(match.pass) +
                    ": a longer ID wins over a shorter one, whatever the drivers' versions are.";
         }
-        return lists + "so does " + Name(match.inf) + ", which is searched before it: the first in the order of "
-                                                      "folders and names wins, whatever the drivers' versions are.";
+        return lists + "so does " + Name(match.inf) +
+               ", which is searched before it: the first in the order of "
+               "folders and names wins, whatever the drivers' versions are.";
     }
 
     [[nodiscard]] std::string Unqualified(const std::string& path, InfVerdict verdict) const
@@ -130,11 +133,11 @@ private:
                 return Name(path) + " is left out: Morvix.ini, section [" + Printable(m_plan.system.section) +
                        "], has it in an InfExclude line; --scan-all (option /n) searches it all the same.";
             case InfVerdict::OtherSignature:
-                return Name(path) + " does not count: its Signature is not \"" +
-                       Printable(m_rules.expectedSignature) + "\", which the family \"" +
-                       Printable(m_plan.system.family) + "\" needs.";
+                return Name(path) + " does not count: its Signature is not \"" + Printable(m_rules.expectedSignature) +
+                       "\", which the family \"" + Printable(m_plan.system.family) + "\" needs.";
             case InfVerdict::OtherBrand:
-                return Name(path) + " does not count: no line of its [Manufacturer] section has one of the brand names.";
+                return Name(path) +
+                       " does not count: no line of its [Manufacturer] section has one of the brand names.";
             case InfVerdict::NotListed:
             case InfVerdict::ListsDevice:
                 break;
@@ -149,8 +152,8 @@ private:
         for (const std::string& name : m_rules.sectionNames) {
             sections.push_back("[" + Printable(name) + "]");
         }
-        const std::string answer = Name(path) + " qualifies and does not list the device as the first ID of a line of " +
-                                   Joined(sections);
+        const std::string answer =
+            Name(path) + " qualifies and does not list the device as the first ID of a line of " + Joined(sections);
         const Profile& inf = m_source.File(path).Text();
         const std::string vendorAndDevice = m_device.key.substr(0, m_device.key.find("&SUBSYS"));
         for (std::size_t section = 0; section < inf.SectionCount(); ++section) {
@@ -193,8 +196,8 @@ std::string WhyNot(const MachinePlan& plan, const DevicePlan& device, std::strin
             problem = Printable(inf) + ": no such file in the kit";
             return {};
         }
-        return Printable(*elsewhere) + " is in no folder that Morvix.ini, section [" +
-               Printable(plan.system.section) + "], names, or a search for \"*.inf\" does not find it.";
+        return Printable(*elsewhere) + " is in no folder that Morvix.ini, section [" + Printable(plan.system.section) +
+               "], names, or a search for \"*.inf\" does not find it.";
     }
     if (fitting.size() > 1) {
         std::vector<std::string> names;

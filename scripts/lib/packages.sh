@@ -18,6 +18,10 @@ packages=(
     fonts-wqy-microhei
     # the Windows Installer package, its tables, and what a release is made with
     wixl msitools xxd zip unzip osslsigncode openssl libengine-pkcs11-openssl curl
+    # morvix-kit: the command line, hives, and what its man page is checked with
+    libcli11-dev libhivex-dev mandoc
+    # its tests: another reader of JSON, a terminal
+    nlohmann-json3-dev bsdutils
     # the checks of a release: a token in software, and schemas
     softhsm2 python3-jsonschema python3-yaml
     # checks of the sources

@@ -196,7 +196,7 @@ no_licence_is_invented() {
 
 mkdir -p -- "$build_dir/docs"
 promise "every link leads to a file or a heading" links_lead_somewhere
-for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md SIGNING.md ARCHITECTURE.md REAL-MACHINES.md; do
+for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md PLANNING.md SIGNING.md ARCHITECTURE.md REAL-MACHINES.md; do
     promise "the first page links $document" first_page_links "$document"
 done
 promise "the diagrams are those that scripts/drawings draws" drawings_are_drawn

@@ -20,10 +20,9 @@ const std::string kToDrivers = "[DestinationDirs]\r\nDefaultDestDir=12\r\n";
 
 TEST(CopiedFiles, AreThoseOfAllListsThatGoToTheDriverDirectory)
 {
-    EXPECT_EQ("a.sys b.sys c.sys ",
-              Copied("[Nic.ndi]\r\nCopyFiles = One, \"Two\" ; more\r\nCopyFiles=@c.sys\r\n"
-                     "[One]\r\na.sys,,,2\r\n; none.sys\r\n[Two]\r\nb.sys ; the second\r\n" +
-                     kToDrivers));
+    EXPECT_EQ("a.sys b.sys c.sys ", Copied("[Nic.ndi]\r\nCopyFiles = One, \"Two\" ; more\r\nCopyFiles=@c.sys\r\n"
+                                           "[One]\r\na.sys,,,2\r\n; none.sys\r\n[Two]\r\nb.sys ; the second\r\n" +
+                                           kToDrivers));
     EXPECT_EQ("b.sys ", Copied("[Nic.ndi]\r\nCopyFiles=One,Two,Three\r\n[One]\r\na.sys\r\n[Two]\r\nb.sys\r\n"
                                "[Three]\r\nc.sys\r\n[DestinationDirs]\r\nOne=11\r\nTwo=10, system32\\drivers\r\n"
                                "DefaultDestDir=13\r\n"));
@@ -32,9 +31,10 @@ TEST(CopiedFiles, AreThoseOfAllListsThatGoToTheDriverDirectory)
 
 TEST(CopiedFiles, ComeFromTheSectionOfTheSystemsProcessor)
 {
-    const std::string inf = "[Nic.ndi]\r\nCopyFiles=@p.sys\r\n[Nic.ndi.NT]\r\nCopyFiles=@nt.sys\r\n"
-                            "[Nic.ndi.NTamd64]\r\nCopyFiles=@x64.sys\r\n[Nic.ndi.NTia64]\r\nCopyFiles=@ia64.sys\r\n" +
-                            kToDrivers;
+    const std::string inf =
+        "[Nic.ndi]\r\nCopyFiles=@p.sys\r\n[Nic.ndi.NT]\r\nCopyFiles=@nt.sys\r\n"
+        "[Nic.ndi.NTamd64]\r\nCopyFiles=@x64.sys\r\n[Nic.ndi.NTia64]\r\nCopyFiles=@ia64.sys\r\n" +
+        kToDrivers;
     EXPECT_EQ("x64.sys ", Copied(inf));
     EXPECT_EQ("ia64.sys ", Copied(inf, osWIN2K8R264));
     EXPECT_EQ("nt.sys ", Copied(inf, osWINEIGHT32));

@@ -70,10 +70,11 @@ TEST_F(DiffTest, ALostDriverIsNamedAndCounted)
     m_old.Write("Drv/a.inf", Inf({.ids = {kCard}}));
     const MachineDiff diff = Diff();
     EXPECT_EQ(DriverChange::Lost, diff.devices.front().change);
-    EXPECT_EQ("PC7  PC7.reg  Win832E\n"
-              "  lost     VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01\n"
-              "           Drv/a.inf 10/01/2012,1.2.3.4 -> no driver\n",
-              Text(diff));
+    EXPECT_EQ(
+        "PC7  PC7.reg  Win832E\n"
+        "  lost     VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01\n"
+        "           Drv/a.inf 10/01/2012,1.2.3.4 -> no driver\n",
+        Text(diff));
     DiffSummary summary;
     summary.Add(diff);
     EXPECT_EQ("1 machine: 1 would lose a driver, 0 would change otherwise, 0 would stay as they are\n",

@@ -17,8 +17,8 @@ protected:
         m_folder.Write("Morvix.ini", SetupIni("InfDir=More\r\nInfExclude=out.inf\r\n"));
         m_folder.Write("Drv/chicago.inf", Inf({.signature = "$Chicago$", .ids = {kCard}}));
         m_folder.Write("Drv/late.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B"}}));
-        m_folder.Write("Drv/mapped.inf",
-                       Inf({.ids = {kOtherCard}, .more = "[Norda.NTx86]\r\n%Nic%=Nic.ndi, PCI\\VEN_5D1A&DEV_1A2B\r\n"}));
+        m_folder.Write("Drv/mapped.inf", Inf({.ids = {kOtherCard},
+                                              .more = "[Norda.NTx86]\r\n%Nic%=Nic.ndi, PCI\\VEN_5D1A&DEV_1A2B\r\n"}));
         m_folder.Write("Drv/ngea63.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A"}}));
         m_folder.Write("Drv/none.inf", Inf({.manufacturer = "x=y"}));
         m_folder.Write("Drv/out.inf", Inf({.ids = {kCard}}));
@@ -47,8 +47,8 @@ protected:
 TEST_F(ExplainTest, TheStoryTellsEveryPassUpToTheMatch)
 {
     const MachinePlan plan = Planner(m_kit, {}).Plan(MachineWithCards({kCard}));
-    const std::string story = ExplainDevice(plan, {.served = &plan.devices[0], .rejected = nullptr}, m_kit.Paths(),
-                                            TextStyle(false));
+    const std::string story =
+        ExplainDevice(plan, {.served = &plan.devices[0], .rejected = nullptr}, m_kit.Paths(), TextStyle(false));
     EXPECT_THAT(story, HasSubstr("VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01 on PC7 (PC7.reg)"));
     EXPECT_THAT(story, HasSubstr(R"(PCI\VEN_5D1A&CC_020000)"));
     EXPECT_THAT(story, HasSubstr("where to search: Drv, More"));

@@ -23,7 +23,8 @@ TEST(JsonWriter, EscapesWhatEndsATextAndWhatSteersATerminal)
 
 TEST(JsonWriter, ReplacesEachByteThatIsNotUtf8)
 {
-    EXPECT_EQ(R"("Gr\ufffd\ufffde")", Written("Gr\xF6\xDF" "e"));
+    EXPECT_EQ(R"("Gr\ufffd\ufffde")", Written("Gr\xF6\xDF"
+                                              "e"));
     EXPECT_EQ(R"("\ufffd\ufffd")", Written("\xC0\xAF"));
     EXPECT_EQ(R"("\ufffd\ufffd\ufffd")", Written("\xED\xA0\x80"));
     EXPECT_EQ(R"("\ufffd\ufffd\ufffd\ufffd")", Written("\xF4\x90\x80\x80"));

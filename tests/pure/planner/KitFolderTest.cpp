@@ -52,16 +52,20 @@ TEST(KitFolder, ListsInfFilesInTheOrderOfTheirUpperCasedNames)
     EXPECT_TRUE(kit.Remarks().empty());
 }
 
-TEST(KitFolder, ReadsEachFileOnceAndGoesOnWhenTheFolderVanishes)
+TEST(KitFolder, ReadsEachFileOnceAndSaysSoWhenTheFolderVanishes)
 {
     auto folder = std::make_unique<TestFolder>();
+    folder->Write("Morvix.ini", "");
     folder->Write("a.inf", "[Version]\r\nSignature=x\r\n");
     KitFolder kit(PlaceOf(*folder), ProfileDialect::Windows);
     FolderKitSource source(kit, 1252);
     EXPECT_EQ("x", Value(source, "Version", "Signature", R"(C:\Kit\a.inf)"));
+    EXPECT_TRUE(kit.Remarks().empty());
     folder.reset();
     EXPECT_EQ("x", Value(source, "Version", "Signature", R"(C:\Kit\a.inf)"));
     EXPECT_EQ("<default>", Value(source, "Version", "Signature", R"(C:\Kit\Drv\b.inf)"));
+    ASSERT_EQ(1U, kit.Remarks().size());
+    EXPECT_EQ(Severity::Error, kit.Remarks().front().severity);
 }
 
 TEST(KitFolder, AFileOfLettersBeyondAsciiIsReadInTheCodePageOfTheMachine)

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "JsonCheck.h"
 #include "KitOnDisk.h"
 #include "PlanJson.h"
-#include "JsonCheck.h"
 
 namespace {
 /// A kit in a folder, and what is planned with it.
@@ -108,9 +108,9 @@ TEST_F(PlannerTest, EachInfThatQualifiesGoesToTheDriverStoreOncePerRunAndName)
     m_folder.Write("More/c.inf", Inf({.signature = "$Chicago$"}));
     const MachinePlan plan = Plan(MachineWithCards({kCard, kOtherCard, "VEN_5D1A&DEV_0001&SUBSYS_0&REV_01"}));
     ASSERT_EQ(3U, plan.devices.size());
-    EXPECT_EQ("a.inf ", Names(plan.devices[0].stored));
-    EXPECT_EQ("b.inf ", Names(plan.devices[1].stored));
-    EXPECT_EQ("", Names(plan.devices[2].stored));
+    EXPECT_EQ("a.inf ", Names(plan.devices[0].store->now));
+    EXPECT_EQ("b.inf ", Names(plan.devices[1].store->now));
+    EXPECT_EQ("", Names(plan.devices[2].store->now));
     EXPECT_EQ(SearchVerdict::NoInf, plan.devices[2].search->verdict);
 }
 
@@ -140,9 +140,10 @@ TEST_F(PlannerTest, ADeviceThatIsNotServedSaysWhy)
     for (const RejectedDevice& device : plan.rejected) {
         reasons += device.key + "=" + std::string(NameOf(device.verdict)) + " ";
     }
-    EXPECT_EQ("VEN_8086&DEV_1=other-device VEN_5D1A&DEV_2=other-device VEN_5D1A&DEV_3=no-instance "
-              "VEN_5D1A&DEV_4=no-compatible-ids ",
-              reasons);
+    EXPECT_EQ(
+        "VEN_8086&DEV_1=other-device VEN_5D1A&DEV_2=other-device VEN_5D1A&DEV_3=no-instance "
+        "VEN_5D1A&DEV_4=no-compatible-ids ",
+        reasons);
 }
 
 TEST_F(PlannerTest, AKeyNameWithoutRevisionEndsTheRunUnlessAnEarlierPassFindsAnInf)
@@ -244,8 +245,9 @@ TEST_F(PlannerTest, ARefusedMachineIsUnreadable)
 
 TEST_F(PlannerTest, TheResultRestsOnAFileThatTheInfCopies)
 {
-    const std::string copies = "[Nic.ndi.NT]\r\nCopyFiles=Files\r\n[Files]\r\nNGEA.sys ; the driver\r\n"
-                               "[DestinationDirs]\r\nDefaultDestDir = 12\r\n";
+    const std::string copies =
+        "[Nic.ndi.NT]\r\nCopyFiles=Files\r\n[Files]\r\nNGEA.sys ; the driver\r\n"
+        "[DestinationDirs]\r\nDefaultDestDir = 12\r\n";
     m_folder.Write("Morvix.ini", SetupIni() + "[Win732E]\r\nInfSectionName=Norda.NTamd64\r\nInfDir=Drv\r\n");
     m_folder.Write("Drv/ngea63.inf", Inf({.ids = {kCard}, .more = copies}));
     const Machine machine = MachineWithCards({kCard});
@@ -255,7 +257,8 @@ TEST_F(PlannerTest, TheResultRestsOnAFileThatTheInfCopies)
     EXPECT_EQ("NGEA.sys", report.copiedFile);
     EXPECT_EQ("SUCCESS", ResultIfBound(report));
 
-    const Report on61 = Plan(machine, {.system = {.section = "Win732E", .family = {}}}).devices[0].search->report.value();
+    const Report on61 =
+        Plan(machine, {.system = {.section = "Win732E", .family = {}}}).devices[0].search->report.value();
     EXPECT_EQ(R"(\NGEA62*.sys)", on61.expects);
     EXPECT_EQ("FAILURE", ResultIfBound(on61));
 

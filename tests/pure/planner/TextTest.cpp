@@ -10,7 +10,9 @@
 using testing::HasSubstr;
 
 namespace {
-const std::string kHostile = "VEN_5D1A&DEV_1\x1b]0;owned\x07\r\n\x9b" "2J\xE2\x80\xAE&REV_01";
+const std::string kHostile =
+    "VEN_5D1A&DEV_1\x1b]0;owned\x07\r\n\x9b"
+    "2J\xE2\x80\xAE&REV_01";
 
 std::string TextOfPlan(const MachinePlan& plan, const KitFolder& kit, bool coloured = false)
 {
@@ -33,24 +35,25 @@ TEST(PlanText, IsWrittenForPeople)
     KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
     MachinePlan plan = Planner(kit, {}).Plan(MachineWithCards({kCard, kOtherCard}));
     plan.restart.clear();
-    EXPECT_EQ("PC7  PC7.reg\n"
-              "    system       Win832E (registry), family \"Windows Vista\" (registry)\n"
-              "  VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01\n"
-              "    accepted by  PCI\\VEN_5D1A&CC_020000\n"
-              "    presence     unknown: the key of a removed card stays in the registry\n"
-              "    driver       Drv/ngea63.inf:7, pass 1, section [Norda.NTamd64]\n"
-              "                 \"Norda test adapter\", 10/01/2012,1.2.3.4\n"
-              "    passed over  not listed: Drv/a.inf\n"
-              "    stored       a.inf, ngea63.inf\n"
-              "    result       TAVG_PCIE_Install will be SUCCESS if there is a system32\\drivers\\NGEA*.sys after the\n"
-              "                 installation\n"
-              "  VEN_5D1A&DEV_1B3C&SUBSYS_00015D1A&REV_02\n"
-              "    accepted by  PCI\\VEN_5D1A&CC_020000\n"
-              "    presence     unknown: the key of a removed card stays in the registry\n"
-              "    driver       none: no INF file lists the device in any pass\n"
-              "    searched     Drv\n"
-              "    passed over  not listed: Drv/a.inf, Drv/ngea63.inf\n",
-              TextOfPlan(plan, kit));
+    EXPECT_EQ(
+        "PC7  PC7.reg\n"
+        "    system       Win832E (registry), family \"Windows Vista\" (registry)\n"
+        "  VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01\n"
+        "    accepted by  PCI\\VEN_5D1A&CC_020000\n"
+        "    presence     unknown: the key of a removed card stays in the registry\n"
+        "    driver       Drv/ngea63.inf:7, pass 1, section [Norda.NTamd64]\n"
+        "                 \"Norda test adapter\", 10/01/2012,1.2.3.4\n"
+        "    passed over  not listed: Drv/a.inf\n"
+        "    stored       a.inf, ngea63.inf\n"
+        "    result       TAVG_PCIE_Install will be SUCCESS if there is a system32\\drivers\\NGEA*.sys after the\n"
+        "                 installation\n"
+        "  VEN_5D1A&DEV_1B3C&SUBSYS_00015D1A&REV_02\n"
+        "    accepted by  PCI\\VEN_5D1A&CC_020000\n"
+        "    presence     unknown: the key of a removed card stays in the registry\n"
+        "    driver       none: no INF file lists the device in any pass\n"
+        "    searched     Drv\n"
+        "    passed over  not listed: Drv/a.inf, Drv/ngea63.inf\n",
+        TextOfPlan(plan, kit));
 }
 
 TEST(PlanText, AHostileNameNeverMovesTheTerminal)

@@ -1,0 +1,216 @@
+#!/usr/bin/env bash
+# shellcheck disable=SC2016,SC2154,SC2317 # promises call functions by name
+# morvix-kit as its users call it: what it prints where, how it ends, and what it makes of bad input.
+set -euo pipefail
+tests=$(dirname -- "$(readlink -f -- "$0")")
+# shellcheck source=../../scripts/lib/common.sh
+source "$tests/../../scripts/lib/common.sh"
+# shellcheck source=../../scripts/lib/promises.sh
+source "$tests/../../scripts/lib/promises.sh"
+# shellcheck source=lib/exports.sh
+source "$tests/lib/exports.sh"
+
+program=${MORVIX_KIT:-$host_build/planner/morvix-kit}
+[[ -x $program ]] || fail "there is no $program: run scripts/build host first"
+work=$build_dir/planner-test
+rm -rf -- "$work"
+mkdir -p -- "$work/fleet"
+cd -- "$work"
+unset NO_COLOR
+export ASAN_OPTIONS=detect_leaks=0
+
+# run_kit ARGUMENT...: leaves what it printed in ./out and ./err, and its exit code in `status`.
+run_kit() {
+    status=0
+    run_limited 120 "$program" "$@" >out 2>err </dev/null || status=$?
+}
+
+ends_with() {
+    local code=$1
+    shift
+    run_kit "$@"
+    [[ $status == "$code" ]] || { printf 'exit code %s instead of %s: %s\n' "$status" "$code" "$(cat err)"; return 1; }
+}
+
+# says PATTERN: standard error is one line of the program that fits.
+says() {
+    if [[ $(wc -l <err) != 1 ]] || ! grep -qE -- "^morvix-kit: .*$1" err; then
+        printf 'said: %s\n' "$(cat err)"
+        return 1
+    fi
+}
+
+valid_json() { python3 -m json.tool "$1" >/dev/null; }
+
+# follows SCHEMA FILE: a document, or one on each line.
+follows() {
+    python3 - "$repo/docs/schemas/$1" "$2" <<'END'
+import json, sys, jsonschema
+schema = json.load(open(sys.argv[1]))
+jsonschema.Draft202012Validator.check_schema(schema)
+lines = open(sys.argv[2], encoding="utf-8").read().splitlines()
+assert lines, "nothing was printed"
+for line in lines:
+    jsonschema.validate(json.loads(line), schema)
+END
+}
+
+cp -r -- "$repo/kit" kit
+write_export PC7.reg 6.2 WinNT "$gigabit_card" "$other_card"
+write_export fleet/A.reg 6.1 WinNT "$gigabit_card"
+write_export fleet/B.reg 6.2 ServerNT "$gigabit_card" 'VEN_5D1A&DEV_FFFF&SUBSYS_0&REV_01'
+write_export fleet/C.reg 5.2 WinNT "$gigabit_card"
+
+# --- help ------------------------------------------------------------------------------------------------------------
+fits_a_screen() {
+    local command
+    for command in '' plan explain diff; do
+        # shellcheck disable=SC2086
+        ends_with 0 $command --help || return 1
+        [[ $(wc -l <out) -le 23 && $(wc -L <out) -le 80 && ! -s err ]] || { cat out; return 1; }
+    done
+}
+promise "help fits a screen of 24 lines and 80 columns" fits_a_screen
+
+# options_of COMMAND: as its help has them, without the values.
+options_of() {
+    run_kit "$1" --help
+    grep -oE '^  --[a-z-]+' out | tr -d ' ' | sort
+}
+man_and_completions_agree() {
+    local command option
+    mandoc -T lint -W warning "$repo/planner/morvix-kit.1" || return 1
+    for command in plan explain diff; do
+        for option in $(options_of "$command"); do
+            grep -qE "^\.It Fl -${option#--}( |\$)" "$repo/planner/morvix-kit.1" ||
+                { printf 'the man page lacks %s\n' "$option"; return 1; }
+            grep -qE "[['*]?$option\[" "$repo/planner/completions/_morvix-kit" ||
+                { printf 'zsh lacks %s\n' "$option"; return 1; }
+        done
+        diff <(options_of "$command") <(
+            # shellcheck source=../../planner/completions/morvix-kit.bash disable=SC1091
+            source "$repo/planner/completions/morvix-kit.bash"
+            COMP_WORDS=(morvix-kit "$command" --) COMP_CWORD=2
+            _morvix_kit
+            printf '%s\n' "${COMPREPLY[@]}" | sort
+        ) || return 1
+    done
+    diff <(grep -oE '^\.It Fl -[a-z-]+' "$repo/planner/morvix-kit.1" | sed 's/.*Fl -/--/' | sort) \
+        <({ options_of plan; options_of explain; options_of diff; printf '%s\n' --version; } | sort -u)
+}
+promise "man page and completions have the options of the help, and no others" man_and_completions_agree
+
+# --- exit codes ------------------------------------------------------------------------------------------------------
+wrong_usage_is_two() {
+    ends_with 2 && says COMMAND\|subcommand && ends_with 2 frobnicate kit && ends_with 2 plan kit && says MACHINE &&
+        ends_with 2 plan nokit PC7.reg && says 'nokit: no such folder' &&
+        ends_with 2 plan fleet PC7.reg && says 'Morvix.ini' &&
+        ends_with 2 plan kit PC7.reg --system Win95 && says 'Win732E' &&
+        ends_with 2 plan kit PC7.reg --family 'Windows XP' && says 'Windows Vista' &&
+        ends_with 2 plan kit PC7.reg --reader other && says 'windows, wine' &&
+        ends_with 2 plan kit PC7.reg --map 'D:' && says FOLDER=DIR &&
+        ends_with 2 plan kit PC7.reg --map 'D:\=nowhere' && says 'not a folder' &&
+        ends_with 2 plan kit PC7.reg --json --trace && says 'exclude' &&
+        ends_with 2 explain kit PC7.reg VEN_5D1A && says 'more than one device' &&
+        ends_with 2 explain kit PC7.reg FFFF && says 'no such device' &&
+        ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written'
+}
+promise "wrong usage ends with 2 and one line that says what and how" wrong_usage_is_two
+driver_is_required() {
+    ends_with 0 plan kit fleet && ends_with 1 plan kit fleet --require-driver && ends_with 0 plan kit PC7.reg --require-driver
+}
+promise "plan --require-driver ends with 1 when a served device gets no driver" driver_is_required
+diff_ends_with_one() {
+    cp -r -- kit less && rm -- less/Drv/Win7x64/ngea62x64.inf && ends_with 0 diff kit kit fleet &&
+        ends_with 1 diff kit less fleet && grep -q '^  lost ' out && ends_with 0 diff less kit fleet && grep -q '^  gained ' out
+}
+promise "diff ends with 1 when a machine would lose a driver" diff_ends_with_one
+
+# --- outputs ---------------------------------------------------------------------------------------------------------
+json_follows_the_schema() {
+    ends_with 0 plan kit PC7.reg fleet --json && valid_json out && follows morvix-plan-1.json out &&
+        ends_with 0 plan kit PC7.reg fleet --ndjson && [[ $(wc -l <out) == 4 ]] && follows morvix-plan-1.json out &&
+        ends_with 1 diff kit less fleet --json && follows morvix-diff-1.json out
+}
+promise "JSON follows its schemas, each line of NDJSON too" json_follows_the_schema
+order_is_that_of_the_input() {
+    local number
+    mkdir -p many
+    for number in $(seq 100 299); do cp -- fleet/A.reg "many/$number.reg"; done
+    ends_with 0 plan kit many --ndjson && diff <(jq -r '.machines[].name' out) <(seq 100 299)
+}
+promise "many machines are answered in the order of the input" order_is_that_of_the_input
+output_goes_to_a_file() {
+    ends_with 0 plan kit PC7.reg && cp out expected && ends_with 0 plan kit PC7.reg --output file && [[ ! -s out ]] && cmp expected file
+}
+promise "--output writes the same to a file" output_goes_to_a_file
+# on_terminal ARGUMENT...: what the program prints on a terminal.
+on_terminal() { TERM=xterm script -qec "$(printf '%q ' "$program" "$@")" /dev/null </dev/null; }
+colours_are_for_terminals() {
+    ends_with 0 plan kit PC7.reg && ! grep -q $'\e' out && on_terminal plan kit PC7.reg | grep -q $'\e\[' &&
+        ! NO_COLOR=1 on_terminal plan kit PC7.reg | grep -q $'\e\[' &&
+        ! on_terminal plan kit PC7.reg --output file | grep -q $'\e\['
+}
+promise "colours are for terminals, and NO_COLOR turns them off" colours_are_for_terminals
+progress_is_for_terminals() {
+    ends_with 0 plan kit many && [[ ! -s err ]] && on_terminal plan kit many --output file | grep -q '200 of 200 machines\|of 200 machines' &&
+        ! on_terminal plan kit many --output file --quiet | grep -q 'of 200 machines'
+}
+promise "progress is shown on a terminal only, and not when quiet" progress_is_for_terminals
+standard_input_is_a_machine() {
+    status=0
+    run_limited 60 "$program" plan kit - --system Win832E <PC7.reg >out 2>err || status=$?
+    [[ $status == 0 ]] && grep -q ngea63x64.inf out
+}
+promise "a machine can come from standard input" standard_input_is_a_machine
+trace_is_the_device_pass() {
+    ends_with 0 plan kit PC7.reg --trace && [[ $(head -n 1 out) == 'Morvix: ************ enumerating registry for devices...' ]] &&
+        [[ $(tail -n 1 out) == 'Morvix: ************ finished enumerating registry for devices' ]]
+}
+promise "--trace is the device pass from its first to its last line" trace_is_the_device_pass
+
+# --- bad input -------------------------------------------------------------------------------------------------------
+broken_machines_are_named() {
+    mkdir -p broken
+    cp -- many/1*.reg broken/
+    head -c 400 PC7.reg >broken/cut.reg
+    printf 'hello\n' >broken/none.reg
+    : >broken/empty.reg
+    ends_with 3 plan kit broken --ndjson || return 1
+    [[ $(wc -l <out) == 103 ]] && follows morvix-plan-1.json out || return 1
+    local name
+    for name in cut none empty; do
+        grep -q "^morvix-kit: broken/$name.reg" err || { printf 'nothing about %s: %s\n' "$name" "$(cat err)"; return 1; }
+    done
+    [[ $(jq -r 'select(.machines[].outcome == "ok") | 1' out | wc -l) == 100 ]]
+}
+promise "three broken machines among many are named on standard error, the others answered, exit code 3" broken_machines_are_named
+missing_machines_are_named() { ends_with 3 plan kit nothing.reg PC7.reg && grep -q 'nothing.reg' err && grep -q ngea63x64.inf out; }
+promise "a machine that is not there is named, the others answered" missing_machines_are_named
+control_characters_stay_out() {
+    write_export hostile.reg 6.2 WinNT $'VEN_5D1A&DEV_1\e]0;owned\a\e[2J&REV_01'
+    local format
+    for format in '' --json --ndjson --trace; do
+        # shellcheck disable=SC2086
+        run_kit plan kit hostile.reg $format
+        ! LC_ALL=C grep -qP '[\x00-\x09\x0b-\x1f\x7f]' out err || { cat -v out; return 1; }
+        grep -q 'owned' out || return 1
+    done
+    run_kit explain kit hostile.reg owned
+    ! LC_ALL=C grep -qP '[\x00-\x09\x0b-\x1f\x7f]' out err
+}
+promise "control characters of names are escaped in every output" control_characters_stay_out
+read_only_kit_is_planned() {
+    cp -r -- kit readonly && chmod -R a-w readonly && ends_with 0 plan readonly PC7.reg && chmod -R u+w readonly
+}
+promise "a kit in a read-only folder is planned" read_only_kit_is_planned
+unknown_folder_is_named() {
+    cp -r -- kit far && sed -i 's/^InfDir=Drv.Win8x64/InfDir=E:\\Drivers/' far/Morvix.ini && mkdir -p drivers &&
+        cp -- kit/Drv/Win8x64/*.inf drivers/ && ends_with 0 plan far PC7.reg && says "--map 'E:.=DIR'" &&
+        ends_with 0 plan far PC7.reg --map 'E:\Drivers=drivers' --require-driver && [[ ! -s err ]]
+}
+promise "a folder of the machine that is not known here is named with the option that helps" unknown_folder_is_named
+full_disk_is_said() { [[ ! -e /dev/full ]] || { ends_with 2 plan kit PC7.reg --output /dev/full && says 'cannot be written'; }; }
+promise "output that cannot be written is said, exit code 2" full_disk_is_said
+
+end_promises
