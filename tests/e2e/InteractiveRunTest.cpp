@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(EachOutcome, Ending,
                                          EndingRow{"RefusedDriver", true, "InstallStatus1", "0xE0000207", 24},
                                          EndingRow{"NoDriverInstallInterface", true, "DriverInstallFactoryStatus",
                                                    "0x80004005", 24}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(InteractiveRun, IgnoresTheRestartOptions)
 {

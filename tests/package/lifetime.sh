@@ -111,7 +111,7 @@ remove "$kit_package" "UPGRADINGPRODUCTCODE={$(product_code 99.0.0)}"
 promise "a removal for the next version does not run the uninstaller" uninstaller_never_ran
 promise "a removal for the next version leaves no folder" no_program_folder
 install "$kit_package"
-promise "the uninstaller is available when the package is installed once more" uninstaller_never_ran
+promise "the uninstaller does not run when the package is installed once more" uninstaller_never_ran
 
 remove "$kit_package"
 promise "a removal ends with 0" ends_with 0
