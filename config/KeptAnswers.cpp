@@ -132,7 +132,8 @@ std::shared_ptr<const ModelSection> KeptAnswers::ReadModelSection(const char* se
 FileMark KeptAnswers::MarkOf(const std::string& file)
 {
     std::optional<FileMark> mark;
-    if (const File* const kept = Find(file, &mark)) {
+    const File* const kept = Find(file, &mark);
+    if (kept != nullptr) {
         return {.opened = true, .read = true, .utf16 = kept->isUtf16};
     }
     // A file that could not be read a moment ago is not tried again.
