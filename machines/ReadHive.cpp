@@ -108,13 +108,16 @@ public:
         if (value == 0) {
             return std::nullopt;
         }
-        hive_type type = hive_t_REG_NONE;
+        // Not the library's enumeration: registries hold types beyond it.
+        uint32_t type = 0;
+        static_assert(sizeof(hive_type) == sizeof(type));
         std::size_t bytes = 0;
-        const UniqueMemory<char> data(hivex_value_value(m_hive.get(), value, &type, &bytes));
+        const UniqueMemory<char> data(
+            hivex_value_value(m_hive.get(), value, reinterpret_cast<hive_type*>(&type), &bytes));
         if (!data) {
             return std::nullopt;
         }
-        return StoredValue{.type = static_cast<uint32_t>(type), .bytes = std::string(data.get(), bytes), .wide = true};
+        return StoredValue{.type = type, .bytes = std::string(data.get(), bytes), .wide = true};
     }
 
 private:

@@ -63,7 +63,7 @@ HiveKey SystemKeys()
     set.At(R"(Control\Windows)").Number("CSDVersion", 0x100);
     set.At("Enum\\PCI\\" + kCardName + "\\3&1").List("CompatibleIDs", std::string("PCI\\VEN_5D1A&CC_020000\0\0", 24));
     set.At("Enum\\PCI\\" + kCardName + "\\3&0").Number("ConfigFlags", 1);
-    set.At(R"(Enum\PCI\ven_2)");
+    set.At(R"(Enum\PCI\ven_6)");
     return root;
 }
 
@@ -86,7 +86,7 @@ TEST(Hive, IsReadInItsCurrentControlSet)
     EXPECT_EQ("ControlSet002", machine.controlSet);
     ASSERT_TRUE(machine.devices && machine.devices->size() == 2);
     EXPECT_EQ(kCardName, machine.devices->front().name);
-    EXPECT_EQ("ven_2", machine.devices->back().name);
+    EXPECT_EQ("ven_6", machine.devices->back().name);
     ASSERT_EQ(2U, machine.devices->front().instances.size());
     EXPECT_EQ("3&0", machine.devices->front().instances.front().name);
     EXPECT_EQ((EightBitValue{7, std::string("PCI\\VEN_5D1A&CC_020000\0\0", 24)}),
@@ -158,7 +158,7 @@ TEST(Hive, ThatIsDamagedIsRefusedWithOneLine)
     EXPECT_EQ("SYSTEM: a hive of an unknown version" + again, folder.RemarksOn(patched(20, 2)));
     EXPECT_EQ("SYSTEM: a hive of an unknown version" + again, folder.RemarksOn(patched(24, 7)));
     EXPECT_EQ("SYSTEM: the hive's header is damaged" + again, folder.RemarksOn(patched(39, 1)));
-    EXPECT_EQ("SYSTEM: the hive's header is damaged" + again, folder.RemarksOn(patched(40, 1)));
+    EXPECT_EQ("SYSTEM: the hive's header is damaged" + again, folder.RemarksOn(patched(41, 8)));
     EXPECT_EQ("SYSTEM: the hive is damaged at byte 4096" + again, folder.RemarksOn(patched(4096, 'x')));
     EXPECT_EQ("SYSTEM: the hive is damaged at byte 4096" + again, folder.RemarksOn(patched(4100, 1)));
     EXPECT_EQ("SYSTEM: the hive is damaged at byte 4096" + again, folder.RemarksOn(patched(4104, 1)));
