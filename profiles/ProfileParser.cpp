@@ -1,6 +1,7 @@
 #include "ProfileParser.h"
 
 #include <algorithm>
+#include <numeric>
 #include <string_view>
 
 namespace {
@@ -62,6 +63,13 @@ void ProfileParser::DecodeFile()
         return;
     }
     const std::string_view file = m_profile.m_text;
+    if (!utf8 && m_profile.m_codePage->IsSingleByte()) {
+        m_units.resize(file.size());
+        std::ranges::transform(file, m_units.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
+        m_offsets.resize(file.size() + 1);
+        std::iota(m_offsets.begin(), m_offsets.end(), 0U);
+        return;
+    }
     std::size_t at = utf8 ? kUtf8Mark.size() : 0;
     while (at < file.size()) {
         const std::size_t before = m_units.size();

@@ -130,11 +130,11 @@ private:
 
     void AskInSizes(ProfileQuestion question)
     {
-        std::vector<char> room(40000);
+        m_room.resize(40000);
         const bool whole = question.call == ProfileQuestion::Call::Section;
-        const uint32_t count = whole ? m_profile.ReadSection(CString(question.section), room)
+        const uint32_t count = whole ? m_profile.ReadSection(CString(question.section), m_room)
                                      : m_profile.ReadString(CString(question.section), CString(question.key),
-                                                            CString(question.defaultText), room);
+                                                            CString(question.defaultText), m_room);
         const uint32_t program = m_choices.OneOf(kProgramBufferBytes);
         const auto tiny = static_cast<uint32_t>(m_choices.Below(12));
         const auto fitting = count + static_cast<uint32_t>(m_choices.Below(5));
@@ -149,6 +149,7 @@ private:
     std::vector<std::string> m_names;
     CodePage m_codePage;
     Profile m_profile;
+    std::vector<char> m_room;
     std::vector<ProfileQuestion> m_questions;
 };
 
