@@ -8,6 +8,7 @@
 
 #include "CallCount.h"
 #include "DebugOutput.h"
+#include "DriverInstallRecord.h"
 #include "Handles.h"
 #include "ImportOverride.h"
 #include "InfDirectory.h"
@@ -389,13 +390,17 @@ TEST_F(Reuse, SectionThatTheFileDoesNotHaveLeavesTheSameInTheBuffer)
 namespace {
 BOOL WINAPI DescribeLink(LPCSTR /*name*/, GET_FILEEX_INFO_LEVELS /*level*/, LPVOID attributes)
 {
-    *static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(attributes) = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT};
+    WIN32_FILE_ATTRIBUTE_DATA link{};
+    link.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
+    *static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(attributes) = link;
     return TRUE;
 }
 
 HANDLE WINAPI FindLink(LPCSTR /*pattern*/, WIN32_FIND_DATAA* entry)
 {
-    *entry = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT, .cFileName = "link.inf"};
+    *entry = {};
+    entry->dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
+    std::ranges::copy(std::string_view("link.inf"), entry->cFileName);
     return reinterpret_cast<HANDLE>(UINT_PTR{4});
 }
 } // namespace

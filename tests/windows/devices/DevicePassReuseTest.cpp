@@ -39,8 +39,8 @@ TEST_F(DevicePass, NumberOfProfileReadsDependsOnNeitherDevicesNorPasses)
     const std::string ini = kit.Directory().At("Morvix.ini");
     WriteFileBytes(ini, "[Config]\r\nLevelsToRoot=0\r\n" + ReadFileBytes(ini));
     const uint64_t onePassOfOneDevice = ProfileReads([&] {
-        PlatformKit kit;
-        KeptAnswers answers(kit);
+        PlatformKit platform;
+        KeptAnswers answers(platform);
         InstallerLog log;
         const KitSearch search =
             SearchOfThisRun(answers, log, COSVersion().GetOSCode(), std::string(kFamilyWindowsVista));

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "DeviceFixtures.h"
+#include "DriverUpdate.h"
 #include "HardwareScan.h"
 
 namespace {
