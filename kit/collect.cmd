@@ -13,7 +13,9 @@ reg query HKLM\SOFTWARE /reg:64 >nul 2>nul
 if not errorlevel 1 set "view=/reg:64"
 :known
 set "ccs=HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet"
-if exist "%out%" del "%out%"
+rem The first of the joined parts; each of them begins with a header of its own.
+>"%out%" echo REGEDIT4
+if not exist "%out%" goto nothing
 call :key "%ccs%\Enum\PCI"
 call :key "%ccs%\Control\ProductOptions"
 call :key "%ccs%\Control\Class\{4D36E97B-E325-11CE-BFC1-08002BE10318}"
@@ -28,7 +30,6 @@ set "names=CurrentVersion CurrentMajorVersionNumber CurrentMinorVersionNumber Cu
 call :values "HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion" "%names% ProductName InstallationType"
 call :values "HKEY_LOCAL_MACHINE\SOFTWARE\Norda\Network_Services\TERN" OEMVersion
 call :join
-if not exist "%out%" goto nothing
 echo Written: %out%
 exit /b 0
 
@@ -45,8 +46,7 @@ goto :eof
 
 :join
 if not exist "%part%" goto :eof
-if exist "%out%" copy /b "%out%"+"%part%" "%out%" >nul
-if not exist "%out%" copy /b "%part%" "%out%" >nul
+copy /b "%out%"+"%part%" "%out%" >nul
 del "%part%"
 goto :eof
 
