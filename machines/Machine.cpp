@@ -1,8 +1,8 @@
 #include "Machine.h"
 
 #include "Printable.h"
+#include "ServedFamilies.h"
 #include "StoredText.h"
-#include "SystemFamilies.h"
 
 std::string TextOf(const Diagnostic& diagnostic)
 {
@@ -38,7 +38,7 @@ std::optional<uint32_t> NumberIn(const EightBitValue& value)
 const PciDevices& DevicesForFamily(const Machine& machine, std::string_view family)
 {
     static const PciDevices kNone;
-    const std::optional<SystemFamily> row = FindSystemFamily(family);
+    const std::optional<ServedFamily> row = FindServedFamily(family);
     if (!row) {
         return kNone;
     }
