@@ -1,8 +1,8 @@
 #include "Machine.h"
 
 #include "Printable.h"
-#include "StoredText.h"
 #include "ServedFamilies.h"
+#include "StoredText.h"
 
 std::string TextOf(const Diagnostic& diagnostic)
 {

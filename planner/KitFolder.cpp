@@ -58,7 +58,9 @@ KitFile::KitFile(std::filesystem::path here, std::optional<std::string> bytes, F
 }
 
 KitFolder::KitFolder(Place place, ProfileDialect dialect)
-    : m_place(std::move(place)), m_paths(m_place.folder, m_place.setupDir, m_place.maps), m_dialect(dialect),
+    : m_place(std::move(place)),
+      m_paths(m_place.folder, m_place.setupDir, m_place.maps),
+      m_dialect(dialect),
       m_hadSetupIni(HasSetupIni())
 {
 }

@@ -83,7 +83,8 @@ public:
     /// @return the names that a search for "*.inf" finds there; null when there is no such folder.
     const std::vector<InfEntry>* InfsIn(const std::string& directoryPath);
 
-    /// @return what could not be read or found so far, in the order of the names. A kit that has vanished since is an error.
+    /// @return what could not be read or found so far, in the order of the names. A kit that has vanished since is an
+    /// error.
     [[nodiscard]] std::vector<Diagnostic> Remarks() const;
 
 private:

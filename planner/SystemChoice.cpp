@@ -7,7 +7,7 @@
 
 namespace {
 /// The versions, products and processors of all systems that have a section: a section's own facts are found by trying.
-constexpr std::array kVersions = std::to_array<SystemVersion>({{5, 1, 0}, {5, 2, 0}, {6, 0, 0}, {6, 1, 0}, {6, 2, 0}});
+constexpr std::array kVersions = std::to_array<VersionNumbers>({{5, 1, 0}, {5, 2, 0}, {6, 0, 0}, {6, 1, 0}, {6, 2, 0}});
 constexpr std::array<uint8_t, 2> kProducts{kProductWorkstation, kProductServer};
 constexpr std::array<uint16_t, 3> kProcessors{kArchitectureX64, 0, kArchitectureIA64};
 
@@ -19,7 +19,7 @@ Fact<T> Assumed(T value)
 
 std::optional<SystemView> ViewOfSection(const std::string& section)
 {
-    for (const SystemVersion& version : kVersions) {
+    for (const VersionNumbers& version : kVersions) {
         for (const uint8_t product : kProducts) {
             for (const uint16_t processor : kProcessors) {
                 SystemDescription system;

@@ -59,7 +59,7 @@ Machine MachineWith(const std::vector<std::pair<std::string, std::vector<std::st
     Machine machine;
     machine.name = "PC7";
     machine.source = "PC7.reg";
-    machine.system.version = {.value = SystemVersion{6, 2, 9200}, .from = "test"};
+    machine.system.version = {.value = VersionNumbers{6, 2, 9200}, .from = "test"};
     machine.system.platform = {.value = kPlatformNT, .from = "test"};
     machine.system.servicePack = {.value = uint16_t{0}, .from = "test"};
     machine.system.productType = {.value = kProductWorkstation, .from = "test"};

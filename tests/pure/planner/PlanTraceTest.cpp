@@ -85,7 +85,7 @@ std::string TraceWithSampleKit(const std::vector<std::string>& cards)
     KitFolder kit({.folder = std::string(MORVIX_SOURCE_FOLDER) + "/kit", .setupDir = kSetupDir, .maps = {}},
                   ProfileDialect::Wine);
     Machine machine = MachineWithCards(cards);
-    machine.system.version.value = SystemVersion{6, 1, 7601};
+    machine.system.version.value = VersionNumbers{6, 1, 7601};
     std::string trace;
     const MachinePlan plan = Planner(kit, {}).Plan(machine, &trace);
     EXPECT_EQ("Win732E", plan.system.section);

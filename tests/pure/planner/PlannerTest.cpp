@@ -238,7 +238,8 @@ TEST_F(PlannerTest, ARefusedMachineIsUnreadable)
     m_folder.Write("Morvix.ini", SetupIni());
     Machine machine;
     machine.refused = true;
-    machine.diagnostics.push_back({.severity = Severity::Error, .source = "x", .what = "is no export"});
+    machine.diagnostics.push_back(
+        {.severity = Severity::Error, .source = "x", .line = 0, .what = "is no export", .cure = {}});
     EXPECT_EQ(MachineOutcome::Unreadable, Plan(machine).outcome);
     EXPECT_EQ("is no export", Plan(machine).problem);
 }
@@ -278,7 +279,7 @@ TEST_F(PlannerTest, MachinesOfOneSystemShareASearchAndOthersDoNot)
     Machine machine = MachineWithCards({kCard});
     const auto first = planner.Plan(machine).devices[0].search;
     EXPECT_EQ(first, planner.Plan(machine).devices[0].search);
-    machine.system.version.value = SystemVersion{6, 1, 7601};
+    machine.system.version.value = VersionNumbers{6, 1, 7601};
     const auto other = planner.Plan(machine).devices[0].search;
     EXPECT_NE(first, other);
     EXPECT_FALSE(other->match);
