@@ -58,5 +58,5 @@ public:
 /// @param deviceKeyName  Key name below the PCI key, such as VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03.
 /// @param osFamily       The record's family name.
 /// @param devices        Asked only where the instance counts.
-[[nodiscard]] Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily, DeviceInstances& devices,
-                                      SearchLog& log);
+[[nodiscard]] Acceptance AcceptDevice(const std::string& deviceKeyName, std::string_view osFamily,
+                                      DeviceInstances& devices, SearchLog& log);

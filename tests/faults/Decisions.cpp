@@ -330,7 +330,8 @@ bool MayStay(const std::string& line, const Outcome& clean)
 {
     constexpr std::array kByDesign = std::to_array<std::string_view>(
         {R"(search <KIT>\Inf\*.inf)", "COM COM", "library srclient.dll", "library cfgmgr32.dll",
-         R"(library <KIT>\NetInst.dll)", R"(library <SYSTEM>\setupapi.dll)", R"(library <SYSTEM>\comctl32.dll)", R"(library <KIT>\MorvixRes.dll)"});
+         R"(library <KIT>\NetInst.dll)", R"(library <SYSTEM>\setupapi.dll)", R"(library <SYSTEM>\comctl32.dll)",
+         R"(library <KIT>\MorvixRes.dll)"});
     constexpr std::string_view kOpen = "still open: ";
     return !line.starts_with(kOpen) || std::ranges::find(kByDesign, line.substr(kOpen.size())) != kByDesign.end() ||
            std::ranges::find(clean.lines, line) != clean.lines.end();

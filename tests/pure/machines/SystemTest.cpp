@@ -209,7 +209,8 @@ TEST(RestartFacts, HaveTheFirstInitiatorAmongTheStorageControllers)
 {
     const auto restart = [](const std::string& text) { return Read(text).restart; };
     const std::string dump = Value("DumpMiniPort", "iSCSDump.sys");
-    const RestartDescription facts = restart(Controller("0001", R"(ROOT\\iscsiprt)", dump) + Controller("0000", "other", ""));
+    const RestartDescription facts =
+        restart(Controller("0001", R"(ROOT\\iscsiprt)", dump) + Controller("0000", "other", ""));
     EXPECT_TRUE(*facts.iscsiInitiatorPresent);
     EXPECT_TRUE(*facts.iscsiCrashDumpEnabled);
     EXPECT_EQ("storage controller 0001 is the iSCSI initiator", facts.iscsiInitiatorPresent.from);

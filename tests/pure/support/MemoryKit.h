@@ -168,7 +168,7 @@ public:
     std::vector<std::string> directories; ///< their source directories
     std::vector<JudgedInf> judged;
     std::vector<SearchStep> steps;
-    std::vector<std::string> passes;       ///< "2 ID"
+    std::vector<std::string> passes; ///< "2 ID"
 
     void SayPieces(std::span<const std::string_view> pieces) override
     {

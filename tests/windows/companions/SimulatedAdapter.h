@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-/// An adapter that the system sees: a device key with its IDs, and no driver yet. The destructor removes everything that
-/// an installation adds for it: class key, service, driver file and the stored copy of the INF.
+/// An adapter that the system sees: a device key with its IDs, and no driver yet. The destructor removes everything
+/// that an installation adds for it: class key, service, driver file and the stored copy of the INF.
 class SimulatedAdapter
 {
 public:

@@ -9,8 +9,8 @@
 #include "ImportOverride.h"
 #include "ScratchDirectory.h"
 
-/// Replaces system libraries that a module loads by their full path with doubles, for the life of the object. One object
-/// at a time.
+/// Replaces system libraries that a module loads by their full path with doubles, for the life of the object. One
+/// object at a time.
 class SystemLibraryDoubles
 {
 public:
