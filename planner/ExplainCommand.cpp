@@ -11,8 +11,8 @@ std::string ProblemOf(const MachinePlan& plan)
 }
 
 /// @param problem  Receives why there is nothing to print.
-std::string TextFor(const ExplainCommand& command, Planner& planner, const Machine& machine, const MachinePlan& plan,
-                    const TextStyle& style, std::string& problem)
+std::string TextFor(const ExplainCommand& command, const Planner& planner, const Machine& machine,
+                    const MachinePlan& plan, const TextStyle& style, std::string& problem)
 {
     const std::optional<FoundDevice> device = FindDevice(plan, command.device, problem);
     if (!device) {
