@@ -177,7 +177,7 @@ protected:
 
     void WaitUntilItEnds(const ProgramRun& run)
     {
-        run.WaitForTrace("Entering EndRestorePoint");
+        run->WaitForTrace("Entering EndRestorePoint");
         while (Folder().JournalLines("SRSetRestorePointW event=103").empty() && run.StillRuns()) {
             Sleep(20);
         }
@@ -262,7 +262,7 @@ TEST_P(SlowRestorePointBeforeTheRestart, IsEndedWhileSentMessagesAreAnswered)
     EXPECT_TRUE(StaysWithoutARestart(*run));
     EXPECT_TRUE(AnswersSentMessages(window));
     LetItEnd();
-    run.WaitForTrace("Entering - RestartMachine");
+    run->WaitForTrace("Entering - RestartMachine");
 
     EXPECT_THAT(run->SoFar().Between("Entering EndRestorePoint", "Entering - RestartMachine"),
                 IsSupersetOf({"Exiting EndRestorePoint", "Exit -> InstallDrivers()\n"}));
