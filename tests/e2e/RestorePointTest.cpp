@@ -177,7 +177,7 @@ protected:
 
     void WaitUntilItEnds(const ProgramRun& run)
     {
-        run->WaitForTrace("Entering EndRestorePoint");
+        run.WaitForTrace("Entering EndRestorePoint");
         while (Folder().JournalLines("SRSetRestorePointW event=103").empty() && run.StillRuns()) {
             Sleep(20);
         }
