@@ -19,7 +19,7 @@ constexpr char kUnknown[] = "VEN_5D1A&DEV_9999&SUBSYS_00011A2B&REV_03";
 constexpr char kWithoutRevision[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2C";
 
 /// A machine whose devices are all Ethernet adapters.
-class Adapters final : public PciDevices
+class Adapters final : public DeviceInstances
 {
 public:
     [[nodiscard]] FirstInstance FirstInstanceOf(const std::string& /*devicePath*/) override
