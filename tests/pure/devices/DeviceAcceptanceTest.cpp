@@ -12,7 +12,7 @@ namespace {
 constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
 
 /// A machine of one device.
-class OneDevice final : public PciDevices
+class OneDevice final : public DeviceInstances
 {
 public:
     FirstInstance instance;
