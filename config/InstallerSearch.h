@@ -30,6 +30,7 @@ public:
         : m_search(SearchOfThisRun(m_kit, m_log, system, std::move(family)))
     {
     }
+    ~InstallerSearch() = default;
     InstallerSearch(const InstallerSearch&) = delete;
     InstallerSearch& operator=(const InstallerSearch&) = delete;
 

@@ -20,6 +20,7 @@ public:
     /// @param source  Asked for what is not known; outlives this object. Nothing is kept of a file that it has no stamp
     ///                for or whose mark it cannot read: such a file may become readable without changing.
     explicit KeptAnswers(KitSource& source) : m_source(source) {}
+    ~KeptAnswers() override = default;
     KeptAnswers(const KeptAnswers&) = delete;
     KeptAnswers& operator=(const KeptAnswers&) = delete;
 

@@ -7,16 +7,21 @@
 #include "Handles.h"
 #include "SystemLibrary.h"
 
-/// The platform's set-up functions. Windows XP and Server 2003 do not know their library as one of the system's own: if
-/// this library imported it, a file of that name in the program's folder would be loaded instead.
-/// The functions may be called only while the object lives, and only when none is missing.
-class SetupApi
+/// The library of the platform's set-up functions. Windows XP and Server 2003 do not know it as one of the system's
+/// own: if this library imported it, a file of that name in the program's folder would be loaded instead.
+class SetupLibrary
 {
-private:
-    // Declared first: the functions below are looked up in the library, and note which of them it lacks.
-    const UniqueLibrary m_library = LoadSystemLibrary("setupapi.dll");
-    uint32_t m_error = m_library ? ERROR_SUCCESS : FailureReason();
+public:
+    SetupLibrary() noexcept = default;
+    ~SetupLibrary() = default;
+    SetupLibrary(const SetupLibrary&) = delete;
+    SetupLibrary& operator=(const SetupLibrary&) = delete;
 
+    /// @return 0, or why the library or one of the functions is missing.
+    [[nodiscard]] uint32_t Error() const noexcept { return m_error; }
+
+protected:
+    /// Looks a function up, and notes that the library lacks it.
     template <class Fn>
     [[nodiscard]] Fn Find(const char* name) noexcept
     {
@@ -27,14 +32,15 @@ private:
         return entry;
     }
 
+private:
+    const UniqueLibrary m_library = LoadSystemLibrary("setupapi.dll");
+    uint32_t m_error = m_library ? ERROR_SUCCESS : FailureReason();
+};
+
+/// The platform's set-up functions. They may be called only while the object lives, and only when none is missing.
+class SetupApi : public SetupLibrary
+{
 public:
-    SetupApi() noexcept = default;
-    SetupApi(const SetupApi&) = delete;
-    SetupApi& operator=(const SetupApi&) = delete;
-
-    /// @return 0, or why the library or one of the functions is missing.
-    [[nodiscard]] uint32_t Error() const noexcept { return m_error; }
-
     // Devices.
     const SetupDiGetClassDevsFn getClassDevs = Find<SetupDiGetClassDevsFn>("SetupDiGetClassDevsA");
     const SetupDiDestroyDeviceInfoListFn destroyDeviceInfoList =

@@ -28,6 +28,6 @@ std::size_t CharacterRule::FirstCharacterBytes(std::string_view text) const
         return m_isLeadByte(first) && text.size() > 1 ? 2 : 1;
     }
     const std::string_view character = text.substr(0, Utf8BytesFrom(first));
-    const auto end = std::find_if_not(character.begin() + 1, character.end(), ContinuesUtf8);
-    return static_cast<std::size_t>(end - character.begin());
+    return static_cast<std::size_t>(std::find_if_not(character.begin() + 1, character.end(), ContinuesUtf8) -
+                                    character.begin());
 }
