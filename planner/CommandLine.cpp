@@ -70,7 +70,7 @@ public:
     Arguments()
     {
         m_app.formatter_fn([](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return HelpOf(app); });
-        m_app.description("Tells what Morvix would do on a machine with a kit, without touching the machine.");
+        m_app.description("Tells what Morvix would do on a machine with a kit, without touching it.");
         m_app.footer("COMMAND [options] ...");
         m_app.set_help_flag("--help", "this help; morvix-kit COMMAND --help for a command");
         m_app.set_version_flag("--version", std::string("morvix-kit ") + MORVIX_VERSION_TEXT, "the version");

@@ -15,7 +15,6 @@ source "$tests/planner/lib/exports.sh"
 program=${MORVIX_KIT:-$host_build/planner/morvix-kit}
 [[ -x $program ]] || fail "there is no $program: run scripts/build host first"
 export ASAN_OPTIONS=detect_leaks=0
-blocks=$build_dir/docs/planning
 work=$build_dir/docs/planning-work
 
 # A folder as the stories expect it.
@@ -40,6 +39,7 @@ run_block() {
 try_document() {
     local name number line language words ran='' wanted
     name=$(basename -- "$1")
+    blocks=$build_dir/docs/planning-${name%.md}
     prepare
     extract_blocks "$1" "$blocks"
     while IFS=$'\t' read -r number line language words; do

@@ -144,22 +144,23 @@ output_goes_to_a_file() {
     ends_with 0 plan kit PC7.reg && cp out expected && ends_with 0 plan kit PC7.reg --output file && [[ ! -s out ]] && cmp expected file
 }
 promise "--output writes the same to a file" output_goes_to_a_file
-# on_terminal ARGUMENT...: what the program prints on a terminal.
-on_terminal() { TERM=xterm script -qec "$(printf '%q ' "$program" "$@")" /dev/null </dev/null; }
+# on_terminal ARGUMENT...: leaves in ./screen what the program prints on a terminal.
+on_terminal() { TERM=xterm run_limited 120 script -qec "$(printf '%q ' "$program" "$@")" screen >/dev/null </dev/null; }
 colours_are_for_terminals() {
-    ends_with 0 plan kit PC7.reg && ! grep -q $'\e' out && on_terminal plan kit PC7.reg | grep -q $'\e\[' &&
-        ! NO_COLOR=1 on_terminal plan kit PC7.reg | grep -q $'\e\[' &&
-        ! on_terminal plan kit PC7.reg --output file | grep -q $'\e\['
+    ends_with 0 plan kit PC7.reg && ! grep -q $'\e' out && on_terminal plan kit PC7.reg && grep -q $'\e\[' screen &&
+        NO_COLOR=1 on_terminal plan kit PC7.reg && ! grep -q $'\e\[' screen &&
+        on_terminal plan kit PC7.reg --output file && ! grep -q $'\e\[' file
 }
 promise "colours are for terminals, and NO_COLOR turns them off" colours_are_for_terminals
 progress_is_for_terminals() {
-    ends_with 0 plan kit many && [[ ! -s err ]] && on_terminal plan kit many --output file | grep -q '200 of 200 machines\|of 200 machines' &&
-        ! on_terminal plan kit many --output file --quiet | grep -q 'of 200 machines'
+    ends_with 0 plan kit many && [[ ! -s err ]] && on_terminal plan kit many --output file && grep -q 'of 200 machines' screen &&
+        on_terminal plan kit many --output file --quiet && ! grep -q 'of 200 machines' screen
 }
 promise "progress is shown on a terminal only, and not when quiet" progress_is_for_terminals
 standard_input_is_a_machine() {
     status=0
-    run_limited 60 "$program" plan kit - --system Win832E <PC7.reg >out 2>err || status=$?
+    # A limited command runs beside the shell, which gives it no input.
+    run_limited 60 bash -c '"$1" plan kit - --system Win832E <PC7.reg' _ "$program" >out 2>err || status=$?
     [[ $status == 0 ]] && grep -q ngea63x64.inf out
 }
 promise "a machine can come from standard input" standard_input_is_a_machine
