@@ -111,7 +111,7 @@ texts_for_the_steps() {
 no_library_is_loaded_at_run_time() {
     local calls
     calls=$(x86_64-w64-mingw32-nm "$build_dir/windows/packaging/actions/libactions.a" | sed -n 's/.* U __imp_//p')
-    missing CreateProcessA "$calls" | complain 'the calls of the room cannot be seen, such as' &&
+    missing WaitForSingleObject "$calls" | complain 'the calls of the room cannot be seen, such as' &&
         sed -nE '/^(LoadLibrary|ShellExecute|WinExec|TerminateProcess)/p' <<<"$calls" | sort -u | complain 'call of'
 }
 
