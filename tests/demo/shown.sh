@@ -15,7 +15,7 @@ printed() { grep -q -- "$1" "$log"; }
 printed_times() { [[ $(grep -c -- "$2" "$log") == "$1" ]]; }
 not_empty() { [[ -s $1 ]]; }
 
-demonstrate() { run_limited 400 "$repo/scripts/demo" >"$log" 2>&1; }
+demonstrate() { run_limited 2000 "$repo/scripts/demo" >"$log" 2>&1; }
 
 promise "scripts/demo succeeds" demonstrate
 promise "scripts/demo shows three adapters, each with a driver and its version" printed_times 3 '^  driver .*\.sys version [0-9]'
