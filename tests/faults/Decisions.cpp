@@ -216,7 +216,6 @@ constexpr std::array kDecisions = std::to_array<Decision>({
     {"main RegSetValueExA(PendingFileRenameOperations) 1", "+pending uninstall",
      "Not able to remove TAVUnstl from MultiString"},
     {"main DestroyWindow() 1", "+open dialog", "", "silent-network-boot"},
-    {"main WaitForSingleObject(install thread) 1", R"(+open library <KIT>\MorvixRes.dll)"},
     {"main CreateMutexA(Morvix) 1", kNothing},
 
     // What the run cannot do without ends it before anything is installed.
