@@ -6,8 +6,6 @@
 packages=(
     # Windows programs: compiler, resource compiler, strip
     g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 mingw-w64-tools
-    # offline hives of machines
-    libhivex-dev
     # the build, and the pure suites with their sanitizers
     cmake ninja-build g++ googletest
     # the fuzz targets: compiler, sanitizers and fuzzer
