@@ -5,8 +5,8 @@
 set(ends_with_ctest setpriv --pdeathsig TERM)
 set(runners ${CMAKE_SOURCE_DIR}/scripts/lib)
 
-# Programs in Wine mostly wait for its server, and both are fastest on one processor: CTest hands out the processors of its
-# resource specification, several programs for each.
+# Programs in Wine mostly wait for its server, and both are fastest on one processor: CTest hands out the processors of a
+# list (scripts/lib/tests.sh), several programs for each.
 set(on_one_processor RESOURCE_GROUPS processors:1)
 
 # morvix_program_test(name LABEL label [WINDOWS | WINDOWS_WITHOUT_DISPLAY] [SHARDS count] [ENVIRONMENT variable=value...])

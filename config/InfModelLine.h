@@ -13,7 +13,7 @@ inline constexpr std::size_t kModelLineChars = 1999;
 
 struct ModelLine
 {
-    std::optional<std::string_view> descriptionKey; ///< text before the equals sign; no value when nothing stands there
+    std::optional<std::string_view> descriptionKey; ///< text before the equals sign; no value when it is empty
     std::optional<std::string_view> hardwareId;     ///< first hardware ID, normalised; no value when the line has none
 };
 

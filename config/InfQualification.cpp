@@ -8,7 +8,7 @@
 #include "Tokens.h"
 
 namespace {
-// Both spellings of the first brand stand in shipped INF files; no other spelling counts.
+// Both spellings of the first brand occur in shipped INF files; no other spelling counts.
 constexpr std::array<std::string_view, 3> kBrands{"Norda", "NORDA", "Lumarc"};
 
 struct SignatureRow

@@ -13,7 +13,7 @@
 /// @return the texts in order; they refer to `buffer`.
 [[nodiscard]] std::vector<std::string_view> LinesOf(std::span<const char> buffer);
 
-/// @return everything behind the last place where `marker` stands in `line` (letter case counts), or no value when it
+/// @return everything after the last `marker` in `line` (letter case counts), or no value when it
 ///         stands nowhere. The last place counts, so a line "InfDir=InfDir=x" gives "x".
 [[nodiscard]] std::optional<std::string_view> ValueBehindLast(std::string_view line, std::string_view marker);
 

@@ -8,10 +8,10 @@
 /// What the setup INI "Morvix.ini" says: which directories hold the INF files of a system, which INF files to leave
 /// out, and which model sections count. Nothing here fails: what is missing reads as empty.
 
-/// @return the full path of the setup INI of a program that lies in `setupDir`.
+/// @return the full path of the setup INI of a program in `setupDir`.
 [[nodiscard]] std::string SetupIniIn(const std::string& setupDir);
 
-/// @return the number of levels by which the base of relative directories lies above the program's directory, as it is
+/// @return the number of levels by which the base of relative directories is above the program's directory, as it is
 ///         in the file: "LevelsToRoot" of section "Config", 0 when missing or not a number.
 [[nodiscard]] int ReadLevelsToRoot(const KitSearch& search);
 

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] std::string_view HardwareId(std::size_t line) const { return TextAt(m_lines[line].id); }
 
 private:
-    // A kit has many lines: their texts lie in one string, and two bytes reach every place of the longest section.
+    // A kit has many lines: their texts are in one string, and two bytes reach every place of the longest section.
     struct Part
     {
         uint16_t start = 0;

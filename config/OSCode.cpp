@@ -95,7 +95,7 @@ OSCode DecideSix(const SystemFacts& facts)
 OSCode CorrectSixZero(OSCode told, const SystemFacts& facts, const LaterSystemVerifier& verifier)
 {
     if (verifier.IsSixOne()) {
-        // A workstation that is told 6.0 stays a 6.0 workstation, by design; only servers are corrected.
+        // A workstation to which 6.0 is reported stays a 6.0 workstation, by design; only servers are corrected.
         return IsWorkstationProduct(facts) ? told : ByProcessor(facts, osWIN2K8R232E, osWIN2K8R264, told);
     }
     if (verifier.IsSixTwoOrLater()) {

@@ -108,7 +108,7 @@ struct SystemFacts
     std::optional<uint16_t> architecture; ///< native processor: 6 IA-64, 9 x64; no value when the system cannot tell
 };
 
-/// The two questions about what lies behind a version of 6.0. They are asked only when their answer counts.
+/// The two questions about what a version of 6.0 really is. They are asked only when their answer counts.
 class LaterSystemVerifier
 {
 public:

@@ -12,9 +12,9 @@
 
 /// Makes a path without a colon absolute.
 /// @param path          Path as configured. A leading backslash means the drive of the base; a leading full stop means
-///                      the base itself, whatever follows; anything else lies below the base.
+///                      the base itself, whatever follows; anything else is below the base.
 /// @param setupDir      The program's directory, without a trailing backslash.
-/// @param levelsToRoot  How many levels the base lies above `setupDir`; 0 for a number outside 1 to 260. Levels that
+/// @param levelsToRoot  How many levels the base is above `setupDir`; 0 for a number outside 1 to 260. Levels that
 ///                      `setupDir` does not have are ignored.
 [[nodiscard]] std::string ResolveRelativePath(const std::string& path, const std::string& setupDir, int levelsToRoot,
                                               LeadByteTest isLeadByte);

@@ -11,12 +11,12 @@
 /// @return the full path of the setup INI.
 [[nodiscard]] std::string SetupIniPath();
 
-/// @return the number of levels by which the base of relative directories lies above the program's directory, as it
-///         stands in the file: "LevelsToRoot" of section "Config", 0 when missing or not a number.
+/// @return the number of levels by which the base of relative directories is above the program's directory, as it
+///         is written in the file: "LevelsToRoot" of section "Config", 0 when missing or not a number.
 [[nodiscard]] int GetLevelsToRootFromINI();
 
 /// Appends the directories of the "InfDir" lines, resolved to absolute paths with a backslash at the end, in file
-/// order. The section is read into 260 bytes and, if it was cut, once more into 520; what lies behind that is lost.
+/// order. The section is read into 260 bytes and, if it was cut, once more into 520; the rest is lost.
 /// @param section  The system's section key.
 void ReadInfDirsFromIni(const std::string& section, std::vector<std::string>& dirs);
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// Cuts a text into tokens, each time with delimiters of the caller's choice. Delimiters in front of a token are
-/// skipped, so no token is ever empty; the one delimiter behind a token is consumed with it.
+/// skipped, so no token is ever empty; the one delimiter after a token is consumed with it.
 class TokenCursor
 {
 public:

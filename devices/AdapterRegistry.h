@@ -12,7 +12,7 @@
 /// Reading of the registry as the device checks do it.
 
 /// @param path  Key path under HKEY_LOCAL_MACHINE.
-/// @return the open key, null when it cannot be had.
+/// @return the open key, null when it cannot be opened.
 [[nodiscard]] UniqueRegKey OpenMachineKey(const std::string& path, REGSAM access);
 
 /// @param key  Open for KEY_ENUMERATE_SUB_KEYS.
@@ -20,7 +20,7 @@
 [[nodiscard]] std::optional<std::string> FirstSubKey(HKEY key);
 
 /// Reads a value of any type and length.
-/// @return the stored bytes and at least five zero bytes behind them, so that a text or a list that lacks its
+/// @return the stored bytes and at least five zero bytes after them, so that a text or a list that lacks its
 ///         terminators ends there; no value when there is none.
 [[nodiscard]] std::optional<std::vector<char>> ReadValueBytes(HKEY key, const char* name);
 
@@ -34,7 +34,7 @@
 
 /// Opens the key that holds what the system knows about an adapter's driver.
 /// @param driverKey  Its name below the system's class key: class GUID, backslash, number.
-/// @return the key, open for reading; null when it cannot be had.
+/// @return the key, open for reading; null when it cannot be opened.
 [[nodiscard]] UniqueRegKey OpenDriverKey(const std::string& driverKey);
 
 /// Name of the value of a driver key that says under which network-configuration instance ID the network stack knows

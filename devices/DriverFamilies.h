@@ -9,7 +9,7 @@
 enum class DriverFilesFor61
 {
     LikeElsewhere, ///< they are the files of every other system
-    Named62,       ///< they are others, with "62" behind the prefix
+    Named62,       ///< they are others, with "62" after the prefix
 };
 
 /// A driver family: the INF names that belong to it, where its driver file is looked for, and what its result is

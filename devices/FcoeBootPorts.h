@@ -6,9 +6,9 @@
 
 /// Asks the FCoE library about every present network adapter. An adapter that cannot be asked, for whatever reason, is
 /// no FCoE boot port; on a machine without the library none is.
-/// @return true when the machine was booted over FCoE through some adapter or has its page file behind one.
+/// @return true when the machine was booted over FCoE through some adapter or has its page file on a disk behind one.
 [[nodiscard]] bool AreFCoEBootEnabledPortsPresent();
 
 /// The same for a list of adapters that is given.
-/// @param adapters  Destroyed by the call. INVALID_HANDLE_VALUE stands for a list that could not be had.
+/// @param adapters  Destroyed by the call. INVALID_HANDLE_VALUE when the list could not be read.
 [[nodiscard]] bool AreFCoEBootEnabledPortsAmong(HDEVINFO adapters);

@@ -24,7 +24,7 @@ enum class ResultVerdict
 {
     DriverFilePresent, ///< a success
     DriverFileMissing, ///< a failure
-    DriverRefused,     ///< a failure, whatever lies in the driver directory
+    DriverRefused,     ///< a failure, whatever is in the driver directory
 };
 
 /// @param infPath  The INF's full path in upper case.

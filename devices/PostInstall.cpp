@@ -92,7 +92,7 @@ void UpdateTavunstRegistry()
     const std::string target = directory + R"(\Morvix.din)";
     if (!directory.empty() &&
         CopyFileA((LocationInfo.setupDir + R"(\Morvix.din)").c_str(), target.c_str(), FALSE) != FALSE) {
-        // The kit may lie on a read-only medium; the copy must stay replaceable.
+        // The kit may be on a read-only medium; the copy must stay replaceable.
         SetFileAttributesA(target.c_str(), FILE_ATTRIBUTE_NORMAL);
         HKEY opened = nullptr;
         if (RegCreateKeyA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Tavunstl\Dins)", &opened) == ERROR_SUCCESS) {

@@ -38,7 +38,7 @@ struct PrivateAnswer
     uint32_t status = kStatusUnsuccessful;
     uint32_t bytesReturned = 0; ///< bytes copied to the caller's data
     uint32_t bytesNeeded = 0;   ///< the driver's data length when its status is not success, else 0
-    uint32_t error = 0;         ///< Win32 error that stands for the status, 0 for success
+    uint32_t error = 0;         ///< Win32 error that corresponds to the status, 0 for success
 };
 
 /// Takes an answered request apart. What the driver has written is copied to `data`, whatever the status says, but

@@ -7,7 +7,7 @@
 namespace {
 constexpr int32_t kNotFound = -1;
 
-// Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 lies after the end of every text.
+// Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 is after the end of every text.
 int32_t LastPosition(std::string_view text, std::string_view marker)
 {
     const std::size_t position = text.rfind(marker);
@@ -61,6 +61,6 @@ std::optional<std::string> SearchIdForPass(std::string_view deviceId, int pass)
         case PassVerdict::Fault:
             break;
     }
-    // Throws, by design: the part to be kept lies after the end of the text, and nothing in the search handles that.
+    // Throws, by design: the part to be kept is after the end of the text, and nothing in the search handles that.
     return From(deviceId, kNotFound);
 }

@@ -277,7 +277,7 @@ void ExportReader::ReadValue(const ExportLine& line)
     }
     const std::u16string text = line.Text();
     std::u16string_view rest = text;
-    // A file that was joined right behind a line without its end.
+    // A file that was joined to a line without its end.
     const std::size_t mark = rest.find(kMark);
     const std::u16string_view joined = rest.substr(std::min(mark, rest.size()));
     rest = rest.substr(0, mark);

@@ -22,7 +22,7 @@ inline constexpr std::size_t kHiveHeaderBytes = 4096;
 /// @param fileBytes  Length of the file.
 [[nodiscard]] HiveHeader CheckHiveHeader(std::string_view header, uint64_t fileBytes);
 
-/// Checks that the blocks behind the header follow each other without a gap.
+/// Checks that the blocks after the header follow each other without a gap.
 /// @param hive  The whole file, with a header that is whole.
 /// @return why the hive cannot be read; empty when it can.
 [[nodiscard]] std::string CheckHiveBlocks(std::string_view hive);

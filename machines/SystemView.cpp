@@ -63,7 +63,7 @@ std::string MissingForView(const SystemDescription& system)
         }
     };
     add(static_cast<bool>(system.version), "the system's version", system.version.from);
-    // Systems before 5.2 are told apart without the product type and the processor.
+    // Systems before 5.2 are distinguished without the product type and the processor.
     const bool isOld = system.version && std::tuple(system.version->major, system.version->minor) < std::tuple(5U, 2U);
     if (!isOld) {
         add(static_cast<bool>(system.productType), "the product type", system.productType.from);

@@ -34,7 +34,7 @@ struct ExplainCommand
     PlanWish wish;
     std::string machine;
     std::string device;
-    std::string whyNot; ///< an INF; empty: the whole way is told
+    std::string whyNot; ///< an INF; empty: the whole way is explained
     OutputOptions output;
 };
 

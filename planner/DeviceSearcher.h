@@ -23,7 +23,7 @@ struct SearchTerms
     friend auto operator<=>(const SearchTerms&, const SearchTerms&) = default;
 };
 
-/// The two texts that a search leaves behind, and the search that writes to them.
+/// The two texts that a search writes, and the search that writes to them.
 class KitQuestion
 {
 public:

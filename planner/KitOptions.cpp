@@ -49,7 +49,7 @@ bool IsKit(const std::filesystem::path& folder, std::string& problem)
     return true;
 }
 
-/// How deep the installer's directory must lie for the setup INI's base to be a folder above it.
+/// How deep the installer's directory must be for the setup INI's base to be a folder above it.
 int LevelsToRoot(const KitFolder::Place& place, ProfileDialect reader)
 {
     constexpr uint32_t kAnyCodePage = 1252;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// Where the folders of the planned machine lie on this one.
+/// Where the folders of the planned machine are on this one.
 
 /// A folder of the machine and the folder here that holds its files.
 struct FolderMap
@@ -24,7 +24,7 @@ public:
     MachinePaths(const std::filesystem::path& kit, const std::string& setupDir, std::vector<FolderMap> maps);
 
     /// Letter case does not count in `path`.
-    /// @return where a file or folder of the machine lies here; no value when it does not exist.
+    /// @return where a file or folder of the machine is here; no value when it does not exist.
     [[nodiscard]] std::optional<std::filesystem::path> Find(std::string_view path) const;
 
     /// @return false for a path that no map and no folder above the kit covers: nothing is known about it.

@@ -41,7 +41,7 @@ std::vector<std::string> SearchedFiles(FolderKitSource& source, const SearchOutc
     return files;
 }
 
-/// @return a file of the kit that is meant and lies in none of the searched folders.
+/// @return a file of the kit that is meant and is in none of the searched folders.
 std::optional<std::string> FindElsewhere(const KitFolder& kit, const std::string& asked)
 {
     std::error_code error;

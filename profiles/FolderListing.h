@@ -14,7 +14,7 @@
 /// @param path  A path below `folder` as the platform spells it: parts are separated by backslashes or slashes, and
 /// letter
 ///              case does not count.
-/// @return where it lies on this machine; none when it does not exist.
+/// @return where it is on this machine; none when it does not exist.
 [[nodiscard]] std::optional<std::filesystem::path> FindPath(const std::filesystem::path& folder, std::string_view path);
 
 /// @return the bytes of a file; none when it cannot be read.
