@@ -16,8 +16,8 @@ inline constexpr std::size_t kFcoeAdapterNameChars = 4096;
 [[nodiscard]] std::optional<std::wstring> FcoeAdapterName(std::wstring_view instanceId);
 
 /// @param flags  The flags word of a port's FCoE properties.
-/// @return true when the machine was booted over the port or has its page file on a disk behind it; the other flags
-///         say nothing about that.
+/// @return true when the machine was booted over the port or reaches the disk of its page file through it; the other
+///         flags say nothing about that.
 [[nodiscard]] constexpr bool IsFcoeBootPort(uint32_t flags)
 {
     return (flags & (kNordaRemoteBooted | kNordaRemotePageFile)) != 0;

@@ -6,7 +6,8 @@
 
 /// Asks the FCoE library about every present network adapter. An adapter that cannot be asked, for whatever reason, is
 /// no FCoE boot port; on a machine without the library none is.
-/// @return true when the machine was booted over FCoE through some adapter or has its page file on a disk behind one.
+/// @return true when the machine was booted over FCoE through some adapter or reaches the disk of its page file
+///         through one.
 [[nodiscard]] bool AreFCoEBootEnabledPortsPresent();
 
 /// The same for a list of adapters that is given.

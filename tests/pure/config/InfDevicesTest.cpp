@@ -70,7 +70,7 @@ TEST_F(InfDevices, AMissingSectionIsSaidAndItsDescriptionIsEmpty)
     EXPECT_EQ(Description(), "");
 }
 
-TEST_F(InfDevices, ADescriptionKeyOf260CharactersCountsAsEmptyAndIsToldForEveryLineUpToTheLastOneWalked)
+TEST_F(InfDevices, ADescriptionKeyOf260CharactersCountsAsEmptyAndIsReportedForEachLineWalked)
 {
     const std::string fits(259, 'k');
     EXPECT_FALSE(Lists(fits + "=I\n"));

@@ -237,8 +237,8 @@ TEST_F(DriverBinding, AProblemOfOneOfTwoDevicesIsARefusal)
 TEST_F(DriverBinding, AStateThatCannotBeReadIsNotARefusal)
 {
     HaveProblem(52);
-    constexpr char kNotImplemented[] = "0x20";
-    m_doubles.Answer(kConfigurationManager, "StateResult", kNotImplemented);
+    constexpr char kCallNotImplemented[] = "0x20"; // CR_CALL_NOT_IMPLEMENTED of the configuration manager
+    m_doubles.Answer(kConfigurationManager, "StateResult", kCallNotImplemented);
     ExpectSuccess();
     m_doubles.Lack(kConfigurationManager);
     ExpectSuccess();
