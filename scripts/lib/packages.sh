@@ -15,7 +15,7 @@ packages=(
     # the characters of the East Asian languages in pictures of the dialog
     fonts-wqy-microhei
     # the Windows Installer package, its tables, and what a release is made with
-    wixl msitools xxd zip unzip osslsigncode openssl libengine-pkcs11-openssl curl
+    wixl msitools xxd zip unzip rsync osslsigncode openssl libengine-pkcs11-openssl curl
     # morvix-kit: the command line, hives, and what its man page is checked with
     libcli11-dev libhivex-dev mandoc
     # its tests: another reader of JSON, a terminal

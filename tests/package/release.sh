@@ -9,16 +9,14 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
 
 name=Morvix-$(product_version)
 
-# Every file of the sources, and nothing that was built.
+# Every file of the sources, and nothing that was built here. What the last run has built there stays: only what depends on
+# changed sources is built again.
 copy_sources() {
     mkdir -p -- "$other"
-    (
-        cd -- "$repo"
-        find . -path ./build -prune -o -path ./.git -prune -o -type f -print0 | xargs -0 cp --parents -p -t "$other" --
-    )
+    run_limited 60 rsync --archive --delete --exclude=/build --exclude=/.git -- "$repo/" "$other"
 }
 
-# Builds everything again, with the compiler and no results of earlier runs.
+# Builds with the compiler itself, not with results that it shares with other builds.
 release_elsewhere() {
     copy_sources
     spread_over_processors
@@ -39,7 +37,7 @@ shipped_files_are_stripped() { ! x86_64-w64-mingw32-objdump -h "$work/unpacked/M
 nothing_names_the_build_folder() { ! grep -rlaF -- "$repo" "$work/symbols" "$work/unpacked"; }
 
 start_work release
-other=$work/in/another/folder
+other=$build_dir/package-release-elsewhere/in/another/folder
 make_release "$build_dir/windows" "$work/release"
 promise "a release builds from the sources alone, in another folder" release_elsewhere
 for file in "$name.msi" "$name.zip" "$name-symbols.zip" "$name.cdx.json" SHA256SUMS; do
