@@ -47,7 +47,7 @@ private:
         std::shared_ptr<const ModelSection> section;
 
         /// What a failed call would give as well is alike when it is given twice.
-        [[nodiscard]] bool IsLike(const Answer& other) const { return count == other.count && text == other.text; }
+        [[nodiscard]] bool IsLike(const Answer& other) const { return text == other.text; }
     };
     struct Kept
     {

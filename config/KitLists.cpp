@@ -33,7 +33,6 @@ std::vector<char> ReadDirectorySection(const KitSearch& search, const std::strin
     const uint32_t count = search.source.ReadSection(section.c_str(), buffer, file);
     if (count == 0) {
         search.log.Say(kSectionFailed);
-        return buffer;
     }
     constexpr std::size_t kCutCount = kFirstSectionBytes - 2;
     bool cut = count == kCutCount;

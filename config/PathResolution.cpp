@@ -8,7 +8,7 @@ constexpr int kMostLevels = 260;
 std::string BaseOf(const std::string& setupDir, int levelsToRoot, LeadByteTest isLeadByte)
 {
     std::string base = setupDir;
-    if (levelsToRoot >= 1 && levelsToRoot <= kMostLevels) {
+    if (levelsToRoot <= kMostLevels) {
         for (int level = 0; level < levelsToRoot; ++level) {
             base = base.substr(0, LastBackslash(base, isLeadByte));
         }

@@ -67,6 +67,7 @@ void AddValue(std::string& text, std::string_view letter, const SavedValue& valu
     AddEntry(text, letter, {ToHex(value.name), std::to_string(value.type), ToHex(value.data)});
 }
 
+/// @return what `end` ends; a rest without one is left out.
 std::vector<std::string_view> Split(std::string_view text, char end)
 {
     std::vector<std::string_view> parts;
@@ -159,7 +160,6 @@ std::optional<RecordSnapshot> DecodeSnapshot(std::string_view text)
     if (!text.ends_with(kEnd)) {
         return std::nullopt;
     }
-    text.remove_suffix(kEnd.size());
     for (const std::string_view entry : Split(text, kEntryEnd)) {
         if (!ReadEntry(Split(entry, kFieldEnd), snapshot)) {
             return std::nullopt;

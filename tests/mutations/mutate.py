@@ -7,6 +7,7 @@ mutate.py apply TREE                makes TREE a copy of the sources with all fa
 mutate.py run BUILD RESULTS LANE [WORD...]
                                     runs the tests of this lane (pure, windows, e2e), with words only for faults whose
                                     description holds one of them
+mutate.py suites                    the suites of the lane pure
 mutate.py report RESULTS            prints the faults that no test noticed; fails when there are any, and when a test
                                     failed without a fault
 
@@ -37,7 +38,9 @@ SUITES = {
     "devices": "pure_devices",
     "installer": "pure_installer",
     "installer/base": "pure_base",
+    "netinst": "pure_netinst",
     "packaging/actions": "pure_actions",
+    "profiles": "pure_profiles",
 }
 
 
@@ -303,6 +306,8 @@ def main(arguments):
     elif arguments == ["list"]:
         for mutation in read_mutations(Sources()):
             print(mutation.describe())
+    elif arguments == ["suites"]:
+        print(*sorted(set(SUITES.values())))
     elif len(arguments) == 2 and arguments[0] == "apply":
         apply(pathlib.Path(arguments[1]))
     elif len(arguments) >= 4 and arguments[0] == "run" and arguments[3] in LANES:

@@ -193,6 +193,8 @@ class Source:
             if len(parts) == 2 and not self.code[parts[1][0] : end].lstrip().startswith("{"):
                 self.site("value", parts[1][0], end, function)
             return
+        if WITHOUT_EFFECT.search(code):
+            return
         self.site("statement", start, end + 1, function)
         faults = self.sites[-1].faults
         line = self.text.count("\n", 0, start) + 1
@@ -200,7 +202,7 @@ class Source:
         if result:
             if may_default and code[result.end() :].strip() not in DEFAULTS:
                 faults.append(Fault(function, "default", line, f"{shown} -> return {{}};", "return {};"))
-        elif not WITHOUT_EFFECT.search(code):
+        else:
             faults.append(Fault(function, "remove", line, f"{shown} -> (nothing)", ""))
 
     def site(self, kind, start, end, function):

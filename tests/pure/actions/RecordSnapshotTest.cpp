@@ -12,7 +12,7 @@ RecordSnapshot FullSnapshot()
         everyByte += static_cast<char>(byte);
     }
     RecordSnapshot snapshot;
-    snapshot.results = {{"Install", 2, std::string("SUCCESS\0", 8)}, {"", 1, ""}, {"a;b,c|[d]", 3, everyByte}};
+    snapshot.results = {{"Install", 2, std::string("SUCCESS\0", 8)}, {"", 1, ""}, {"a;b,c|[d]", 11, everyByte}};
     snapshot.registration = {"Morvix.din", 1, "Morvix.Uninstall"};
     snapshot.dataFileState = RecordSnapshot::File::Saved;
     snapshot.dataFile = everyByte;

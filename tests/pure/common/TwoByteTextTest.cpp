@@ -45,6 +45,7 @@ TEST(TwoByteText, ACutNeverSplitsACharacter)
 {
     for (const CodePage& page : kCodePages) {
         const std::string letter(page.letter);
+        EXPECT_EQ(CutToBytes(letter + "b", 1, page.isLeadByte), "") << page.number;
         EXPECT_EQ(CutToBytes("a" + letter + "b", 1, page.isLeadByte), "a") << page.number;
         EXPECT_EQ(CutToBytes("a" + letter + "b", 2, page.isLeadByte), "a") << page.number;
         EXPECT_EQ(CutToBytes("a" + letter + "b", 3, page.isLeadByte), "a" + letter) << page.number;

@@ -39,6 +39,14 @@ TEST_F(InfDevices, AMatchIsRecordedDescribedAndSaid)
     EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionSought));
 }
 
+TEST_F(InfDevices, EverySectionThatWasSearchedIsReportedWithTheLineOfItsMatch)
+{
+    EXPECT_TRUE(Lists("%One%=I, PCI\\VEN_1\n%Two%=I, PCI\\VEN_5D1A&DEV_7A01\n"));
+    EXPECT_FALSE(Lists("%One%=I, PCI\\VEN_1\n"));
+    EXPECT_THAT(m_memory.log.sections,
+                ElementsAre(std::string(kInf) + " [Norda]: 1", std::string(kInf) + " [Norda]: no match"));
+}
+
 TEST_F(InfDevices, AMissLeavesTheDescriptionOfTheLastLine)
 {
     EXPECT_FALSE(Lists("%One%=I, PCI\\VEN_1\n%Two%=I, PCI\\VEN_2\n"));

@@ -48,25 +48,26 @@ TEST_F(KeptAnswersTest, SecondQuestionIsAnsweredAsTheFirst)
 
 TEST_F(KeptAnswersTest, QuestionsThatDifferInAnyPartAreAskedApart)
 {
-    m_kit.Add(kInf, "[a]\nb=1\n\nc=2\n[ab]\nc=3\n[b]\n=4\n");
+    m_kit.Add(kInf, "[a]\nb=1\n\nc=2\nbc=5\n[ab]\nc=3\n[b]\n=4\n");
     std::array<char, kBytes> buffer{};
     std::array<char, kBytes + 1> larger{};
     for (int round = 1; round <= 2; ++round) {
         EXPECT_EQ(Ask("a", "b"), "1");
         EXPECT_EQ(Ask("a", "c"), "2");
         EXPECT_EQ(Ask("ab", "c"), "3");
+        EXPECT_EQ(Ask("a", "bc"), "5");
         EXPECT_EQ(Ask("b", ""), "4");
         EXPECT_EQ(Ask("a", nullptr), "b");
         EXPECT_EQ(Ask("a", ""), "") << "no key is not an empty one";
         EXPECT_EQ(Ask("a", "", "x"), "x");
         EXPECT_EQ(m_answers.ReadText("a", "b", "", larger, kInf), 1U);
-        EXPECT_EQ(m_answers.ReadSection("a", buffer, kInf), 8U);
+        EXPECT_EQ(m_answers.ReadSection("a", buffer, kInf), 13U);
         EXPECT_EQ(m_answers.ReadSection("ab", buffer, kInf), 4U);
-        EXPECT_EQ(m_answers.ReadSection("a", larger, kInf), 8U);
-        EXPECT_EQ(m_answers.ReadModelSection("a", kInf)->LineCount(), 2U);
+        EXPECT_EQ(m_answers.ReadSection("a", larger, kInf), 13U);
+        EXPECT_EQ(m_answers.ReadModelSection("a", kInf)->LineCount(), 3U);
     }
     // Two of them give what a failed read would give as well: they are asked for twice.
-    EXPECT_EQ(m_kit.profileReads, 12 + 2);
+    EXPECT_EQ(m_kit.profileReads, 13 + 2);
 }
 
 TEST_F(KeptAnswersTest, AnswersComeWithTheCountAndAClearedBuffer)
@@ -146,7 +147,10 @@ TEST_F(KeptAnswersTest, AMissingFileAndALinkAreAskedAboutEveryTime)
     for (int times = 1; times <= 3; ++times) {
         EXPECT_EQ(Signature(), "first");
         EXPECT_EQ(Ask("Version", "Signature", "default", kOtherInf), "default");
-        EXPECT_EQ(m_kit.profileReads, 2 * times);
+        std::array<char, kBytes> buffer{};
+        EXPECT_EQ(m_answers.ReadSection("Version", buffer, kInf), 16U);
+        EXPECT_TRUE(m_answers.ReadModelSection("Norda", kInf)->WasRead());
+        EXPECT_EQ(m_kit.profileReads, 4 * times);
     }
     EXPECT_EQ(m_kit.markReads, 0);
     EXPECT_TRUE(m_answers.MarkOf(kInf).read) << "the mark of a link is read for whoever asks";

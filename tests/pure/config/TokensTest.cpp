@@ -42,4 +42,8 @@ TEST(TokenCursor, StaysAtItsEnd)
     EXPECT_EQ(cursor.Next("="), "a");
     EXPECT_FALSE(cursor.Next("="));
     EXPECT_FALSE(cursor.Next("a"));
+
+    TokenCursor delimiters("==");
+    EXPECT_FALSE(delimiters.Next("="));
+    EXPECT_FALSE(delimiters.Next("a"));
 }

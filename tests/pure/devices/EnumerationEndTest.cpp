@@ -41,5 +41,8 @@ TEST(EnumerationEnd, ANameStartsTheCountAnew)
         ASSERT_FALSE(end.ReachedWith(kMoreData)) << count;
     }
     EXPECT_FALSE(end.ReachedWith(kSuccess));
-    EXPECT_FALSE(end.ReachedWith(kMoreData));
+    for (uint32_t count = 0; count < EnumerationEnd::kMaxErrorsInARow; ++count) {
+        ASSERT_FALSE(end.ReachedWith(kMoreData)) << count;
+    }
+    EXPECT_TRUE(end.ReachedWith(kMoreData));
 }

@@ -167,6 +167,7 @@ public:
     std::vector<std::string> stored;      ///< paths of the INF files that were handed to the store
     std::vector<std::string> directories; ///< their source directories
     std::vector<JudgedInf> judged;
+    std::vector<std::string> sections; ///< "INF [section]: line of the match", the first being 0, or "no match"
     std::vector<SearchStep> steps;
     std::vector<std::string> passes; ///< "2 ID"
 
@@ -189,6 +190,13 @@ public:
         passes.push_back(std::to_string(pass) + " " + std::string(searchId));
     }
     void InfJudged(const std::string& infPath, InfVerdict verdict) override { judged.push_back({infPath, verdict}); }
+
+    void SectionSearched(std::string_view infPath, std::string_view sectionName, const ModelSection& /*section*/,
+                         std::optional<std::size_t> match) override
+    {
+        sections.push_back(std::string(infPath) + " [" + std::string(sectionName) +
+                           "]: " + (match ? std::to_string(*match) : "no match"));
+    }
 
     [[nodiscard]] bool Said(const std::string& line) const { return std::ranges::find(lines, line) != lines.end(); }
 };
