@@ -40,7 +40,6 @@ SUITES = {
     "installer/base": "pure_base",
     "netinst": "pure_netinst",
     "packaging/actions": "pure_actions",
-    "profiles": "pure_profiles",
 }
 
 
