@@ -55,6 +55,6 @@ endfunction()
 morvix_tidy(library platform orv_pure orv orv_settings_pure orv_settings base_pure base config_pure config)
 morvix_tidy(installer devices_pure devices installer_pure installer Morvix fileversion)
 morvix_tidy(companions actions_pure actions MorvixActions netinst_pure netinst NetInst debugview)
-# All drivers are made of one file, which the kernel's headers want compiled in its own way.
-set_target_properties(kit_ngea60x64 PROPERTIES C_CLANG_TIDY "${tidy_C}")
-add_dependencies(tidy kit_ngea60x64)
+# The kernel's headers want the drivers' file compiled in its own way.
+set_target_properties(kit_driver_code PROPERTIES C_CLANG_TIDY "${tidy_C}")
+add_dependencies(tidy kit_driver_code)
