@@ -9,9 +9,19 @@ set(runners ${CMAKE_SOURCE_DIR}/scripts/lib)
 # list (scripts/lib/tests.sh), several programs for each.
 set(on_one_processor RESOURCE_GROUPS processors:1)
 
+# morvix_machine_use(target kind text): what a test program for Windows does to a machine, which it says itself, and with a
+# kind of MachineUse.h, by which it refuses to run where it must not.
+function(morvix_machine_use target kind text)
+  target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/MachineGuard.cpp)
+  target_compile_definitions(${target} PRIVATE MORVIX_MACHINE_USE=${kind} "MORVIX_WHAT_IT_DOES=\"${text}\"")
+  target_link_libraries(${target} PRIVATE test_support)
+  set_target_properties(${target} PROPERTIES MORVIX_MACHINE_USE ${kind})
+  set_property(GLOBAL APPEND_STRING PROPERTY morvix_machine_uses "$<TARGET_FILE:${target}>\t${kind}\t${text}\n")
+endfunction()
+
 # morvix_program_test(name LABEL label [WINDOWS | WINDOWS_WITHOUT_DISPLAY] [SHARDS count] [ENVIRONMENT variable=value...])
-# The GoogleTest program of the target `name`; with WINDOWS, in a fresh Windows of its own, so that no two of them meet.
-# SHARDS splits its cases over so many runs.
+# The GoogleTest program of the target `name`; with WINDOWS, in a fresh Windows of its own, so that no two of them meet, and
+# only with a morvix_machine_use. SHARDS splits its cases over so many runs.
 function(morvix_program_test name)
   cmake_parse_arguments(TEST "WINDOWS;WINDOWS_WITHOUT_DISPLAY" "LABEL;SHARDS" "ENVIRONMENT" ${ARGN})
   set(properties LABELS ${TEST_LABEL})
@@ -23,6 +33,10 @@ function(morvix_program_test name)
     list(APPEND properties ${on_one_processor})
   else()
     set(kind host)
+  endif()
+  get_target_property(use ${name} MORVIX_MACHINE_USE)
+  if(NOT kind STREQUAL host AND NOT use)
+    message(FATAL_ERROR "${name} does not say what it does to a machine: morvix_machine_use")
   endif()
   if(NOT TEST_SHARDS)
     set(TEST_SHARDS 1)

@@ -40,11 +40,6 @@ void DeleteMachineValue(const std::string& key, const std::string& name)
 }
 } // namespace
 
-bool RunsInWine()
-{
-    return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
-}
-
 EmulatedSystem::EmulatedSystem(const SystemVersion& system)
 {
     if (!RunsInWine()) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "MachineUse.h"
+
 /// A system as the version calls report it.
 struct SystemVersion
 {
@@ -54,5 +56,3 @@ private:
 
 /// Removes the settings of the two above that a killed test program has left for Morvix.exe.
 void EndEmulations();
-
-[[nodiscard]] bool RunsInWine();

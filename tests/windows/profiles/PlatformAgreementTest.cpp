@@ -7,6 +7,7 @@
 
 #include "FoundProfiles.h"
 #include "GeneratedProfiles.h"
+#include "MachineUse.h"
 #include "Profile.h"
 #include "ProfileQuestions.h"
 #include "ScratchDirectory.h"
@@ -76,8 +77,7 @@ std::string Shown(const Answer& answer)
 /// The dialect of the platform that this program runs on.
 ProfileDialect DialectHere()
 {
-    const bool wine = GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
-    return wine ? ProfileDialect::Wine : ProfileDialect::Windows;
+    return RunsInWine() ? ProfileDialect::Wine : ProfileDialect::Windows;
 }
 
 uint32_t FilesToGenerate()
