@@ -12,8 +12,11 @@ set(on_one_processor RESOURCE_GROUPS processors:1)
 # morvix_machine_use(target kind text): what a test program for Windows does to a machine, which it says itself, and with a
 # kind of MachineUse.h, by which it refuses to run where it must not.
 function(morvix_machine_use target kind text)
-  target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/MachineGuard.cpp)
-  target_compile_definitions(${target} PRIVATE MORVIX_MACHINE_USE=${kind} "MORVIX_WHAT_IT_DOES=\"${text}\"")
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}_machine_use.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "#include \"MachineGuard.h\"
+static const bool kGuarded = GuardMachine(MachineUse::${kind}, \"${text}\");
+")
+  target_sources(${target} PRIVATE ${source})
   target_link_libraries(${target} PRIVATE test_support)
   set_target_properties(${target} PROPERTIES MORVIX_MACHINE_USE ${kind})
   set_property(GLOBAL APPEND_STRING PROPERTY morvix_machine_uses "$<TARGET_FILE:${target}>\t${kind}\t${text}\n")

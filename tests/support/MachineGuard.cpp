@@ -1,16 +1,11 @@
-// Part of every test program for Windows: says what the program does to the machine, and ends it before its first test
-// where it must not run. cmake/Testing.cmake defines which kind of program this is.
+#include "MachineGuard.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <iostream>
 
-#include "MachineUse.h"
-
 namespace {
-constexpr MachineUse kUse = MachineUse::MORVIX_MACHINE_USE;
-constexpr char kWhatItDoes[] = MORVIX_WHAT_IT_DOES;
 constexpr UINT kRefused = 4;
 
 bool IsSet(const char* variable)
@@ -21,24 +16,31 @@ bool IsSet(const char* variable)
 class MachineGuard : public testing::EmptyTestEventListener
 {
 public:
+    MachineGuard(MachineUse use, const char* whatItDoes) : m_use(use), m_whatItDoes(whatItDoes) {}
+
     void OnTestProgramStart(const testing::UnitTest& /*program*/) override
     {
-        std::cout << "This program " << kWhatItDoes << "." << std::endl;
+        std::cout << "This program " << m_whatItDoes << "." << std::endl;
         // The guard itself is tested in Wine.
         const bool inWine = RunsInWine() && !IsSet("MORVIX_NOT_IN_WINE");
-        if (MayRun(kUse, inWine, IsSet("MORVIX_DISPOSABLE"))) {
+        if (MayRun(m_use, inWine, IsSet("MORVIX_DISPOSABLE"))) {
             return;
         }
-        std::cout << (kUse == MachineUse::Changes
+        std::cout << (m_use == MachineUse::Changes
                           ? "Refused: set MORVIX_DISPOSABLE=1 on a machine that is thrown away afterwards."
                           : "Refused: it runs in Wine only.")
                   << std::endl;
         ExitProcess(kRefused);
     }
-};
 
-const bool guarded = [] {
-    testing::UnitTest::GetInstance()->listeners().Append(new MachineGuard);
-    return true;
-}();
+private:
+    MachineUse m_use;
+    const char* m_whatItDoes;
+};
 } // namespace
+
+bool GuardMachine(MachineUse use, const char* whatItDoes)
+{
+    testing::UnitTest::GetInstance()->listeners().Append(new MachineGuard(use, whatItDoes));
+    return true;
+}
