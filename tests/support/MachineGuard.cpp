@@ -1,5 +1,8 @@
 #include "MachineGuard.h"
 
+// GoogleTest needs it, and does not include it.
+#include "GtestNotification.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
