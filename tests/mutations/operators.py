@@ -46,7 +46,7 @@ DECLARATION = re.compile(
 LEFT_ALONE = re.compile(r"(?:using|struct|class|enum|static_assert|template|typedef|constexpr|static constexpr|break|goto)\b")
 # Without these, nothing that a test could see is different.
 WITHOUT_EFFECT = re.compile(r"\.(?:reserve|shrink_to_fit)\(")
-DEFAULTS = {"", "{}", "0", "0U", "nullptr", "false", "std::nullopt"}
+DEFAULTS = {"", "{}", "0", "0U", "nullptr", "{nullptr}", "false", "std::nullopt"}
 
 
 @dataclasses.dataclass
