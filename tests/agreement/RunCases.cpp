@@ -3,11 +3,11 @@
 //
 //   agreement_runs CASES MORVIX_KIT     CASES holds a folder for each case, MORVIX_KIT is the path of morvix-kit.exe.
 //
-// A case is told in its file case.txt, a line each with tabs between the parts:
+// The file case.txt describes a case, a line for each fact, with tabs between the parts:
 //   system   version, build and product type
 //   setup    the folder of Morvix.exe below the case
 //   options  command line of Morvix.exe
-//   live     yes: morvix-kit plans this machine too; further parts are its options
+//   live     options of morvix-kit, which then plans this machine itself too
 //   device   key name of a PCI device
 //   value    device, instance, name, type and bytes (hexadecimal) of a registry value; without a name only the instance
 

@@ -170,7 +170,9 @@ class Case:
     # --- INF files -------------------------------------------------------------------------------------------------
     def add_inf(self, folder):
         name = self.chance.choice(FAMILIES) + self.one("", "1", "62x64", "_" + "n" * 20, " two") + self.one(".inf", ".inf", ".inf", ".INF")
-        if self.rarely(0.06):
+        if self.rarely(0.08):
+            name = self.one("qdatdma.inf", "QDatDMA.INF")
+        elif self.rarely(0.06):
             name = self.one("ngea.infx", "ngea.inf~", "nxga.txt", ".inf", "ngea.inf.bak", "n.a.inf")
         path = f"{folder}/{name}"
         if path.upper() in (known.upper() for known in self.files):

@@ -1,9 +1,9 @@
 """Compares runs with plans: compare.py CASES MORVIX_KIT SEED | --changed
 
 For each case of cases.py that RunCases.cpp has run: the trace of the device pass, the INF files that went to the driver
-store in their order, and the installs, against `morvix-kit plan` of the registry export. Prints each difference with the
-command that repeats its case, and writes to CASES/../counts how many cases were of which kind. With --changed, changes what
-the runs have left, each time in one place, and fails when that is not noticed.
+store in their order, the installs and the result values, against `morvix-kit plan` of the registry export. Prints each
+difference with the command that repeats its case, and writes to CASES/../counts how many cases were of which kind. With
+--changed, changes what the runs have left, each time in one place, and fails when that is not noticed.
 """
 
 import json
@@ -107,6 +107,7 @@ class Comparison:
         case = dict(line.split("\t", 1) for line in (folder / "case.txt").read_text("latin-1").splitlines() if "\t" in line)
         self.kit = folder / case["setup"].replace("\\", "/")
         self.setup = "Z:" + str(self.kit).replace("/", "\\")
+        self.is_planned_live = "live" in case
         self.options = (folder / "plan.txt").read_text().split()
         self.machine = (folder / "machine.reg").read_bytes() + (folder / "devices.reg").read_bytes()
 
@@ -130,9 +131,9 @@ class Comparison:
         compare_traces(trace.split(b"\n")[:-1], lines)
         compare_effects(document, lines, change((self.kit / "journal.txt").read_bytes()).decode("cp1252"), self.setup)
         kinds = set(kinds_of(document, lines))
-        live = self.folder / "live.txt"
-        if live.exists():
-            if live.read_bytes().replace(b"\r\n", b"\n") != trace:
+        if self.is_planned_live:
+            live = self.folder / "live.txt"
+            if not live.exists() or live.read_bytes().replace(b"\r\n", b"\n") != trace:
                 raise Disagreement("the plan on the machine itself is another one than that of its export")
             kinds.add("planned live")
         return kinds
