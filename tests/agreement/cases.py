@@ -95,8 +95,9 @@ class Case:
         kind, text = LIST, "\0".join(ids) + "\0\0"
         if self.rarely(0.15):
             # A single text has its end: Wine's reg.exe leaves out the last letter of one that has none.
-            kind, text = self.one((LIST, "\0".join(ids)), (LIST, "\0" + "\0".join(ids) + "\0\0"), (LIST, ""), (SZ, "".join(ids[:1]) + "\0"),
-                                  (EXPAND, "".join(ids[:1]) + "\0"), (BINARY, "\0".join(ids) + "\0\0"))
+            single, several = "".join(ids[:1]) + "\0", "\0".join(ids)
+            kind, text = self.one((LIST, several), (LIST, "\0" + several + "\0\0"), (LIST, ""), (SZ, single), (EXPAND, single),
+                                  (BINARY, several + "\0\0"))
         # Of other types than text, the program sees the bytes as they are.
         data = text.encode("latin-1" if kind == BINARY else "utf-16le")
         self.entries.append((device, instance, self.one("CompatibleIDs", "CompatibleIDs", "compatibleids"), kind, data))
@@ -129,7 +130,8 @@ class Case:
     def setup_ini(self, directories):
         lines = []
         if self.levels is not None:
-            lines += [self.one("[Config]", "[CONFIG]", " [Config] "), self.one("LevelsToRoot=", "levelstoroot = ") + self.levels]
+            lines.append(self.one("[Config]", "[CONFIG]", " [Config] "))
+            lines.append(self.one("LevelsToRoot=", "levelstoroot = ") + self.levels)
         own = [f"[{self.one(self.section, self.section, self.section.upper())}]"] + self.section_lines(directories)
         others = [line for section in SECTIONS if section != self.section
                   for line in (f"[{section}]", f"InfSectionName={MODELS[0]}", "InfDir=Decoy")]
@@ -144,7 +146,8 @@ class Case:
     def section_lines(self, directories):
         names = self.one(",", ",", ",", " , ").join(self.models)
         if self.rarely(0.05):
-            names = self.one("X" * 240 + "," + names, names + ",", "," + names, "", f'"{names}"', f"'{names}'", names + " ; why")
+            names = self.one("X" * 240 + "," + names, names + ",", "," + names, "", f'"{names}"', f"'{names}'",
+                             names + " ; why")
         lines = [self.one("InfSectionName=", "InfSectionName=", "infsectionname = ") + names]
         if self.rarely(0.03):
             lines = []
@@ -157,19 +160,21 @@ class Case:
         return lines
 
     def noise(self):
-        return ["; InfDir=Decoy", "InfDir", "InfDir=", "infdir=Decoy", "  ", "Other=1", "InfDir=Missing", "InfExclude=", "InfExclude",
-                "Infdir=x", "=", "InfDir=" + "\xe4\xf6", "InfSectionName=Second", ";", "x=y=InfDir="]
+        return ["; InfDir=Decoy", "InfDir", "InfDir=", "infdir=Decoy", "  ", "Other=1", "InfDir=Missing", "InfExclude=",
+                "InfExclude", "Infdir=x", "=", "InfDir=" + "\xe4\xf6", "InfSectionName=Second", ";", "x=y=InfDir="]
 
     def directory_line(self, directory):
         absolute = f"{{case}}\\{self.base()}\\{directory}".replace("/", "\\")
-        unusual = [f"InfDir={directory}\\", f"InfDir={absolute}", f"InfDir={absolute}\\", f"InfDir={absolute[2:]}", "InfDir=.\\x",
-                   "InfDir=..", f'InfDir="{directory}"', f"InfDir={directory} ; here", f"  InfDir={directory}", f"InfDir = {directory}",
-                   f"Was InfDir=Decoy InfDir={directory}", f"InfDir={directory.upper()}", f"InfDir=\t{directory}", f"InfDir={directory}   "]
+        unusual = [f"InfDir={directory}\\", f"InfDir={absolute}", f"InfDir={absolute}\\", f"InfDir={absolute[2:]}",
+                   "InfDir=.\\x", "InfDir=..", f'InfDir="{directory}"', f"InfDir={directory} ; here", f"  InfDir={directory}",
+                   f"InfDir = {directory}", f"Was InfDir=Decoy InfDir={directory}", f"InfDir={directory.upper()}",
+                   f"InfDir=\t{directory}", f"InfDir={directory}   "]
         return self.chance.choice(unusual) if self.rarely(0.25) else f"InfDir={directory}"
 
     # --- INF files -------------------------------------------------------------------------------------------------
     def add_inf(self, folder):
-        name = self.chance.choice(FAMILIES) + self.one("", "1", "62x64", "_" + "n" * 20, " two") + self.one(".inf", ".inf", ".inf", ".INF")
+        name = self.chance.choice(FAMILIES) + self.one("", "1", "62x64", "_" + "n" * 20, " two")
+        name += self.one(".inf", ".inf", ".inf", ".INF")
         if self.rarely(0.08):
             name = self.one("qdatdma.inf", "QDatDMA.INF")
         elif self.rarely(0.06):
@@ -208,27 +213,33 @@ class Case:
                 lines += [f"%Filler.{number}% = Nic.ndi, PCI\\VEN_5D1A&DEV_{number:04X}" for number in range(self.one(30, 700))]
         if self.rarely(0.08) and sections:
             lines += [f"[{sections[0][0]}]", self.model_line(self.chance.choice(self.devices))]
-        lines += ["[Nic.ndi]", "Characteristics=0x84", "[Strings]", "Mfg=" + self.one("Norda", '"Norda"'), 'Nic.DeviceDesc="Norda \xe9 Adapter"']
+        lines += ["[Nic.ndi]", "Characteristics=0x84", "[Strings]", "Mfg=" + self.one("Norda", '"Norda"')]
+        lines.append('Nic.DeviceDesc="Norda \xe9 Adapter"')
         return self.one("\r\n", "\r\n", "\n").join(lines) + "\r\n"
 
     def manufacturer(self):
         value = self.one("Norda,NTamd64", "NORDA", "Lumarc, NTamd64.6.0", "Norda Networks", "Other,Norda")
         if self.rarely(0.15):
-            value = self.one("norda,NTamd64", "NordaX", "Other", "LUMARC", '"Norda"', "Norda\tNetworks", "Norda;x", "", "%Norda%", "x" * 495 + " Norda")
+            value = self.one("norda,NTamd64", "NordaX", "Other", "LUMARC", '"Norda"', "Norda\tNetworks", "Norda;x", "",
+                             "%Norda%", "x" * 495 + " Norda")
         lines = ["[Manufacturer]", self.one("%Mfg%=", "%Mfg% = ", '"Norda"=', "Norda=") + value]
         if self.rarely(0.15):
-            lines.insert(1, self.one("%Other%=Nobody", "%" + "K" * 60 + "%=Nobody", "%" + "K" * 98 + "%=Nobody", "NoValue", "%Mfg%=Nobody"))
+            lines.insert(1, self.one("%Other%=Nobody", "%" + "K" * 60 + "%=Nobody", "%" + "K" * 98 + "%=Nobody", "NoValue",
+                                     "%Mfg%=Nobody"))
         return [] if self.rarely(0.03) else lines
 
     def model_line(self, device):
-        line = f"{self.one('%Nic.DeviceDesc%', '%Nic.DeviceDesc%', '%Unknown%', 'Plain Name', '%nic.devicedesc%')}{self.one('=', ' = ', '=   ')}"
+        line = self.one("%Nic.DeviceDesc%", "%Nic.DeviceDesc%", "%Unknown%", "Plain Name", "%nic.devicedesc%")
+        line += self.one("=", " = ", "=   ")
         line += f"Nic.ndi, PCI\\{self.one(device, device, device, device.lower())}"
         if self.rarely(0.3):
-            line = self.one(line + ", PCI\\VEN_5D1A&DEV_1A2B", line + "&CC_0200", line + " ; the usual", line + ";glued", line + "\t",
-                            line.replace("PCI\\", ""), line.replace("PCI\\", "PCI\\\\"), line + '"', line.replace("Nic.ndi, ", "Nic.ndi,"),
-                            line.replace("Nic.ndi, ", "Nic.ndi, PCI\\VEN_5D1A&DEV_0000, "), line.replace("Nic.ndi", "a\\b"), line + ",",
+            line = self.one(line + ", PCI\\VEN_5D1A&DEV_1A2B", line + "&CC_0200", line + " ; the usual", line + ";glued",
+                            line + "\t", line.replace("PCI\\", ""), line.replace("PCI\\", "PCI\\\\"), line + '"',
+                            line.replace("Nic.ndi, ", "Nic.ndi,"), line.replace("Nic.ndi, ", "Nic.ndi, PCI\\VEN_5D1A&DEV_0000, "),
+                            line.replace("Nic.ndi", "a\\b"), line + ",",
                             line.replace("PCI\\", '"PCI\\') + '"', line + " \\", line.replace("%", "%" + "L" * 300, 1),
-                            line + "," + "x" * 2100, ";" + line, line.replace("=", " ", 1), line.replace("&", "& ", 1), "=" + line)
+                            line + "," + "x" * 2100, ";" + line, line.replace("=", " ", 1), line.replace("&", "& ", 1),
+                            "=" + line)
         return line
 
     def encoded(self, text):
@@ -261,7 +272,8 @@ class Case:
         if live:
             lines.append("live\t" + self.plan_options(windows, "Z:\\", scan_all))
         lines += [f"device\t{name}" for name in self.devices]
-        lines += [f"value\t{device}\t{instance}\t{name or ''}\t{kind}\t{data.hex()}" for device, instance, name, kind, data in self.entries]
+        lines += [f"value\t{device}\t{instance}\t{name or ''}\t{kind}\t{data.hex()}"
+                  for device, instance, name, kind, data in self.entries]
         (folder / "case.txt").write_text("\n".join(lines) + "\n", encoding="latin-1")
         (folder / "plan.txt").write_text(self.plan_options(windows, "/", scan_all) + "\n")
         (folder / "expected.txt").write_text(f"{self.system[3]}\n{self.system[4]}\n")

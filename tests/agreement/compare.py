@@ -27,9 +27,11 @@ ANSWERS = {
     b"<what the installation answers>": rb"Morvix:  2K/XP UpdateDriver\(\) returned: [^\n]*\n",
     b"<what the driver directory holds>": rb"Morvix: Driver sys file NOT found in [^\n]*\n"
     rb"Morvix: Enter -> PostResultToRegistry\nMorvix: Installation result is ->\nMorvix: FAILURE\n"
-    rb"Morvix: The type of driver being installed is ->\n" + LINE + rb"Morvix: The driver version being installed is ->\n" + LINE
+    rb"Morvix: The type of driver being installed is ->\n" + LINE
+    + rb"Morvix: The driver version being installed is ->\n" + LINE
     + rb"(Morvix: First time calling PostResultToRegistry[^\n]*\n)?Morvix: Exit -> PostResultToRegistry\n"
-    rb"Morvix: Entering -> UpdateTavunstRegistry\(\)\nMorvix: Exiting -> UpdateTavunstRegistry\(\)\nMorvix: Exit -> PostInstallRegResult\n",
+    rb"Morvix: Entering -> UpdateTavunstRegistry\(\)\nMorvix: Exiting -> UpdateTavunstRegistry\(\)\n"
+    rb"Morvix: Exit -> PostInstallRegResult\n",
     b"<what the adapter says about storage boot>": rb"(Morvix: Enter -> GetNetCfgInstanceId\(\)\n" + LINE
     + rb"Morvix: Exit -> GetNetCfgInstanceId\(\)\n)?",
 }
@@ -69,7 +71,8 @@ def compare_traces(planned, run):
     for number, line in enumerate(planned, 1):
         found = re.match(ANSWERS.get(line, re.escape(line) + rb"\n"), rest)
         if not found:
-            raise Disagreement(f"line {number} of the plan's trace is {line!r}, the run says {rest.partition(bytes([10]))[0]!r}")
+            said = rest.partition(b"\n")[0]
+            raise Disagreement(f"line {number} of the plan's trace is {line!r}, the run says {said!r}")
         rest = rest[found.end() :]
     if rest:
         raise Disagreement(f"the plan's trace ends, the run says {rest.partition(bytes([10]))[0]!r}")
@@ -225,7 +228,8 @@ def main():
             counts.update(kinds)
             if difference:
                 counts["disagreements"] += 1
-                print(f"# case {folder.name}: {difference}\n#   again: tests/agreement/plan_and_run.sh {seed} {int(folder.name)}")
+                print(f"# case {folder.name}: {difference}")
+                print(f"#   again: tests/agreement/plan_and_run.sh {seed} {int(folder.name)}")
     (cases.parent / "counts").write_text("".join(f"{kind}\t{count}\n" for kind, count in sorted(counts.items())))
     return 1 if counts["disagreements"] or not counts["cases"] else 0
 

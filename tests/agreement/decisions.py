@@ -10,11 +10,13 @@ import sys
 from collections import defaultdict
 from pathlib import Path
 
-DECIDING = ["Common/Src/orv", "installer/base/base", "config/config", "devices/devices", "installer/installer", "netinst/netinst"]
+DECIDING = ["Common/Src/orv", "installer/base/base", "config/config", "devices/devices", "installer/installer",
+            "netinst/netinst"]
 # The decisions of a device pass, in its order, and those around it. Each has to be in both programs.
 IN_BOTH = ["DecideOSCode", "FamilyForVersion", "AcceptDevice", "FindAcceptedId", "ReadInfLists", "ReadInfDirs",
-           "ReadInfExcludes", "ReadSectionNames", "ResolveRelativePath", "PlanPass", "SearchForDevice", "FindInf", "JudgeInf", "WhyNotQualified",
-           "ExpectedSignature", "NamesOurBrand", "StoreInfOnce", "ListsDevice", "ParseModelLine", "FamilyOfInf", "ClassifyInf",
+           "ReadInfExcludes", "ReadSectionNames", "ResolveRelativePath", "PlanPass", "SearchForDevice", "FindInf", "JudgeInf",
+           "WhyNotQualified", "ExpectedSignature",
+           "NamesOurBrand", "StoreInfOnce", "ListsDevice", "ParseModelLine", "FamilyOfInf", "ClassifyInf",
            "RestartReasons"]
 
 
