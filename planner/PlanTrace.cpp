@@ -7,19 +7,12 @@
 #include "Utf8.h"
 
 namespace {
-/// Trace is text in the machine's code page: bytes from 0x80 on are letters there, and shown as they are.
-bool IsShown(char c)
-{
-    return static_cast<unsigned char>(c) >= 0x20 && c != 0x7F;
-}
-
 void AppendShown(std::string& out, std::string_view text)
 {
     while (!text.empty()) {
         const Utf8Character character = FirstCharacter(text);
-        const bool isText =
-            character.bytes > 1 ? !SteersTerminal(character.value) : character.bytes == 1 && IsShown(text.front());
-        if (isText) {
+        // Letters of the machine's code page that make no UTF-8 are escaped too.
+        if (character.bytes != 0 && !SteersTerminal(character.value)) {
             out += text.substr(0, character.bytes);
             text.remove_prefix(character.bytes);
             continue;

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Puts small faults into a copy of the sources, and runs the tests that must notice them.
 
-mutate.py check                     every entry of chosen.txt and equivalent.txt finds its place in the sources
+mutate.py check                     every entry of the three lists finds its place in the sources
 mutate.py list                      every fault with its number
 mutate.py apply TREE                makes TREE a copy of the sources with all faults in it; MORVIX_MUTANT=N chooses one
 mutate.py run BUILD RESULTS LANE [WORD...]
@@ -12,7 +12,7 @@ mutate.py report RESULTS            prints the faults that no test noticed; fail
                                     failed without a fault
 
 The faults are those that operators.py makes in the files without platform calls, without equivalent.txt, and those of
-chosen.txt.
+chosen.txt. What shared.txt names has to be noticed by each of its tests.
 """
 import concurrent.futures
 import os
@@ -49,6 +49,7 @@ class Mutation:
         self.file = file
         self.fault = fault
         self.tests = tests
+        self.needed = []  # tests that have to notice it, whichever others do
 
     def describe(self):
         fault = self.fault
@@ -109,22 +110,33 @@ def found(sources, place, entry):
     return faults
 
 
+def the_fault(sources, place, entry):
+    """The one fault that an entry names."""
+    faults = found(sources, place, entry)
+    number = int(entry[4] or 0)
+    if number > len(faults) or (not number and len(faults) > 1):
+        sys.exit(f"{place}: {len(faults)} places: " + "; ".join(fault.change for fault in faults))
+    return faults[number - 1]
+
+
 def read_mutations(sources):
     chosen = list(entries("chosen.txt"))
     if len(chosen) > MOST_CHOSEN:
         sys.exit(f"chosen.txt: {len(chosen)} faults, {MOST_CHOSEN} at most")
-    mutations = []
-    for place, entry in chosen:
-        faults = found(sources, place, entry)
-        number = int(entry[4] or 0)
-        if number > len(faults) or (not number and len(faults) > 1):
-            sys.exit(f"{place}: {len(faults)} places: " + "; ".join(fault.change for fault in faults))
-        mutations.append(Mutation(len(mutations) + 1, entry[0], faults[number - 1], entry[5].split()))
+    mutations = [Mutation(number, entry[0], the_fault(sources, place, entry), entry[5].split())
+                 for number, (place, entry) in enumerate(chosen, 1)]
     same = {id(fault) for place, entry in entries("equivalent.txt") for fault in found(sources, place, entry)}
     for file, suite in pure_files():
         for fault in sources[file].faults():
             if id(fault) not in same:
                 mutations.append(Mutation(len(mutations) + 1, file, fault, [suite]))
+    by_fault = {id(mutation.fault): mutation for mutation in mutations}
+    for place, entry in entries("shared.txt"):
+        mutation = by_fault.get(id(the_fault(sources, place, entry)))
+        if not mutation:
+            sys.exit(f"{place}: {entry[0]} is not shared, or the fault changes nothing")
+        mutation.needed = entry[5].split()
+        mutation.tests = mutation.tests + mutation.needed
     return mutations
 
 
@@ -240,7 +252,7 @@ def run(build, results, lane, words):
         (mutation, test)
         for mutation in read_mutations(Sources())
         for test in mutation.tests
-        if test.startswith(LANES[lane]) and mutation.number not in noticed
+        if test.startswith(LANES[lane]) and (mutation.number not in noticed or test in mutation.needed)
         and (not words or any(word in mutation.describe() for word in words))
     ]
     with open(f"{results}/{lane}.tsv", "a", encoding="utf-8") as out:
@@ -282,15 +294,19 @@ def report(results):
     mutations = {mutation.number: mutation for mutation in read_mutations(Sources())}
     tried = {int(kind) for kind, *_ in rows(results) if kind != "baseline"}
     noticed = noticed_so_far(results)
+    asleep = [(number, test) for number, verdict, test in {tuple(row[:3]) for row in rows(results) if row[0] != "baseline"}
+              if verdict not in ("failed", "stopped") and test in mutations[int(number)].needed]
     red = [(verdict, test, case) for kind, verdict, test, case in rows(results)
            if kind == "baseline" and verdict != "passed"]
     for number in sorted(tried - noticed):
         print(f"survived: {mutations[number].describe()} ({' '.join(mutations[number].tests)})")
+    for number, test in sorted(asleep):
+        print(f"not noticed by each: {mutations[int(number)].describe()} ({test})")
     for verdict, test, case in red:
         print(f"{verdict} without a fault: {test} {case}")
     print(f"{len(noticed)} of {len(tried)} faults noticed, {len(tried - noticed)} survived, "
           f"{len(mutations) - len(tried)} not tried")
-    return 0 if tried and tried == noticed and not red else 1
+    return 0 if tried and tried == noticed and not asleep and not red else 1
 
 
 def main(arguments):
