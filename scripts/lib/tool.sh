@@ -82,7 +82,7 @@ make_debian_package() {
     (cd -- "$tree" && find usr -type f -print0 | LC_ALL=C sort -z | xargs -0 md5sum) >"$tree/DEBIAN/md5sums"
     find "$tree" -type d -exec chmod 755 -- {} +
     find "$tree" -exec touch -h -d "@$(source_date)" -- {} +
-    SOURCE_DATE_EPOCH=$(source_date) run_limited 120 dpkg-deb --root-owner-group -Zxz --threads-max=1 --build "$tree" "$2" \
+    SOURCE_DATE_EPOCH=$(source_date) run_limited 300 dpkg-deb --root-owner-group -Zxz --threads-max=1 --build "$tree" "$2" \
         >"$parts/package.log" || fail "${2##*/} cannot be made (see $parts/package.log)"
 }
 
