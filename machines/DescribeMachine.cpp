@@ -45,19 +45,19 @@ private:
 
 void CheckInstance(const PciDevice& device, const PciInstance& instance, DeviceRemarks& remarks)
 {
-    const std::string name = Printable(device.name + "\\" + instance.name);
+    const auto name = [&] { return Printable(device.name + "\\" + instance.name); };
     if (!IsPlainText(device.name) || !IsPlainText(instance.name)) {
-        remarks.Add("unusual characters in the name of the device " + name);
+        remarks.Add("unusual characters in the name of the device " + name());
     }
     if (!instance.compatibleIds) {
         return;
     }
     const EightBitValue& ids = *instance.compatibleIds;
     if (ids.type != kRegistryTextList) {
-        remarks.Add("CompatibleIDs of " + name + " is of type " + std::to_string(ids.type) +
+        remarks.Add("CompatibleIDs of " + name() + " is of type " + std::to_string(ids.type) +
                     ", not a list of texts (7); it is read as the installer reads it");
     } else if (!std::ranges::all_of(ids.bytes, [](char byte) { return byte == 0 || (byte >= 0x20 && byte < 0x7F); })) {
-        remarks.Add("CompatibleIDs of " + name + " has unusual characters");
+        remarks.Add("CompatibleIDs of " + name() + " has unusual characters");
     }
 }
 

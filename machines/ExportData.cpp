@@ -1,6 +1,7 @@
 #include "ExportData.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace {
@@ -11,7 +12,7 @@ bool IsBlank(char16_t unit)
     return unit == u' ' || unit == u'\t';
 }
 
-std::optional<uint8_t> DigitOf(char16_t unit)
+constexpr std::optional<uint8_t> DigitOf(char16_t unit)
 {
     if (unit >= u'0' && unit <= u'9') {
         return static_cast<uint8_t>(unit - u'0');
@@ -19,6 +20,15 @@ std::optional<uint8_t> DigitOf(char16_t unit)
     const char16_t lower = unit | 0x20;
     return lower >= u'a' && lower <= u'f' ? std::optional(static_cast<uint8_t>(lower - u'a' + 10)) : std::nullopt;
 }
+
+constexpr uint8_t kNoDigit = 0xFF;
+constexpr std::array kDigits = [] {
+    std::array<uint8_t, 256> digits{};
+    for (std::size_t unit = 0; unit < digits.size(); ++unit) {
+        digits[unit] = DigitOf(static_cast<char16_t>(unit)).value_or(kNoDigit);
+    }
+    return digits;
+}();
 
 /// @return the number of 1 to 8 hexadecimal digits; no value for anything else.
 std::optional<uint32_t> NumberOf(std::u16string_view digits)
@@ -54,14 +64,22 @@ bool TakePrefix(std::u16string_view& text, std::u16string_view lowerCase)
 bool ReadQuoted(std::u16string_view& text, std::u16string& out)
 {
     while (!text.empty()) {
+        const auto* const special =
+            std::ranges::find_if(text, [](char16_t unit) { return unit == u'"' || unit == u'\\'; });
+        const auto plain = static_cast<std::size_t>(special - text.begin());
+        out.append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty()) {
+            return false;
+        }
         const char16_t unit = text.front();
         text.remove_prefix(1);
         if (unit == u'"') {
             return true;
         }
-        if (unit != u'\\' || text.empty()) {
+        if (text.empty()) {
             out.push_back(unit);
-            continue;
+            return false;
         }
         const char16_t escaped = text.front();
         text.remove_prefix(1);
@@ -78,6 +96,29 @@ bool ReadQuoted(std::u16string_view& text, std::u16string& out)
         }
     }
     return false;
+}
+
+/// Takes bytes from the front that are written as reg.exe writes them: two digits and a comma each. That is how nearly
+/// all of them are written, and most of an export is bytes.
+/// @param most  So many bytes are taken at most.
+void TakePlainBytes(std::u16string_view& text, std::size_t most, std::string& bytes)
+{
+    constexpr std::size_t kWritten = 3;
+    const std::size_t before = bytes.size();
+    const std::size_t count = std::min(text.size() / kWritten, most);
+    bytes.resize(before + count);
+    std::size_t taken = 0;
+    for (; taken < count; ++taken) {
+        const std::u16string_view written = text.substr(kWritten * taken, kWritten);
+        const unsigned high = kDigits[written[0] & 0xFFU];
+        const unsigned low = kDigits[written[1] & 0xFFU];
+        if (written[2] != u',' || (high | low) > 0xF || (written[0] | written[1]) > 0xFF) {
+            break;
+        }
+        bytes[before + taken] = static_cast<char>(high << 4 | low);
+    }
+    bytes.resize(before + taken);
+    text.remove_prefix(kWritten * taken);
 }
 
 /// @return true when nothing but blanks or a comment follows.
@@ -99,18 +140,17 @@ std::u16string_view WithoutBlanks(std::u16string_view text)
     return text;
 }
 
-std::optional<std::u16string> TakeName(std::u16string_view& line)
+bool TakeName(std::u16string_view& line, std::u16string& name)
 {
-    std::u16string name;
     if (line.starts_with(u'@')) {
         line.remove_prefix(1);
-        return name;
+        return true;
     }
     if (!line.starts_with(u'"')) {
-        return std::nullopt;
+        return false;
     }
     line.remove_prefix(1);
-    return ReadQuoted(line, name) ? std::optional(name) : std::nullopt;
+    return ReadQuoted(line, name);
 }
 
 ExportData::State ExportData::Begin(std::u16string_view data, ExportText text, bool wideHex)
@@ -206,6 +246,7 @@ ExportData::State ExportData::ReadBytes(std::u16string_view bytes)
     if (goesOn) {
         bytes.remove_suffix(1);
     }
+    TakePlainBytes(bytes, kMostBytes - m_value.bytes.size(), m_value.bytes);
     // One or two digits, then a comma or the end; blanks between them do not count.
     uint32_t byte = 0;
     unsigned digits = 0;

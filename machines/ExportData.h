@@ -43,7 +43,8 @@ private:
 
 /// Reads a quoted name at the front of a line; "@" is the name of the unnamed value, which is empty.
 /// @param line  Receives what follows the name.
-/// @return no value when the line does not begin with a name.
-[[nodiscard]] std::optional<std::u16string> TakeName(std::u16string_view& line);
+/// @param name  Empty before.
+/// @return false when the line does not begin with a name.
+[[nodiscard]] bool TakeName(std::u16string_view& line, std::u16string& name);
 
 [[nodiscard]] std::u16string_view WithoutBlanks(std::u16string_view text);

@@ -20,22 +20,23 @@ char16_t ExportLine::First() const
         return 0;
     }
     if (text == ExportText::Utf16) {
-        return bytes.size() < 2 ? char16_t{0} : UnitsOf(bytes.substr(0, 2)).front();
+        return bytes.size() < 2 ? char16_t{0}
+                                : static_cast<char16_t>(static_cast<unsigned char>(bytes[0]) |
+                                                        static_cast<unsigned char>(bytes[1]) << 8);
     }
     return static_cast<unsigned char>(bytes.front());
 }
 
-std::u16string ExportLine::Text() const
+void ExportLine::Read(std::u16string& read) const
 {
     if (text == ExportText::Utf16) {
-        return UnitsOf(bytes);
+        ReadUnits(bytes, read);
+    } else if (text == ExportText::Utf8) {
+        read = FromUtf8(bytes);
+    } else {
+        read.resize(bytes.size());
+        std::ranges::transform(bytes, read.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
     }
-    if (text == ExportText::Utf8) {
-        return FromUtf8(bytes);
-    }
-    std::u16string units(bytes.size(), u'\0');
-    std::ranges::transform(bytes, units.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
-    return units;
 }
 
 /// Recognises the form of the text at the beginning of a line.

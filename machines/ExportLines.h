@@ -29,8 +29,9 @@ struct ExportLine
 
     /// @return the first character; 0 for an empty line.
     [[nodiscard]] char16_t First() const;
-    /// @return the line's text; in 8-bit form each unit is one byte.
-    [[nodiscard]] std::u16string Text() const;
+    /// Reads the line's text; in 8-bit form each unit is one byte.
+    /// @param read  Receives it. One text for all lines is allocated only a few times.
+    void Read(std::u16string& read) const;
 };
 
 /// Cuts an export into its lines, block by block. Files that were joined may change the form of the text at the

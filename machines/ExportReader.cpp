@@ -46,16 +46,6 @@ std::vector<std::u16string_view> NamesIn(std::u16string_view path)
     return names;
 }
 
-std::vector<StoredName> StoredNames(const std::vector<std::u16string_view>& names, bool wide)
-{
-    std::vector<StoredName> stored;
-    stored.reserve(names.size());
-    for (const std::u16string_view name : names) {
-        stored.push_back({.units = std::u16string(name), .wide = wide});
-    }
-    return stored;
-}
-
 std::u16string_view WithoutMark(std::u16string_view text)
 {
     return text.starts_with(kMark) ? text.substr(1) : text;
@@ -159,6 +149,13 @@ void ExportReader::ReadLine(const ExportLine& line)
     }
 }
 
+/// @return the line's text, valid until the text of another line is read.
+std::u16string_view ExportReader::TextOf(const ExportLine& line)
+{
+    line.Read(m_text);
+    return m_text;
+}
+
 /// @return true when the text is the first line of an export.
 bool ExportReader::ReadHeader(std::u16string_view text)
 {
@@ -181,7 +178,7 @@ void ExportReader::ReadFirstLine(const ExportLine& line)
         Refuse(line.number, "its text is UTF-16 with the high byte first");
         return;
     }
-    const std::u16string text = line.Text();
+    const std::u16string_view text = TextOf(line);
     if (!ReadHeader(text) && !WithoutBlanks(text).empty()) {
         const std::string begin =
             line.text == ExportText::EightBit ? Printable(line.bytes.substr(0, 40)) : Printable(text.substr(0, 40));
@@ -195,8 +192,7 @@ void ExportReader::ReadOtherLine(const ExportLine& line)
     if (line.isCut) {
         return;
     }
-    const std::u16string text = line.Text();
-    const std::u16string_view content = WithoutBlanks(text);
+    const std::u16string_view content = WithoutBlanks(TextOf(line));
     if (content.empty() || content.starts_with(u';') || ReadHeader(content)) {
         return;
     }
@@ -215,8 +211,7 @@ void ExportReader::ReadBracket(const ExportLine& line)
         Warn(line.number, "a line that is too long to be a key", kExportAgain);
         return;
     }
-    const std::u16string text = line.Text();
-    std::u16string_view path = WithoutBlanks(text).substr(1);
+    std::u16string_view path = WithoutBlanks(TextOf(line)).substr(1);
     const bool isRemoved = path.starts_with(u'-');
     path.remove_prefix(isRemoved ? 1 : 0);
     const Root root = TakeRoot(path);
@@ -247,16 +242,15 @@ void ExportReader::ReadKey(std::u16string_view path, const ExportLine& line, boo
     }
     path.remove_suffix(1);
     const std::vector<std::u16string_view> names = NamesIn(path);
-    const bool isWide = line.text != ExportText::EightBit;
     if (isRemoved) {
-        m_tree.Remove(StoredNames(names, isWide));
+        m_tree.Remove(names);
         return;
     }
     m_wanted = FindWantedKey(names);
     if (m_wanted == nullptr) {
         return;
     }
-    m_key = m_tree.Enter(StoredNames(names, isWide));
+    m_key = m_tree.Enter(names, line.text != ExportText::EightBit);
     if (m_key == nullptr) {
         WarnOfSize(line.number);
     }
@@ -275,18 +269,18 @@ void ExportReader::ReadValue(const ExportLine& line)
         Warn(line.number, "a line that is too long to be a value", kExportAgain);
         return;
     }
-    const std::u16string text = line.Text();
-    std::u16string_view rest = text;
+    std::u16string_view rest = TextOf(line);
     // A file that was joined to a line without its end.
     const std::size_t mark = rest.find(kMark);
     const std::u16string_view joined = rest.substr(std::min(mark, rest.size()));
     rest = rest.substr(0, mark);
-    std::optional<std::u16string> name = TakeName(rest);
+    std::u16string name;
+    const bool hasName = TakeName(rest, name);
     rest = WithoutBlanks(rest);
-    if (!name || !rest.starts_with(u'=')) {
+    if (!hasName || !rest.starts_with(u'=')) {
         Warn(line.number, "a value that cannot be read: \"" + Printable(rest.substr(0, 40)) + "\"", kExportAgain);
     } else {
-        m_valueName = *std::move(name);
+        m_valueName.swap(name);
         m_valueLine = line.number;
         TakeData(m_data.Begin(rest.substr(1), line.text, m_wideHex));
     }
@@ -298,7 +292,7 @@ void ExportReader::ReadValue(const ExportLine& line)
 /// Goes on with a value that its first line has not ended.
 void ExportReader::GoOn(const ExportLine& line)
 {
-    TakeData(line.isCut ? ExportData::State::Bad : m_data.Continue(line.Text()));
+    TakeData(line.isCut ? ExportData::State::Bad : m_data.Continue(TextOf(line)));
 }
 
 void ExportReader::TakeData(ExportData::State state)

@@ -41,6 +41,7 @@ private:
     void ReadValue(const ExportLine& line);
     void TakeData(ExportData::State state);
     [[nodiscard]] bool IsOpen() const { return m_open != ExportData::State::Complete; }
+    [[nodiscard]] std::u16string_view TextOf(const ExportLine& line);
     bool ReadHeader(std::u16string_view text);
 
     void WarnOfSize(std::size_t line);
@@ -65,6 +66,8 @@ private:
     ExportData m_data;
     // OpenText or OpenBytes while a value goes on in the next line, else Complete.
     ExportData::State m_open = ExportData::State::Complete;
+
+    std::u16string m_text; // of the line that is read
 
     // Last: it calls this object.
     ExportLines m_lines;

@@ -17,8 +17,9 @@ Diagnostic FileRemark(const std::string& source, int error)
 
 Machine ReadExport(std::FILE* file, std::string_view begin, const MachineOrigin& origin)
 {
-    constexpr std::size_t kBlockBytes = std::size_t{256} << 10;
-    // Not cleared: most files are smaller than the block.
+    // Small enough that the memory of the last one is used again instead of asking the system for new pages.
+    constexpr std::size_t kBlockBytes = std::size_t{64} << 10;
+    // Not cleared: every byte that is looked at was read before.
     const std::unique_ptr<char[]> block(new char[kBlockBytes]);
     ExportReader reader(origin.source);
     reader.Feed(begin);

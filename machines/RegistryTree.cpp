@@ -6,19 +6,33 @@ RegistryKey* RegistryTree::Enter(std::span<const StoredName> path)
 {
     RegistryKey* key = &m_root;
     for (const StoredName& name : path) {
-        std::u16string upper = UpperCaseName(name.units);
-        const auto found = key->keys.find(upper);
-        if (found != key->keys.end()) {
-            key = &found->second;
-            continue;
-        }
-        m_bytes += kBytesOfKey + 2 * sizeof(char16_t) * upper.size();
-        if (m_bytes > m_mostBytes) {
-            return nullptr;
-        }
-        key = &key->keys.emplace(std::move(upper), RegistryKey{.name = name, .keys = {}, .values = {}}).first->second;
+        key = key == nullptr ? nullptr : Below(*key, name.units, name.wide);
     }
     return key;
+}
+
+RegistryKey* RegistryTree::Enter(std::span<const std::u16string_view> path, bool wide)
+{
+    RegistryKey* key = &m_root;
+    for (const std::u16string_view name : path) {
+        key = key == nullptr ? nullptr : Below(*key, name, wide);
+    }
+    return key;
+}
+
+/// @return the sub-key of that name, which is created when it is missing; null when the tree is full.
+RegistryKey* RegistryTree::Below(RegistryKey& key, std::u16string_view name, bool wide)
+{
+    if (const auto found = key.keys.find(name); found != key.keys.end()) {
+        return &found->second;
+    }
+    m_bytes += kBytesOfKey + 2 * sizeof(char16_t) * name.size();
+    if (m_bytes > m_mostBytes) {
+        return nullptr;
+    }
+    RegistryKey& added = key.keys[UpperCaseName(name)];
+    added.name = {.units = std::u16string(name), .wide = wide};
+    return &added;
 }
 
 bool RegistryTree::SetValue(RegistryKey& key, std::u16string_view name, StoredValue value)
@@ -32,11 +46,11 @@ bool RegistryTree::SetValue(RegistryKey& key, std::u16string_view name, StoredVa
     return true;
 }
 
-void RegistryTree::Remove(std::span<const StoredName> path)
+void RegistryTree::Remove(std::span<const std::u16string_view> path)
 {
     RegistryKey* parent = &m_root;
     for (std::size_t at = 0; at < path.size(); ++at) {
-        const auto found = parent->keys.find(UpperCaseName(path[at].units));
+        const auto found = parent->keys.find(path[at]);
         if (found == parent->keys.end()) {
             return;
         }
@@ -58,7 +72,7 @@ const RegistryKey* FindKey(const RegistryKey& key, std::string_view path)
     const RegistryKey* found = &key;
     for (;;) {
         const std::size_t end = path.find('\\');
-        const auto next = found->keys.find(UpperCaseName(path.substr(0, end)));
+        const auto next = found->keys.find(path.substr(0, end));
         if (next == found->keys.end()) {
             return nullptr;
         }
@@ -72,6 +86,6 @@ const RegistryKey* FindKey(const RegistryKey& key, std::string_view path)
 
 const StoredValue* FindValue(const RegistryKey& key, std::string_view name)
 {
-    const auto found = key.values.find(UpperCaseName(name));
+    const auto found = key.values.find(name);
     return found == key.values.end() ? nullptr : &found->second;
 }

@@ -13,8 +13,8 @@
 struct RegistryKey
 {
     StoredName name;
-    std::map<std::u16string, RegistryKey> keys;   ///< by UpperCaseName
-    std::map<std::u16string, StoredValue> values; ///< by UpperCaseName
+    std::map<std::u16string, RegistryKey, NameOrder> keys;   ///< by UpperCaseName
+    std::map<std::u16string, StoredValue, NameOrder> values; ///< by UpperCaseName
 };
 
 class RegistryTree
@@ -26,11 +26,13 @@ public:
 
     /// @return the key of that path, which is created when it is missing; null when the tree is full.
     RegistryKey* Enter(std::span<const StoredName> path);
+    /// The same for names that are all in the same form.
+    RegistryKey* Enter(std::span<const std::u16string_view> path, bool wide);
     /// Sets a value; an earlier one of its name is replaced.
     /// @return false when the tree is full: the value is then left out.
     bool SetValue(RegistryKey& key, std::u16string_view name, StoredValue value);
     /// Removes a key and everything below it; a missing one is no error.
-    void Remove(std::span<const StoredName> path);
+    void Remove(std::span<const std::u16string_view> path);
 
     /// @param path  ASCII names with backslashes between them.
     /// @return null when there is no such key.
@@ -39,6 +41,8 @@ public:
 
 private:
     static constexpr std::size_t kBytesOfKey = 400; // about, beside its name
+
+    RegistryKey* Below(RegistryKey& key, std::u16string_view name, bool wide);
 
     RegistryKey m_root;
     std::size_t m_mostBytes;

@@ -1,14 +1,21 @@
 #include "StoredText.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 namespace {
 constexpr char32_t kReplacement = 0xFFFD;
+// Units are copied as they are in the file.
+static_assert(std::endian::native == std::endian::little);
 
 constexpr char16_t UpperCase(char16_t unit)
 {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
 }
+
+// An object rather than a function: it is inlined where the algorithms call it.
+constexpr auto InUpperCase = [](auto unit) { return UpperCase(static_cast<char16_t>(unit)); };
 
 void Append(std::u16string& text, char32_t character)
 {
@@ -88,6 +95,21 @@ std::u16string UpperCaseName(std::u16string_view name)
     return upper;
 }
 
+bool NameOrder::operator()(std::u16string_view left, std::u16string_view right) const
+{
+    return std::ranges::lexicographical_compare(left, right, {}, InUpperCase, InUpperCase);
+}
+
+bool NameOrder::operator()(std::u16string_view left, std::string_view right) const
+{
+    return std::ranges::lexicographical_compare(left, right, {}, InUpperCase, InUpperCase);
+}
+
+bool NameOrder::operator()(std::string_view left, std::u16string_view right) const
+{
+    return std::ranges::lexicographical_compare(left, right, {}, InUpperCase, InUpperCase);
+}
+
 std::u16string UpperCaseName(std::string_view name)
 {
     return UpperCaseName(std::u16string(name.begin(), name.end()));
@@ -153,21 +175,25 @@ std::string ToUtf8(std::u16string_view text)
 
 std::u16string UnitsOf(std::string_view bytes)
 {
-    std::u16string units(bytes.size() / 2, u'\0');
-    for (std::size_t at = 0; at < units.size(); ++at) {
-        units[at] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * at]) |
-                                          (static_cast<unsigned char>(bytes[2 * at + 1]) << 8));
-    }
+    std::u16string units;
+    ReadUnits(bytes, units);
     return units;
+}
+
+void ReadUnits(std::string_view bytes, std::u16string& units)
+{
+    units.resize(bytes.size() / 2);
+    // memcpy takes no null pointer, not even for nothing.
+    if (!units.empty()) {
+        std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
+    }
 }
 
 std::string BytesOf(std::u16string_view units)
 {
-    std::string bytes;
-    bytes.reserve(2 * units.size());
-    for (const char16_t unit : units) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
+    std::string bytes(units.size() * sizeof(char16_t), '\0');
+    if (!units.empty()) {
+        std::memcpy(bytes.data(), units.data(), bytes.size());
     }
     return bytes;
 }

@@ -33,6 +33,15 @@ struct StoredValue
 /// The same for a name in ASCII.
 [[nodiscard]] std::u16string UpperCaseName(std::string_view name);
 
+/// Sorts names as UpperCaseName would, whatever their letter case; names in ASCII may be given as bytes.
+struct NameOrder
+{
+    using is_transparent = void;
+    [[nodiscard]] bool operator()(std::u16string_view left, std::u16string_view right) const;
+    [[nodiscard]] bool operator()(std::u16string_view left, std::string_view right) const;
+    [[nodiscard]] bool operator()(std::string_view left, std::u16string_view right) const;
+};
+
 /// @return true when the name is the same without regard to the letter case of ASCII.
 /// @param upper  In ASCII and in upper case.
 [[nodiscard]] bool NameIs(std::u16string_view name, std::string_view upper);
@@ -64,5 +73,7 @@ private:
 [[nodiscard]] std::string ToUtf8(std::u16string_view text);
 /// @return the units of UTF-16 text, low byte first; an odd last byte is left out.
 [[nodiscard]] std::u16string UnitsOf(std::string_view bytes);
+/// The same into a text that may have room for it already.
+void ReadUnits(std::string_view bytes, std::u16string& units);
 /// @return the bytes of UTF-16 text, low byte first.
 [[nodiscard]] std::string BytesOf(std::u16string_view units);

@@ -17,13 +17,25 @@ bool Fits(std::span<const std::u16string_view> path, std::string_view pattern)
     }
     return !path.empty();
 }
+
+/// How many names each path has: most keys of an export are passed over by that number.
+constexpr std::array kDepths = [] {
+    std::array<std::size_t, kWantedKeys.size()> depths{};
+    std::ranges::transform(kWantedKeys, depths.begin(), [](const WantedKey& key) {
+        return 1 + static_cast<std::size_t>(std::ranges::count(key.path, '\\'));
+    });
+    return depths;
+}();
 } // namespace
 
 const WantedKey* FindWantedKey(std::span<const std::u16string_view> path)
 {
-    const auto* const found =
-        std::ranges::find_if(kWantedKeys, [path](const WantedKey& key) { return Fits(path, key.path); });
-    return found == kWantedKeys.end() ? nullptr : found;
+    for (std::size_t key = 0; key < kWantedKeys.size(); ++key) {
+        if (kDepths[key] == path.size() && Fits(path, kWantedKeys[key].path)) {
+            return &kWantedKeys[key];
+        }
+    }
+    return nullptr;
 }
 
 bool WantsValue(const WantedKey& key, std::u16string_view name)

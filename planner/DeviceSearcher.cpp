@@ -257,6 +257,11 @@ SearchOutcome SearchKit(FolderKitSource& source, const SearchTerms& terms, const
         }
     }
     outcome.passedOver = FilesPassedOver(outcome);
+    const MachinePaths& paths = source.Folder().Paths();
+    outcome.names.reserve(outcome.infs.size());
+    for (const std::string& inf : outcome.infs) {
+        outcome.names.push_back(paths.NameOf(inf));
+    }
     return outcome;
 }
 

@@ -210,6 +210,15 @@ std::vector<Diagnostic> KitFolder::Remarks() const
     return remarks;
 }
 
+const KitFile& FolderKitSource::File(const std::string& path)
+{
+    if (m_lastFile == nullptr || path != m_lastPath) {
+        m_lastFile = &m_folder.File(path, m_codePage);
+        m_lastPath = path;
+    }
+    return *m_lastFile;
+}
+
 uint32_t FolderKitSource::ReadText(const char* section, const char* key, const char* defaultText,
                                    std::span<char> buffer, const std::string& file)
 {

@@ -62,7 +62,8 @@ struct SearchOutcome
     std::vector<std::string> directories;
     std::vector<std::string> excludes;
     std::vector<std::string> sectionNames;
-    std::vector<std::string> infs; ///< full paths, each once, in the order in which they were met
+    std::vector<std::string> infs;  ///< full paths, each once, in the order in which they were met
+    std::vector<std::string> names; ///< of the same files, as the answers name them
     std::vector<PassNotes> passes;
     std::vector<JudgedInf> passedOver; ///< each file that was met and not chosen, once
     std::optional<Match> match;
@@ -77,7 +78,9 @@ struct SearchOutcome
 /// What has gone to the driver store after a device of a run.
 struct StoreState
 {
-    std::vector<std::string> all; ///< as the installer remembers them in this run
+    /// As the installer remembers them in this run. Devices for which nothing is stored share the list of the device
+    /// before.
+    std::shared_ptr<const std::vector<std::string>> all;
     std::vector<std::string> now; ///< INF file names that go there for this device, in order
 };
 

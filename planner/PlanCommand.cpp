@@ -68,7 +68,9 @@ public:
                 answer.text = PlanJsonMachine(plan, paths);
                 break;
             case PlanFormat::NdJson:
-                answer.text = m_head + PlanJsonMachine(plan, paths) + PlanJsonTail() + "\n";
+                answer.text = m_head;
+                AppendPlanJsonMachine(answer.text, plan, paths);
+                answer.text += PlanJsonTail() + "\n";
                 break;
             case PlanFormat::Trace:
                 answer.text =
@@ -111,7 +113,10 @@ ExitCode Run(const PlanCommand& command)
     DoInOrder<Answer>(
         count, [&](std::size_t index) { return printer.AnswerFor(ReadMachine(machines.sources[index])); },
         [&](Answer&& answer) {
-            output.Write((done == 0 ? std::string() : printer.Between()) + answer.text);
+            if (done != 0) {
+                output.Write(printer.Between());
+            }
+            output.Write(answer.text);
             output.Say(answer.diagnostics);
             lacksDriver = lacksDriver || answer.lacksDriver;
             output.ShowProgress(++done, count);

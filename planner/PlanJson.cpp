@@ -73,7 +73,7 @@ void WriteDevice(JsonWriter& json, const DevicePlan& device, const MachinePaths&
     json.Key("passedOver").BeginArray();
     for (const JudgedInf& over : search.passedOver) {
         json.BeginObject();
-        json.Key("inf").Text(paths.NameOf(search.infs[over.inf]));
+        json.Key("inf").Text(search.names[over.inf]);
         json.Key("reason").Text(NameOf(over.verdict));
         json.EndObject();
     }
@@ -144,9 +144,8 @@ std::string PlanJsonHead(const KitFolder& kit)
     return text;
 }
 
-std::string PlanJsonMachine(const MachinePlan& plan, const MachinePaths& paths)
+void AppendPlanJsonMachine(std::string& text, const MachinePlan& plan, const MachinePaths& paths)
 {
-    std::string text;
     JsonWriter json(text);
     json.BeginObject();
     json.Key("name").Text(plan.name);
@@ -171,6 +170,12 @@ std::string PlanJsonMachine(const MachinePlan& plan, const MachinePaths& paths)
     WriteRestart(json, plan.restart);
     WriteNotes(json, plan.diagnostics);
     json.EndObject();
+}
+
+std::string PlanJsonMachine(const MachinePlan& plan, const MachinePaths& paths)
+{
+    std::string text;
+    AppendPlanJsonMachine(text, plan, paths);
     return text;
 }
 

@@ -10,6 +10,8 @@
 
 /// @return the beginning of a document, up to its first machine; what belongs to all machines is there.
 [[nodiscard]] std::string PlanJsonHead(const KitFolder& kit);
+/// Appends one machine.
+void AppendPlanJsonMachine(std::string& text, const MachinePlan& plan, const MachinePaths& paths);
 /// @return one machine.
 [[nodiscard]] std::string PlanJsonMachine(const MachinePlan& plan, const MachinePaths& paths);
 /// @return the end of a document, after its last machine.

@@ -13,11 +13,11 @@ std::string MatchText(const Match& match, const MachinePaths& paths)
            std::to_string(match.pass) + ", section [" + Printable(match.modelSection) + "]";
 }
 
-void AppendPassedOver(std::string& out, const SearchOutcome& search, const MachinePaths& paths, const TextStyle& style)
+void AppendPassedOver(std::string& out, const SearchOutcome& search, const TextStyle& style)
 {
     std::map<InfVerdict, std::vector<std::string>> byReason;
     for (const JudgedInf& over : search.passedOver) {
-        byReason[over.verdict].push_back(Printable(paths.NameOf(search.infs[over.inf])));
+        byReason[over.verdict].push_back(Printable(search.names[over.inf]));
     }
     std::string_view label = "passed over";
     for (const auto& [verdict, names] : byReason) {
@@ -60,7 +60,7 @@ void AppendDevice(std::string& out, const DevicePlan& device, const MachinePaths
                         Colour::Bad);
             break;
     }
-    AppendPassedOver(out, search, paths, style);
+    AppendPassedOver(out, search, style);
     if (!device.store->now.empty()) {
         std::vector<std::string> names;
         for (const std::string& name : device.store->now) {

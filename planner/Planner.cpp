@@ -52,15 +52,20 @@ std::size_t BytesOf(const SearchOutcome& outcome)
     for (const std::string& inf : outcome.infs) {
         bytes += sizeof(std::string) + inf.size();
     }
+    for (const std::string& name : outcome.names) {
+        bytes += sizeof(std::string) + name.size();
+    }
     for (const PassNotes& pass : outcome.passes) {
         bytes += pass.judged.size() * sizeof(JudgedInf);
     }
     return bytes + (outcome.passedOver.size() + outcome.qualified.size()) * sizeof(JudgedInf);
 }
 
+/// The list that it shares with the device before is counted there.
 std::size_t BytesOf(const StoreState& store)
 {
-    return sizeof(StoreState) + (store.all.size() + store.now.size()) * (sizeof(std::string) + sizeof(std::string) / 2);
+    const std::size_t names = store.now.empty() ? 0 : store.all->size() + store.now.size();
+    return sizeof(StoreState) + names * (sizeof(std::string) + sizeof(std::string) / 2);
 }
 
 std::vector<std::string> NamesOfQualified(const SearchOutcome& search)
@@ -162,7 +167,7 @@ void Planner::WalkDevices(const Machine& machine, MachinePlan& plan, std::string
             planned.search =
                 std::make_shared<const SearchOutcome>(SearchKit(source, terms, device.name, storedInfs, tracer));
             store = std::make_shared<const StoreState>(
-                StoreState{.all = storedInfs, .now = NamesOfQualified(*planned.search)});
+                StoreState{.all = nullptr, .now = NamesOfQualified(*planned.search)});
         }
         planned.store = store;
         if (planned.search->verdict == SearchVerdict::Fault) {
@@ -207,8 +212,10 @@ std::shared_ptr<const StoreState> Planner::StoreAfter(FolderKitSource& source, c
         }
     }
     StoreState after;
-    after.all = before ? before->all : std::vector<std::string>();
-    after.now = StoreQualified(source, terms, *search, after.all);
+    std::vector<std::string> all = before ? *before->all : std::vector<std::string>();
+    after.now = StoreQualified(source, terms, *search, all);
+    after.all =
+        before && after.now.empty() ? before->all : std::make_shared<const std::vector<std::string>>(std::move(all));
     auto found = std::make_shared<const StoreState>(std::move(after));
     const std::lock_guard lock(m_knownLock);
     Remember(BytesOf(*found));

@@ -1,7 +1,7 @@
 #include "FolderListing.h"
 
+#include <array>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "FileNames.h"
@@ -49,6 +49,11 @@ std::optional<std::string> ReadFileBytes(const std::filesystem::path& file)
         return std::nullopt;
     }
     std::ifstream stream(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    std::string bytes;
+    // Not byte by byte: a kit has tens of megabytes.
+    std::array<char, 16384> block; // NOLINT(cppcoreguidelines-pro-type-member-init): only what was read is looked at
+    while (stream.read(block.data(), block.size()) || stream.gcount() != 0) {
+        bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    }
     return stream.bad() || !stream.is_open() ? std::nullopt : std::optional(std::move(bytes));
 }

@@ -194,6 +194,10 @@ ProfileUnitsView ProfileParser::UnitsOf(Range range) const
 
 bool ProfileParser::CanBeAsked(Range range) const
 {
+    // A file in a code page of single bytes holds nothing that a question cannot hold.
+    if (m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte()) {
+        return true;
+    }
     return std::ranges::all_of(UnitsOf(range),
                                [this](char16_t unit) { return m_profile.m_codePage->CanBeAsked(unit); });
 }

@@ -1,4 +1,4 @@
-# The table of scripts/bench from its figures: passes.tsv, runs.tsv, matched.tsv, sizes.tsv.
+# The table of scripts/bench from its figures: passes.tsv, runs.tsv, matched.tsv, fleet.tsv, sizes.tsv.
 
 function add(key, value) { list[key] = list[key] " " value }
 
@@ -29,6 +29,7 @@ FILENAME ~ /passes\.tsv$/ && $1 == "question" { question = $2 }
 FILENAME ~ /passes\.tsv$/ && $1 == "store" { store[$2 " " $3] = $4 }
 FILENAME ~ /runs\.tsv$/ { add("wall " $1, $2); add("cpu " $1, $3); add("peak " $1, $4) }
 FILENAME ~ /matched\.tsv$/ { add("whole", $1); add("inside", $2); add("rest", $1 - $2); add("share", 100 * $2 / $1); calls = $3 }
+FILENAME ~ /fleet\.tsv$/ { add("fleet wall " $1, $2); add("fleet cpu " $1, $3); add("fleet peak " $1, $4) }
 FILENAME ~ /sizes\.tsv$/ { name = $2; sub(/.*\//, "", name); size[name] = $1; total += $1 }
 
 function pass_row(kind, f, a, p,    plain, reuse, key) {
@@ -37,6 +38,11 @@ function pass_row(kind, f, a, p,    plain, reuse, key) {
     printf "  %5d %8d %6d %11.1f %9.1f %7.1f %9.0f %9d %6d %9d %6d %9d %8d\n", f, a, p, plain, reuse, plain / reuse,
         1000 * reuse / (f * a * p), reads[key "plain"], reads[key "reuse"], files[key "plain"], files[key "reuse"],
         registry[key "plain"], registry[key "reuse"]
+}
+
+function fleet_row(program, text) {
+    printf "  %-44s %17.1f %20.1f %10.1f\n", text, median("fleet wall " program), median("fleet cpu " program),
+        median("fleet peak " program) / 1024
 }
 
 function heading(title) {
@@ -80,6 +86,21 @@ END {
     printf "  an empty program and these install calls alone would have a share of %.0f %%\n",
         100 * median("inside") / (median("inside") + median("wall 0"))
     print ""
+    print "A fleet planned by morvix-kit, against reading its exports (medians of " rounds("fleet wall 0") ")"
+    print "                                               start to exit, ms   processor time, ms   peak, MB"
+    fleet_row(0, "10,000 exports read (cat)")
+    fleet_row(1, "10,000 exports read and decoded (iconv)")
+    fleet_row(5, "10,000 machines, 400 INF files")
+    fleet_row(4, " 2,000 machines, 400 INF files")
+    fleet_row(3, "     1 machine,  400 INF files")
+    fleet_row(2, "     1 machine,  the sample kit")
+    each = median("fleet cpu 5") / 10000; decoded = median("fleet cpu 5") / median("fleet cpu 1")
+    # The kit is read once, whatever the number of machines.
+    more = (median("fleet cpu 5") - median("fleet cpu 3")) / (median("fleet cpu 4") - median("fleet cpu 3"))
+    fleet_peak = median("fleet peak 5") / 1024
+    printf "  processor time of a machine %.2f ms: %.1f times that of reading its export, %.2f times that of decoding it\n", each,
+        median("fleet cpu 5") / median("fleet cpu 0"), decoded
+    print ""
     print "Sizes of the shipped code files, in bytes"
     for (name in size) printf "  %-14s %8d\n", name, size[name]
     printf "  %-14s %8d\n", "together", total
@@ -99,5 +120,10 @@ END {
     target("silent run without adapters against an empty program", wall <= 1.5, sprintf("%.2f (at most 1.5)", wall))
     target("its peak memory above the empty program's", peak <= 8, sprintf("%.1f MB (at most 8)", peak))
     target("Morvix.exe", size["Morvix.exe"] <= 1048576, sprintf("%d kB (at most 1024)", size["Morvix.exe"] / 1024))
+    target("a fleet: processor time of a machine", each <= 1.2, sprintf("%.2f ms (at most 1.2)", each))
+    target("its processor time against decoding its export", decoded <= 5, sprintf("%.1f (at most 5)", decoded))
+    target("cost of five times the machines, the kit not counted", more <= 5.5, sprintf("%.1f (linear is 5)", more))
+    target("its peak memory", fleet_peak <= 150, sprintf("%.0f MB (at most 150)", fleet_peak))
+    target("one machine and the sample kit, from start to exit", median("fleet wall 2") <= 50, sprintf("%.0f ms (at most 50)", median("fleet wall 2")))
     target("all shipped code files", total <= 2097152, sprintf("%d kB (at most 2048)", total / 1024))
 }

@@ -16,6 +16,8 @@ packages=(
     fonts-wqy-microhei
     # the Windows Installer package, its tables, and what a release is made with
     wixl msitools xxd zip unzip rsync osslsigncode openssl libengine-pkcs11-openssl curl
+    # the Debian package of morvix-kit
+    dpkg-dev binutils
     # morvix-kit: the command line, hives, and what its man page is checked with
     libcli11-dev libhivex-dev mandoc
     # its tests: another reader of JSON, a terminal

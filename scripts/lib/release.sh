@@ -58,7 +58,8 @@ write_sums() {
     ) || fail "the sums cannot be made"
 }
 
-# make_release BUILT TARGET: a release of what was built in the build folder BUILT, as the folder TARGET.
+# make_release BUILT TARGET [FILE...]: a release of what was built in the build folder BUILT, and of further files, as the
+# folder TARGET.
 make_release() {
     local built=$1 new=$2.new name parts=$2.parts
     local -a programs
@@ -80,6 +81,7 @@ make_release() {
     make_sbom "$parts/kit" "$parts/actions/MorvixActions.dll" "$new/$name.cdx.json"
     archive "$parts/kit" "$new/$name.zip"
     archive "$parts/symbols" "$new/$name-symbols.zip"
+    (($# == 2)) || cp -- "${@:3}" "$new/"
     make_manifests "$new/$name.msi" "$new"
     write_sums "$new"
     sign_sums "$new/SHA256SUMS"

@@ -6,8 +6,11 @@ set -euo pipefail
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
 # shellcheck source=lib/release.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
+# shellcheck source=../../scripts/lib/tool.sh
+source "$lib/tool.sh"
 
-name=Morvix-$(product_version)
+version=$(product_version)
+name=Morvix-$version
 
 # Every file of the sources, and nothing that was built here. What the last run has built there stays: only what depends on
 # changed sources is built again.
@@ -38,13 +41,15 @@ nothing_names_the_build_folder() { ! grep -rlaF -- "$repo" "$work/symbols" "$wor
 
 start_work release
 other=$build_dir/package-release-elsewhere/in/another/folder
-make_release "$build_dir/windows" "$work/release"
+make_tool_packages "$build_dir/tool/planner/morvix-kit" "$build_dir/windows/planner/morvix-kit.exe" "$work/tool"
+make_release "$build_dir/windows" "$work/release" "$work/tool"/*
 promise "a release builds from the sources alone, in another folder" release_elsewhere
-for file in "$name.msi" "$name.zip" "$name-symbols.zip" "$name.cdx.json" SHA256SUMS; do
+for file in "$name.msi" "$name.zip" "$name-symbols.zip" "$name.cdx.json" "morvix-kit-$version-windows-x64.zip" \
+    "morvix-kit_${version}_$(dpkg --print-architecture).deb" SHA256SUMS; do
     promise "built in another folder, $file has the same bytes" cmp -- "$work/release/$file" "$other/build/release/$file"
 done
 promise "the package of the release is the one that is tested" cmp -- "$package" "$work/release/$name.msi"
-promise "the sums are those of all files, and there is nothing else" holds_sums_of "$work/release" 4
+promise "the sums are those of all files, and there is nothing else" holds_sums_of "$work/release" 6
 
 unpack "$work/release/$name.zip" "$work/unpacked"
 unpack "$work/release/$name-symbols.zip" "$work/symbols"
