@@ -73,8 +73,7 @@ uint32_t Profile::ReadSection(const char* section, std::span<char> buffer) const
     std::string room;
     if (const auto found = FindSection(AsAsked(section, room))) {
         for (const Line& line : LinesOf(*found)) {
-            const bool empty = line.name.size == 0 && !HasValue(line);
-            if (!empty && !IsComment(line)) {
+            if (IsListed(line)) {
                 PutLine(line, answer);
             }
         }
@@ -177,6 +176,13 @@ std::string_view Profile::Stripped(std::string_view name) const
 bool Profile::IsComment(const Line& line) const
 {
     return TextOf(line.name).starts_with(';');
+}
+
+/// Whether ReadSection answers the line.
+bool Profile::IsListed(const Line& line) const
+{
+    const bool empty = line.name.size == 0 && !HasValue(line);
+    return !empty && !IsComment(line);
 }
 
 std::span<const Profile::Line> Profile::LinesOf(std::size_t section) const
@@ -307,6 +313,16 @@ std::size_t Profile::EntryCount(std::size_t section) const
 Profile::Entry Profile::EntryAt(std::size_t section, std::size_t index) const
 {
     return EntryOf(LinesOf(section)[index]);
+}
+
+std::optional<Profile::Entry> Profile::ListedEntry(std::size_t section, std::size_t line) const
+{
+    for (const Line& candidate : LinesOf(section)) {
+        if (IsListed(candidate) && line-- == 0) {
+            return EntryOf(candidate);
+        }
+    }
+    return std::nullopt;
 }
 
 Profile::Entry Profile::EntryOf(const Line& line) const

@@ -339,6 +339,16 @@ TEST(ProfilePlaces, NamesAndValuesHaveLineAndColumn)
     EXPECT_EQ(second->valuePlace, (ProfilePlace{4, 4, 4}));
 }
 
+TEST(ProfilePlaces, AListedEntryIsALineOfTheSectionsAnswer)
+{
+    const File file("[A]\n;c=1\n\nline\n=\nk=2\n");
+    EXPECT_EQ(file.Lines("A"), "line|=|k=2|");
+    EXPECT_EQ(file.Reader().ListedEntry(1, 0).value().namePlace.line, 4U);
+    EXPECT_EQ(file.Reader().ListedEntry(1, 1).value().namePlace.line, 5U);
+    EXPECT_EQ(file.Reader().ListedEntry(1, 2).value().name, "k");
+    EXPECT_FALSE(file.Reader().ListedEntry(1, 3));
+}
+
 TEST(ProfilePlaces, ColumnsCountCharactersAndByteColumnsBytes)
 {
     const File utf8("\xEF\xBB\xBF[A]\nk\xC3\xA9=1\n");
