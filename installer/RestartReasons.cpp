@@ -17,9 +17,9 @@ bool IscsiBootNeedsRestart(const RestartFacts& facts)
            facts.iscsi.initiatorPresent;
 }
 
-bool FcoeBootNeedsRestart(const RestartFacts& facts)
+bool UpdatedFcoeBootNeedsRestart(const RestartFacts& facts)
 {
-    return facts.fcoeBootPorts && facts.extensionUpdateAllowed;
+    return FcoeBootNeedsRestart(facts.fcoeBootPorts, facts.extensionUpdateAllowed);
 }
 
 struct ReasonRow
@@ -31,7 +31,7 @@ struct ReasonRow
 constexpr std::array kReasons = std::to_array<ReasonRow>({
     {RestartReason::DmaEngine, DmaEngineNeedsRestart},
     {RestartReason::IscsiBoot, IscsiBootNeedsRestart},
-    {RestartReason::FcoeBoot, FcoeBootNeedsRestart},
+    {RestartReason::FcoeBoot, UpdatedFcoeBootNeedsRestart},
 });
 } // namespace
 

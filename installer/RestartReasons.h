@@ -34,6 +34,12 @@ struct RestartFacts
     bool extensionUpdateAllowed = false; ///< the management extension allowed the update of FCoE boot drivers
 };
 
+/// Whether a machine that boots or pages over FCoE needs a restart: only when its drivers may be updated.
+[[nodiscard]] constexpr bool FcoeBootNeedsRestart(bool bootPorts, bool updateAllowed)
+{
+    return bootPorts && updateAllowed;
+}
+
 /// Whether the network driver interface's version makes a difference. It is asked for only then.
 [[nodiscard]] bool NdisVersionCounts(const RestartFacts& facts);
 
