@@ -32,6 +32,7 @@ enum class SearchStep
 {
     DirectoryResolved, ///< a directory of the setup INI is about to be made absolute
     DescriptionSought, ///< a device description is about to be read
+    DescriptionCopied, ///< a section has lines, and the description key of the first is about to be copied
     DescriptionTooLong ///< a line's description key does not fit and counts as empty
 };
 
