@@ -7,8 +7,6 @@
 #include <span>
 #include <string_view>
 
-#include "DriverInstallRecord.h"
-#include "EqualsIgnoringCase.h"
 #include "InfModelLine.h"
 
 namespace {
@@ -74,14 +72,6 @@ bool ListsDevice(const KitSearch& search, const std::string& key, const char* se
     }
     LookUpDescription(search, descriptionKey, infPath);
     return match.has_value();
-}
-
-LineVerdict VerdictOnLine(const ModelSection& section, std::size_t line, std::string_view key)
-{
-    if (!section.HasHardwareId(line)) {
-        return LineVerdict::NoHardwareId;
-    }
-    return EqualsIgnoringCase(section.HardwareId(line), key) ? LineVerdict::ListsDevice : LineVerdict::OtherDevice;
 }
 
 bool BeginsWithUtf16Mark(const KitSearch& search, const std::string& path)

@@ -110,11 +110,11 @@ TEST_F(InfDevices, EveryLineHasItsVerdict)
     ASSERT_EQ(section.LineCount(), 4U);
     std::vector<LineVerdict> verdicts;
     for (std::size_t line = 0; line < section.LineCount(); ++line) {
-        verdicts.push_back(VerdictOnLine(section, line, "VEN_2"));
+        verdicts.push_back(section.VerdictOn(line, "VEN_2"));
     }
     EXPECT_THAT(verdicts, ElementsAre(LineVerdict::OtherDevice, LineVerdict::NoHardwareId, LineVerdict::NoHardwareId,
                                       LineVerdict::ListsDevice));
-    EXPECT_EQ(VerdictOnLine(section, 1, ""), LineVerdict::NoHardwareId) << "no ID is not an empty one";
+    EXPECT_EQ(section.VerdictOn(1, ""), LineVerdict::NoHardwareId) << "no ID is not an empty one";
 }
 
 TEST_F(InfDevices, MarksAreSaidAsTheyAre)
