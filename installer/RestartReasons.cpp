@@ -33,6 +33,7 @@ constexpr std::array kReasons = std::to_array<ReasonRow>({
     {RestartReason::IscsiBoot, IscsiBootNeedsRestart},
     {RestartReason::FcoeBoot, UpdatedFcoeBootNeedsRestart},
 });
+static_assert(kReasons.size() == kRestartReasonCount, "each reason has its rule");
 } // namespace
 
 // A new DMA-engine driver takes effect at the next start where the network stack uses the engine: NDIS 5.2 and later,

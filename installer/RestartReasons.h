@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "OSCode.h"
@@ -11,6 +12,8 @@ enum class RestartReason
     IscsiBoot, ///< the machine boots over an adapter of the run by iSCSI
     FcoeBoot,  ///< the machine boots or pages over FCoE, and its drivers were updated
 };
+/// Every table of the reasons has so many rows.
+inline constexpr std::size_t kRestartReasonCount = 3;
 
 /// The four conditions of iSCSI boot, in the order in which the iSCSI support hands them out.
 struct IscsiConditions

@@ -145,11 +145,9 @@ private:
             case InfVerdict::OtherBrand:
                 return Name(path) +
                        " does not count: no line of its [Manufacturer] section has one of the brand names.";
-            case InfVerdict::NotListed:
-            case InfVerdict::ListsDevice:
-                break;
+            default:
+                return Name(path) + " does not count: " + std::string(InWords(verdict)) + ".";
         }
-        return {};
     }
 
     /// Looks for the device elsewhere in the file: that is what its author has to change.
