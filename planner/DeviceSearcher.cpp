@@ -161,19 +161,10 @@ Report ReportOf(const ExpectedResult& expected, const Profile& inf, const std::o
     return report;
 }
 
-bool IsJapaneseLeadByte(unsigned char byte)
+template <uint32_t kCodePage>
+bool IsLeadByteOf(unsigned char byte)
 {
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
-
-bool IsChineseOrKoreanLeadByte(unsigned char byte)
-{
-    return byte >= 0x81 && byte <= 0xFE;
-}
-
-bool IsNoLeadByte(unsigned char /*byte*/)
-{
-    return false;
+    return IsLeadByteIn(kCodePage, byte);
 }
 } // namespace
 
@@ -181,13 +172,15 @@ LeadByteTest LeadByteTestOf(uint32_t codePage)
 {
     switch (codePage) {
         case 932:
-            return IsJapaneseLeadByte;
+            return IsLeadByteOf<932>;
         case 936:
+            return IsLeadByteOf<936>;
         case 949:
+            return IsLeadByteOf<949>;
         case 950:
-            return IsChineseOrKoreanLeadByte;
+            return IsLeadByteOf<950>;
         default:
-            return IsNoLeadByte;
+            return [](unsigned char /*byte*/) { return false; };
     }
 }
 
