@@ -105,6 +105,8 @@ private:
     [[nodiscard]] std::span<const Line> LinesOf(std::size_t section) const;
     [[nodiscard]] std::size_t HashOf(std::string_view name, std::size_t seed) const;
     [[nodiscard]] bool SameName(std::string_view left, std::string_view right) const;
+    /// These two take names as AsAsked gives them.
+    [[nodiscard]] std::optional<std::size_t> SectionOf(std::string_view name) const;
     [[nodiscard]] const Line* FindLine(std::string_view section, std::string_view key) const;
     [[nodiscard]] std::string_view AsAsked(std::string_view text, std::string& room) const;
     [[nodiscard]] std::string_view Stripped(std::string_view name) const;

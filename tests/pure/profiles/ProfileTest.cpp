@@ -325,6 +325,15 @@ TEST(ProfileCodePages, PairsThatDoNotExistAreReplaced)
     EXPECT_EQ(File("[A]\nk=\x81\xFFx\n", ProfileDialect::Wine, 936).Value("A", "k"), "?x");
 }
 
+TEST(ProfileCodePages, ANameIsFoundAsItIsAskedFor)
+{
+    const File file("[\x81\x45]\n\x81\x45=1\n", ProfileDialect::Wine, 932);
+    // A pair that does not exist is asked for as the one that replaces it, and half a pair at the end is dropped.
+    EXPECT_EQ(file.Value("\x85\x40\x83", "\x85\x40\x83"), "1");
+    EXPECT_EQ(file.Reader().FindSection("\x85\x40\x83"), 1U);
+    EXPECT_TRUE(file.Reader().FindEntry("\x85\x40\x83", "\x85\x40\x83"));
+}
+
 TEST(ProfilePlaces, NamesAndValuesHaveLineAndColumn)
 {
     const File file("\r\n[A]\r\n  key = \"v\"\rk\xE9=1\n");
