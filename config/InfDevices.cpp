@@ -7,8 +7,6 @@
 #include <span>
 #include <string_view>
 
-#include "DriverInstallRecord.h"
-#include "EqualsIgnoringCase.h"
 #include "InfModelLine.h"
 
 namespace {
@@ -26,12 +24,16 @@ void CopyCut(std::string_view text, std::span<char> buffer)
 std::string DescriptionKeyOf(const KitSearch& search, const ModelSection& section, std::optional<std::size_t> match)
 {
     const std::size_t walked = match ? *match + 1 : section.LineCount();
+    if (walked != 0) {
+        // Only the first bounded copy of a process has an effect: one step for a section stands for all its copies.
+        search.log.Reached(SearchStep::DescriptionCopied);
+    }
     std::string key;
     for (std::size_t line = 0; line < walked; ++line) {
         const std::string_view text = section.DescriptionKey(line);
         const bool fits = text.size() < kDescriptionKeyBytes;
         if (!fits) {
-            // Told for every line up to the last one walked, although only that one's text is used.
+            // Reached for every line up to the last one walked, although only that one's text is used.
             search.log.Reached(SearchStep::DescriptionTooLong);
         }
         if (line + 1 == walked && fits) {
@@ -70,14 +72,6 @@ bool ListsDevice(const KitSearch& search, const std::string& key, const char* se
     }
     LookUpDescription(search, descriptionKey, infPath);
     return match.has_value();
-}
-
-LineVerdict VerdictOnLine(const ModelSection& section, std::size_t line, std::string_view key)
-{
-    if (!section.HasHardwareId(line)) {
-        return LineVerdict::NoHardwareId;
-    }
-    return EqualsIgnoringCase(section.HardwareId(line), key) ? LineVerdict::ListsDevice : LineVerdict::OtherDevice;
 }
 
 bool BeginsWithUtf16Mark(const KitSearch& search, const std::string& path)

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
-#include <string_view>
 
 #include "KitSearch.h"
 
@@ -17,9 +15,6 @@
 /// @return true when the first hardware ID of a line of the section is `key`.
 [[nodiscard]] bool ListsDevice(const KitSearch& search, const std::string& key, const char* sectionName,
                                const std::string& infPath);
-
-/// @return what a line of a model section means for the device `key`.
-[[nodiscard]] LineVerdict VerdictOnLine(const ModelSection& section, std::size_t line, std::string_view key);
 
 /// @return true when a file begins with the little-endian UTF-16 mark, false also when it cannot be read. The answer is
 ///         only traced in a search: the platform reads both forms.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "InfDirectory.h"
 #include "InstallerSearch.h"
 #include "KitLists.h"
 #include "OSVersion.h"
@@ -32,23 +33,4 @@ bool GetInfFile(const char* key, const std::string& directory, const DriverInsta
     }
     OrvSafeCopy("InfSearch", __LINE__, infPath, kInfPathBytes, found->c_str());
     return true;
-}
-
-InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
-                                 const std::vector<std::string>& excludes)
-{
-    const InstallerSearch installer(system, std::string(family));
-    KitSearch search = installer;
-    search.forceInfScan = forceInfScan;
-    return ReadSearchRules(search, excludes);
-}
-
-std::string FindInfInDirectory(const char* key, const std::string& directoryPath, const InfSearchRules& rules)
-{
-    return FindInfByRules(InstallerSearch(), key, directoryPath, rules).value_or("");
-}
-
-bool InfQualifies(const std::string& infPath, const std::string& expectedSignature)
-{
-    return !WhyNotQualified(InstallerSearch(), infPath, expectedSignature);
 }

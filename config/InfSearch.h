@@ -1,12 +1,9 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "DriverInstallRecord.h"
-#include "InfDirectory.h"
-#include "InfStore.h"
 #include "OSCode.h"
 
 /// Search for the INF file that lists a device, among those that the setup INI names for a system.
@@ -30,18 +27,3 @@ void GetInfDirsFor(OSCode system, std::vector<std::string>& directories, std::ve
 /// @return true when an INF was found.
 bool GetInfFile(const char* key, const std::string& directory, const DriverInstallRecord& record, char* infPath,
                 const std::vector<std::string>& excludes);
-
-/// @return the rules for a system of code `system` and family `family`. Reads the setup INI.
-/// @param forceInfScan  Whether the user asked to scan excluded INF files as well.
-[[nodiscard]] InfSearchRules InfSearchRulesFor(OSCode system, std::string_view family, bool forceInfScan,
-                                               const std::vector<std::string>& excludes);
-
-/// Searches one directory by the given rules. Each INF that qualifies on the way is handed to the platform's INF store,
-/// as with GetInfFile. The search's handle stays open for the rest of the run.
-/// @param directoryPath  Directory with a backslash at its end.
-/// @return full path of the first INF that lists the device `key`; empty when there is none.
-[[nodiscard]] std::string FindInfInDirectory(const char* key, const std::string& directoryPath,
-                                             const InfSearchRules& rules);
-
-/// @return true when the INF's signature and manufacturer make it one of ours for this system. Nothing is changed.
-[[nodiscard]] bool InfQualifies(const std::string& infPath, const std::string& expectedSignature);

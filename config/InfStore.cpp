@@ -6,8 +6,6 @@
 
 #include "EntryPoints.h"
 #include "Handles.h"
-#include "InfCopies.h"
-#include "InstallerSearch.h"
 #include "LastError.h"
 #include "Trace.h"
 
@@ -39,9 +37,4 @@ int SetupCopyInf(const std::string& infPath, const std::string& sourceDirectory)
     SetLastError(error);
     PrintGetLastErrorMessage();
     return 1;
-}
-
-void CopyInfOnce(const std::string& fileName, const std::string& infPath, const std::string& sourceDirectory)
-{
-    StoreInfOnce(InstallerSearch(), fileName, infPath, sourceDirectory);
 }

@@ -19,10 +19,3 @@ extern CopiedInfListRecord CopiedInfList;
 /// @param sourceDirectory  Where its driver files lie.
 /// @return 1 when the platform's function could be called, whatever it returned; 0 when it could not be loaded.
 int SetupCopyInf(const std::string& infPath, const std::string& sourceDirectory);
-
-/// Hands an INF to the store unless one of the same file name was handed over before in this run, and remembers it in
-/// CopiedInfList even when the store refused it.
-/// @param fileName         The INF's file name; its extension counts as ".inf".
-/// @param infPath          Full path of the INF.
-/// @param sourceDirectory  Where its driver files lie.
-void CopyInfOnce(const std::string& fileName, const std::string& infPath, const std::string& sourceDirectory);

@@ -13,9 +13,9 @@
 /// @return the texts in order; they refer to `buffer`.
 [[nodiscard]] std::vector<std::string_view> LinesOf(std::span<const char> buffer);
 
-/// @return everything after the last `marker` in `line` (letter case counts), or no value when it
-///         stands nowhere. The last place counts, so a line "InfDir=InfDir=x" gives "x".
-[[nodiscard]] std::optional<std::string_view> ValueBehindLast(std::string_view line, std::string_view marker);
+/// @return everything after the last `marker` in `line` (letter case counts), or no value when there is none: a line
+///         "InfDir=InfDir=x" gives "x".
+[[nodiscard]] std::optional<std::string_view> ValueAfterLast(std::string_view line, std::string_view marker);
 
 /// Splits a list at its commas, last part first. Blanks are kept, parts may be empty: an empty list is one empty part.
 [[nodiscard]] std::vector<std::string> SplitFromEnd(std::string_view list);

@@ -13,6 +13,10 @@
 #include "RunOptions.h"
 #include "Trace.h"
 
+namespace {
+constexpr char kThisFile[] = "InstallerSearch";
+}
+
 void InstallerLog::SayPieces(std::span<const std::string_view> pieces)
 {
     TracePieces(pieces);
@@ -38,9 +42,15 @@ void InstallerLog::Reached(SearchStep step)
             LoadLangString(resourceModule, kStringRestorePoint, text.data(), kMessageBytes);
             return;
         }
+        case SearchStep::DescriptionCopied: {
+            // The first bounded copy of a process installs the library's handler for invalid parameters.
+            std::array<char, 1> unused{};
+            OrvSafeCopy(kThisFile, __LINE__, unused.data(), unused.size(), "");
+            return;
+        }
         case SearchStep::DescriptionTooLong: {
             std::array<char, 1> noRoom{};
-            OrvSafeCopy("InfReader", __LINE__, noRoom.data(), noRoom.size(), "description key");
+            OrvSafeCopy(kThisFile, __LINE__, noRoom.data(), noRoom.size(), "description key");
             return;
         }
     }

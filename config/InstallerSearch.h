@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "KitSearch.h"
 #include "PlatformKit.h"

@@ -62,17 +62,17 @@ private:
     std::unique_ptr<InfListing> m_listing;
 };
 
-template <class Ask, class Tells>
-const KeptAnswers::Answer& KeptAnswers::AnswerTo(File& file, Ask ask, Tells tells)
+template <class Ask, class IsFromFile>
+const KeptAnswers::Answer& KeptAnswers::AnswerTo(File& file, Ask ask, IsFromFile isFromFile)
 {
     Kept& kept = file.answers[m_question];
     const bool wasForThisDevice = kept.device == m_device;
-    if (kept.tellsOfTheFile || (kept.cameTwice && wasForThisDevice)) {
+    if (kept.couldOnlyComeFromFile || (kept.cameTwice && wasForThisDevice)) {
         return kept.answer;
     }
     Answer answer = ask();
     kept.cameTwice = wasForThisDevice && answer.IsLike(kept.answer);
-    kept.tellsOfTheFile = tells(answer);
+    kept.couldOnlyComeFromFile = isFromFile(answer);
     kept.device = m_device;
     kept.answer = std::move(answer);
     return kept.answer;

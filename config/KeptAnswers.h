@@ -52,7 +52,7 @@ private:
     struct Kept
     {
         Answer answer;
-        bool tellsOfTheFile = false;
+        bool couldOnlyComeFromFile = false;
         bool cameTwice = false;
         uint64_t device = 0; ///< for which it was given last; 0 for none
     };
@@ -76,10 +76,10 @@ private:
     File* Find(const std::string& path, std::optional<FileMark>* mark = nullptr);
     File* FindWithStamp(const std::string& path, const FileStamp& stamp, std::optional<FileMark>* mark);
 
-    /// @param tells  Whether an answer could only come from the file.
+    /// @param isFromFile  Whether an answer could only come from the file.
     /// @return the answer to m_question, valid until the next call.
-    template <class Ask, class Tells>
-    const Answer& AnswerTo(File& file, Ask ask, Tells tells);
+    template <class Ask, class IsFromFile>
+    const Answer& AnswerTo(File& file, Ask ask, IsFromFile isFromFile);
 
     /// Asks for what a call leaves in a buffer, or fills the buffer with what it left before.
     template <class Ask>

@@ -44,11 +44,20 @@ ModelSection::Part ModelSection::Keep(std::string_view text)
     return part;
 }
 
+LineVerdict ModelSection::VerdictOn(std::size_t line, std::string_view key) const
+{
+    if (!HasHardwareId(line)) {
+        return LineVerdict::NoHardwareId;
+    }
+    return EqualsIgnoringCase(HardwareId(line), key) ? LineVerdict::ListsDevice : LineVerdict::OtherDevice;
+}
+
 std::optional<std::size_t> ModelSection::LineOf(std::string_view key) const
 {
     const uint32_t hash = HashIgnoringCase(key);
     for (std::size_t line = 0; line < m_lines.size(); ++line) {
-        if (m_lines[line].idHash == hash && m_lines[line].hasId && EqualsIgnoringCase(HardwareId(line), key)) {
+        // The hash spares most lines the comparison of texts.
+        if (m_lines[line].idHash == hash && VerdictOn(line, key) == LineVerdict::ListsDevice) {
             return line;
         }
     }

@@ -11,6 +11,14 @@
 /// Longest section that the platform reads, in bytes.
 inline constexpr std::size_t kModelSectionBytes = 32767;
 
+/// What a line of a model section means for a device.
+enum class LineVerdict
+{
+    ListsDevice,
+    NoHardwareId, ///< nothing that ends a bus prefix, or nothing after it
+    OtherDevice,  ///< its first hardware ID is another one
+};
+
 /// One model section of an INF, read once and searched for many devices.
 class ModelSection
 {
@@ -24,7 +32,9 @@ public:
     [[nodiscard]] bool WasRead() const { return m_wasRead; }
     [[nodiscard]] std::size_t LineCount() const { return m_lines.size(); }
 
-    /// @return the number of the first line whose hardware ID is `key`, letter case aside; no value when there is none.
+    /// @return what a line means for the device `key`, letter case aside.
+    [[nodiscard]] LineVerdict VerdictOn(std::size_t line, std::string_view key) const;
+    /// @return the number of the first line that lists the device `key`; no value when there is none.
     [[nodiscard]] std::optional<std::size_t> LineOf(std::string_view key) const;
 
     /// @return the text before a line's equals sign; empty when there is none.

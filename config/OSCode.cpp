@@ -91,18 +91,18 @@ OSCode DecideSix(const SystemFacts& facts)
     }
 }
 
-/// A process may be told 6.0 on a later system.
-OSCode CorrectSixZero(OSCode told, const SystemFacts& facts, const LaterSystemVerifier& verifier)
+/// The system may report 6.0 to a process although it is a later one.
+OSCode CorrectSixZero(OSCode reported, const SystemFacts& facts, const LaterSystemVerifier& verifier)
 {
     if (verifier.IsSixOne()) {
         // A workstation to which 6.0 is reported stays a 6.0 workstation, by design; only servers are corrected.
-        return IsWorkstationProduct(facts) ? told : ByProcessor(facts, osWIN2K8R232E, osWIN2K8R264, told);
+        return IsWorkstationProduct(facts) ? reported : ByProcessor(facts, osWIN2K8R232E, osWIN2K8R264, reported);
     }
     if (verifier.IsSixTwoOrLater()) {
         return ByProcessor(facts, IsWorkstationProduct(facts) ? osWINEIGHT32E : osWINEIGHTSRV32E, osWINEIGHT32,
                            osWINEIGHT32);
     }
-    return told;
+    return reported;
 }
 } // namespace
 
@@ -126,6 +126,6 @@ OSCode DecideOSCode(const SystemFacts& facts, const LaterSystemVerifier& verifie
     if (facts.majorVersion != 6) {
         return osUNSUPPORTED;
     }
-    const OSCode told = DecideSix(facts);
-    return facts.minorVersion == 0 ? CorrectSixZero(told, facts, verifier) : told;
+    const OSCode reported = DecideSix(facts);
+    return facts.minorVersion == 0 ? CorrectSixZero(reported, facts, verifier) : reported;
 }

@@ -19,19 +19,12 @@ enum class InfVerdict
     NotListed,      ///< it qualifies, and none of the model sections lists the device
 };
 
-/// What became of one line of a model section.
-enum class LineVerdict
-{
-    ListsDevice,
-    NoHardwareId, ///< nothing that ends a bus prefix, or nothing after it
-    OtherDevice,  ///< its first hardware ID is another one
-};
-
 /// Places of the search at which the installer makes a call whose result is not used.
 enum class SearchStep
 {
     DirectoryResolved, ///< a directory of the setup INI is about to be made absolute
     DescriptionSought, ///< a device description is about to be read
+    DescriptionCopied, ///< a section has lines, and the description key of the first is about to be copied
     DescriptionTooLong ///< a line's description key does not fit and counts as empty
 };
 
@@ -55,7 +48,7 @@ public:
     /// A device's search begins one of its passes.
     virtual void PassBegins(int /*pass*/, std::string_view /*searchId*/) {}
 
-    /// A model section was searched. VerdictOnLine says what became of each of its lines.
+    /// A model section was searched. Its VerdictOn says what became of each of its lines.
     /// @param match  Number of the line that lists the device.
     virtual void SectionSearched(std::string_view /*infPath*/, std::string_view /*sectionName*/,
                                  const ModelSection& /*section*/, std::optional<std::size_t> /*match*/)

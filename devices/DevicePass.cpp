@@ -17,7 +17,6 @@
 #include "NordaNetworkDevice.h"
 #include "OSVersion.h"
 #include "OrvSecure.h"
-#include "PathCase.h"
 #include "PlatformKit.h"
 #include "SearchIds.h"
 #include "ServedFamilies.h"
@@ -31,9 +30,9 @@ void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const
 {
     OrvSafeCopy(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), "PCI\\");
     OrvSafeCat(kThisFile, __LINE__, record.hardwareId.data(), record.hardwareId.size(), deviceId.c_str());
-    // Reports a path that does not fit; the field is then empty.
-    OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), match.infPath.c_str());
-    MakePathUpperCase(record.infPath);
+    // The copy reports a path that does not fit, for which the search has none to record; the field is then empty.
+    const std::string& infPath = match.recordPath.empty() ? match.infPath : match.recordPath;
+    OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), infPath.c_str());
     DevicePassState.deviceMatched = 1;
     if (match.isDmaEngine) {
         DevicePassState.qdatInstalled = 1;

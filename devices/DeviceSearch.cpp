@@ -58,7 +58,7 @@ std::optional<std::string> FindInDirectories(const KitSearch& search, const std:
     return std::nullopt;
 }
 
-/// Runs the passes.
+/// Runs the passes up to the first that finds an INF, or whose ID cannot be formed.
 DeviceMatch RunPasses(const KitSearch& search, const std::string& deviceId, const InfLists& lists)
 {
     std::string searchId = deviceId;

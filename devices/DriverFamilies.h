@@ -77,5 +77,5 @@ static_assert(HasShape(), "21 rows of three to five upper-case letters or digits
 [[nodiscard]] const DriverFamily* FamilyOfInf(std::string_view upperFileName);
 
 /// @param is61System  The system is Windows 7 or Windows Server 2008 R2; later and earlier ones use the plain pattern.
-/// @return the search pattern of the family's driver file, to be appended to the driver directory's path as it stands.
+/// @return the search pattern of the family's driver file, to be appended to the driver directory's path as it is.
 [[nodiscard]] std::string DriverFilePattern(const DriverFamily& family, bool is61System);

@@ -38,8 +38,10 @@ void PostVerdict(ResultVerdict verdict, const ExpectedResult& expected, const st
     std::array<char, MAX_PATH> valueName{};
     OrvSafeCopy("PostInstall", __LINE__, valueName.data(), valueName.size(), expected.valueName.c_str());
     std::array<char, MAX_PATH> version{};
+    std::string_view result = kResultFailure;
     switch (verdict) {
         case ResultVerdict::DriverFilePresent:
+            result = kResultSuccess;
             Trace(R"(Driver sys file found in \system32\drivers)");
             GetModuleVersion(driverFile, version);
             break;
@@ -51,8 +53,7 @@ void PostVerdict(ResultVerdict verdict, const ExpectedResult& expected, const st
             Trace(R"(Driver sys file NOT found in \system32\drivers)");
             break;
     }
-    PostResultToRegistry(std::string(verdict == ResultVerdict::DriverFilePresent ? kResultSuccess : kResultFailure),
-                         valueName.data(), valueName.size(), version.data());
+    PostResultToRegistry(std::string(result), valueName.data(), valueName.size(), version.data());
 }
 
 std::span<char> TextOf(std::span<char> buffer)

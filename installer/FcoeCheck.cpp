@@ -7,6 +7,7 @@
 #include "ManagementExtension.h"
 #include "OrvRegKey.h"
 #include "OrvString.h"
+#include "RestartReasons.h"
 #include "RunOptions.h"
 #include "RunState.h"
 
@@ -31,11 +32,11 @@ bool FcoeBootAllowsRun()
 {
     RunState.fcoeBootPorts = AreFCoEBootEnabledPortsPresent();
     CheckManagementExtension();
-    if (!RunState.fcoeBootPorts) {
+    if (FcoeBootNeedsRestart(RunState.fcoeBootPorts, RunState.extensionUpdateAllowed)) {
+        RunState.fcoeRestart = true;
         return true;
     }
-    if (RunState.extensionUpdateAllowed) {
-        RunState.fcoeRestart = true;
+    if (!RunState.fcoeBootPorts) {
         return true;
     }
     if (!RunOptions.silent && !RunOptions.msiMode) {

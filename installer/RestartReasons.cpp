@@ -17,9 +17,9 @@ bool IscsiBootNeedsRestart(const RestartFacts& facts)
            facts.iscsi.initiatorPresent;
 }
 
-bool FcoeBootNeedsRestart(const RestartFacts& facts)
+bool UpdatedFcoeBootNeedsRestart(const RestartFacts& facts)
 {
-    return facts.fcoeBootPorts && facts.extensionUpdateAllowed;
+    return FcoeBootNeedsRestart(facts.fcoeBootPorts, facts.extensionUpdateAllowed);
 }
 
 struct ReasonRow
@@ -31,8 +31,9 @@ struct ReasonRow
 constexpr std::array kReasons = std::to_array<ReasonRow>({
     {RestartReason::DmaEngine, DmaEngineNeedsRestart},
     {RestartReason::IscsiBoot, IscsiBootNeedsRestart},
-    {RestartReason::FcoeBoot, FcoeBootNeedsRestart},
+    {RestartReason::FcoeBoot, UpdatedFcoeBootNeedsRestart},
 });
+static_assert(kReasons.size() == kRestartReasonCount, "each reason has its rule");
 } // namespace
 
 // A new DMA-engine driver takes effect at the next start where the network stack uses the engine: NDIS 5.2 and later,

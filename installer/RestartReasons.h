@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "OSCode.h"
@@ -11,6 +12,8 @@ enum class RestartReason
     IscsiBoot, ///< the machine boots over an adapter of the run by iSCSI
     FcoeBoot,  ///< the machine boots or pages over FCoE, and its drivers were updated
 };
+/// Every table of the reasons has so many rows.
+inline constexpr std::size_t kRestartReasonCount = 3;
 
 /// The four conditions of iSCSI boot, in the order in which the iSCSI support hands them out.
 struct IscsiConditions
@@ -33,6 +36,12 @@ struct RestartFacts
     bool fcoeBootPorts = false;
     bool extensionUpdateAllowed = false; ///< the management extension allowed the update of FCoE boot drivers
 };
+
+/// Whether a machine that boots or pages over FCoE needs a restart: only when its drivers may be updated.
+[[nodiscard]] constexpr bool FcoeBootNeedsRestart(bool bootPorts, bool updateAllowed)
+{
+    return bootPorts && updateAllowed;
+}
 
 /// Whether the network driver interface's version makes a difference. It is asked for only then.
 [[nodiscard]] bool NdisVersionCounts(const RestartFacts& facts);

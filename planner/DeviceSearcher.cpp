@@ -4,10 +4,8 @@
 #include <array>
 
 #include "CopiedFiles.h"
-#include "EqualsIgnoringCase.h"
 #include "InfCopies.h"
 #include "InfDirectory.h"
-#include "InfModelLine.h"
 #include "InstallResult.h"
 #include "KitLists.h"
 
@@ -31,6 +29,7 @@ public:
     {
         if (match) {
             m_matchedSection = sectionName;
+            m_matchedLine = *match;
         }
     }
     void InfJudged(const std::string& infPath, InfVerdict verdict) override
@@ -39,6 +38,8 @@ public:
     }
 
     [[nodiscard]] const std::string& MatchedSection() const { return m_matchedSection; }
+    /// @return the line's number among those that the platform lists for the section.
+    [[nodiscard]] std::size_t MatchedLine() const { return m_matchedLine; }
 
 private:
     uint32_t PlaceOf(const std::string& infPath)
@@ -53,6 +54,7 @@ private:
     SearchOutcome& m_outcome;
     std::unordered_map<std::string, uint32_t> m_places;
     std::string m_matchedSection;
+    std::size_t m_matchedLine = 0;
 };
 
 /// Lets two listeners hear a search.
@@ -112,22 +114,11 @@ private:
     std::vector<std::string> m_names;
 };
 
-/// Finds the line of the file that a search has found: the first of its section that lists the ID.
-std::optional<Profile::Entry> LineOf(const Profile& inf, const std::string& section, const std::string& searchId)
+/// Finds the line that a search has found in the file.
+std::optional<Profile::Entry> LineOf(const Profile& inf, const NoteLog& notes)
 {
-    const std::optional<std::size_t> found = inf.FindSection(section);
-    if (!found) {
-        return std::nullopt;
-    }
-    for (std::size_t index = 0; index < inf.EntryCount(*found); ++index) {
-        const Profile::Entry entry = inf.EntryAt(*found, index);
-        const std::string line = std::string(entry.name) + "=" + std::string(entry.value.value_or(std::string_view()));
-        const ModelLine parts = ParseModelLine(line);
-        if (parts.hardwareId && EqualsIgnoringCase(*parts.hardwareId, searchId)) {
-            return entry;
-        }
-    }
-    return std::nullopt;
+    const std::optional<std::size_t> section = inf.FindSection(notes.MatchedSection());
+    return section ? inf.ListedEntry(*section, notes.MatchedLine()) : std::nullopt;
 }
 
 std::string ValueOf(const Profile& inf, std::string_view section, std::string_view key)
@@ -170,19 +161,10 @@ Report ReportOf(const ExpectedResult& expected, const Profile& inf, const std::o
     return report;
 }
 
-bool IsJapaneseLeadByte(unsigned char byte)
+template <uint32_t kCodePage>
+bool IsLeadByteOf(unsigned char byte)
 {
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
-
-bool IsChineseOrKoreanLeadByte(unsigned char byte)
-{
-    return byte >= 0x81 && byte <= 0xFE;
-}
-
-bool IsNoLeadByte(unsigned char /*byte*/)
-{
-    return false;
+    return IsLeadByteIn(kCodePage, byte);
 }
 } // namespace
 
@@ -190,13 +172,15 @@ LeadByteTest LeadByteTestOf(uint32_t codePage)
 {
     switch (codePage) {
         case 932:
-            return IsJapaneseLeadByte;
+            return IsLeadByteOf<932>;
         case 936:
+            return IsLeadByteOf<936>;
         case 949:
+            return IsLeadByteOf<949>;
         case 950:
-            return IsChineseOrKoreanLeadByte;
+            return IsLeadByteOf<950>;
         default:
-            return IsNoLeadByte;
+            return [](unsigned char /*byte*/) { return false; };
     }
 }
 
@@ -242,7 +226,7 @@ SearchOutcome SearchKit(FolderKitSource& source, const SearchTerms& terms, const
     if (found.verdict == SearchVerdict::Matched) {
         const Profile& inf = source.File(found.infPath).Text();
         const std::string& searchId = outcome.passes.back().searchId;
-        const std::optional<Profile::Entry> line = LineOf(inf, notes.MatchedSection(), searchId);
+        const std::optional<Profile::Entry> line = LineOf(inf, notes);
         outcome.match = Match{.inf = found.infPath,
                               .recordPath = found.recordPath,
                               .line = line ? line->namePlace.line : 0,

@@ -4,23 +4,40 @@ namespace {
 // The installer's own words.
 constexpr std::string_view kResultSuccess = "SUCCESS";
 constexpr std::string_view kResultFailure = "FAILURE";
+
+/// How an outcome is named in every output, and what it is in words.
+struct Wording
+{
+    std::string_view name;
+    std::string_view words;
+};
+
+Wording WordingOf(InfVerdict verdict)
+{
+    switch (verdict) {
+        case InfVerdict::ListsDevice:
+            return {.name = "lists-device", .words = "lists the device"};
+        case InfVerdict::Excluded:
+            return {.name = "excluded", .words = "excluded by Morvix.ini"};
+        case InfVerdict::OtherSignature:
+            return {.name = "other-signature", .words = "signature of another system"};
+        case InfVerdict::OtherBrand:
+            return {.name = "other-brand", .words = "no brand of ours"};
+        case InfVerdict::NotListed:
+            return {.name = "not-listed", .words = "not listed"};
+    }
+    return {.name = "unknown", .words = {}};
+}
 } // namespace
 
 std::string_view NameOf(InfVerdict verdict)
 {
-    switch (verdict) {
-        case InfVerdict::ListsDevice:
-            return "lists-device";
-        case InfVerdict::Excluded:
-            return "excluded";
-        case InfVerdict::OtherSignature:
-            return "other-signature";
-        case InfVerdict::OtherBrand:
-            return "other-brand";
-        case InfVerdict::NotListed:
-            return "not-listed";
-    }
-    return "unknown";
+    return WordingOf(verdict).name;
+}
+
+std::string_view InWords(InfVerdict verdict)
+{
+    return WordingOf(verdict).words;
 }
 
 std::string_view NameOf(MachineOutcome outcome)

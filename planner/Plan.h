@@ -156,9 +156,11 @@ struct MachinePlan
 [[nodiscard]] std::string_view NameOf(SearchVerdict verdict);
 [[nodiscard]] std::string_view NameOf(DeviceVerdict verdict);
 
+/// @return in words what became of an INF: "not listed" and so on.
+[[nodiscard]] std::string_view InWords(InfVerdict verdict);
+
 /// @return "SUCCESS", "FAILURE" or "unknown": what the result value would say after the platform has bound the driver,
-/// on
-///         a machine that has no other file of the driver family.
+///         on a machine that has no other file of the driver family.
 [[nodiscard]] std::string_view ResultIfBound(const Report& report);
 
 /// @return the last part of a path on the machine.

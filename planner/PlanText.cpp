@@ -113,23 +113,6 @@ std::string SystemText(const PlannedSystem& system)
 }
 } // namespace
 
-std::string_view InWords(InfVerdict verdict)
-{
-    switch (verdict) {
-        case InfVerdict::ListsDevice:
-            return "lists the device";
-        case InfVerdict::Excluded:
-            return "excluded by Morvix.ini";
-        case InfVerdict::OtherSignature:
-            return "signature of another system";
-        case InfVerdict::OtherBrand:
-            return "no brand of ours";
-        case InfVerdict::NotListed:
-            return "not listed";
-    }
-    return {};
-}
-
 std::string_view InWords(DeviceVerdict verdict)
 {
     switch (verdict) {

@@ -9,8 +9,6 @@
 /// @return a machine's plan for people, with a line feed at its end.
 [[nodiscard]] std::string PlanText(const MachinePlan& plan, const MachinePaths& paths, const TextStyle& style);
 
-/// @return in words what became of an INF: "not listed" and so on.
-[[nodiscard]] std::string_view InWords(InfVerdict verdict);
 /// @return in words why a device is not served.
 [[nodiscard]] std::string_view InWords(DeviceVerdict verdict);
 /// @return true for a device whose vendor number is in the table of accepted IDs: worth a word when it is not served.

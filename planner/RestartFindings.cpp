@@ -23,6 +23,7 @@ constexpr std::array kReasons = std::to_array<ReasonRow>({
     {RestartReason::IscsiBoot, "iscsi-boot", "the machine boots over iSCSI; whether it does, its adapters answer"},
     {RestartReason::FcoeBoot, "fcoe-boot", "the machine boots over FCoE; whether it does, its adapters answer"},
 });
+static_assert(kReasons.size() == kRestartReasonCount, "each reason has its name in the plans");
 
 /// A fact of the rules that a description may not tell.
 struct OpenFact

@@ -27,6 +27,13 @@ bool EndsWithPath(std::string_view path, std::string_view part)
     return path.size() == part.size() || path[path.size() - part.size() - 1] == '/';
 }
 
+bool Contains(std::string_view text, std::string_view part)
+{
+    return !std::ranges::search(text, part, [](char a, char b) {
+                return EqualsIgnoringCase({&a, 1}, {&b, 1});
+            }).empty();
+}
+
 /// The INF files of the searched folders, as full paths on the machine, in the order of the search.
 std::vector<std::string> SearchedFiles(FolderKitSource& source, const SearchOutcome& search)
 {
@@ -138,11 +145,9 @@ private:
             case InfVerdict::OtherBrand:
                 return Name(path) +
                        " does not count: no line of its [Manufacturer] section has one of the brand names.";
-            case InfVerdict::NotListed:
-            case InfVerdict::ListsDevice:
-                break;
+            default:
+                return Name(path) + " does not count: " + std::string(InWords(verdict)) + ".";
         }
-        return {};
     }
 
     /// Looks for the device elsewhere in the file: that is what its author has to change.
@@ -156,6 +161,11 @@ private:
             Name(path) + " qualifies and does not list the device as the first ID of a line of " + Joined(sections);
         const Profile& inf = m_source.File(path).Text();
         const std::string vendorAndDevice = m_device.key.substr(0, m_device.key.find("&SUBSYS"));
+        for (const std::string& name : m_rules.sectionNames) {
+            if (const std::optional<std::string> line = NearestLine(path, name, vendorAndDevice)) {
+                return answer + "; " + *line;
+            }
+        }
         for (std::size_t section = 0; section < inf.SectionCount(); ++section) {
             for (std::size_t index = 0; index < inf.EntryCount(section); ++index) {
                 const Profile::Entry entry = inf.EntryAt(section, index);
@@ -167,6 +177,38 @@ private:
             }
         }
         return answer + ", nor " + Printable(vendorAndDevice) + " anywhere else.";
+    }
+
+    /// @return why the first line of a searched section that names the device does not list it; no value when no line
+    ///         names it.
+    [[nodiscard]] std::optional<std::string> NearestLine(const std::string& path, const std::string& sectionName,
+                                                         const std::string& vendorAndDevice) const
+    {
+        const Profile& inf = m_source.File(path).Text();
+        const std::optional<std::size_t> place = inf.FindSection(sectionName);
+        if (!place) {
+            return std::nullopt;
+        }
+        const std::shared_ptr<const ModelSection> section = m_source.ReadModelSection(sectionName.c_str(), path);
+        for (std::size_t line = 0; line < section->LineCount(); ++line) {
+            const std::optional<Profile::Entry> entry = inf.ListedEntry(*place, line);
+            if (!entry || !entry->value || !Contains(*entry->value, vendorAndDevice)) {
+                continue;
+            }
+            const std::string id(section->HardwareId(line));
+            std::string answer = "line " + std::to_string(entry->namePlace.line) + ", in section [" +
+                                 Printable(inf.SectionName(*place)) + "], ";
+            if (section->VerdictOn(line, m_device.key) == LineVerdict::NoHardwareId) {
+                answer += "names it without a bus prefix such as PCI\\, and so as no hardware ID";
+            } else if (Contains(id, vendorAndDevice)) {
+                answer += "lists " + Printable(id) + ", which no pass looks for";
+            } else {
+                answer +=
+                    "lists " + Printable(id) + " first and names it only as a compatible ID, which does not count";
+            }
+            return answer + ".";
+        }
+        return std::nullopt;
     }
 
     const MachinePlan& m_plan;

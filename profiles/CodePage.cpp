@@ -242,9 +242,15 @@ CodePage::CodePage(uint32_t number) : m_number(number)
     }
 }
 
+bool IsLeadByteIn(uint32_t codePage, unsigned char byte)
+{
+    const PairPage* const page = PairPageOf(codePage);
+    return page != nullptr && Holds(page->leadBytes, byte);
+}
+
 bool CodePage::IsLeadByte(unsigned char byte) const
 {
-    return m_kind == Kind::Double && Holds(PairPageOf(m_number)->leadBytes, byte);
+    return m_kind == Kind::Double && IsLeadByteIn(m_number, byte);
 }
 
 std::size_t CodePage::DecodePair(std::string_view bytes, ProfileUnits& units) const

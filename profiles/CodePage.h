@@ -18,6 +18,9 @@ using ProfileUnitsView = std::basic_string_view<char16_t>;
 /// @return number of bytes that it takes.
 std::size_t DecodeUtf8Character(std::string_view bytes, ProfileUnits& utf16);
 
+/// @return true for the first byte of a character of two bytes in a code page; false in one that has none.
+[[nodiscard]] bool IsLeadByteIn(uint32_t codePage, unsigned char byte);
+
 /// One of the system's 8-bit code pages: 1250, 1251, 1252 (one byte a character), 932, 936, 949, 950 (one or two) and
 /// 65001. What is exact and what is approximated:
 /// - 8-bit files: exact, pairs included that do not exist or that come back as another pair.

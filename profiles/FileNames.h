@@ -18,6 +18,5 @@
 [[nodiscard]] std::vector<std::string> ListInfNames(std::vector<std::string> names);
 
 /// @return the name in `names` that the platform would open for `name`: the same one, or else the first one, in the
-/// order of
-///         a listing, that differs in letter case only. None when there is neither.
+///         order of a listing, that differs in letter case only. None when there is neither.
 [[nodiscard]] std::optional<std::string> FindFileName(const std::vector<std::string>& names, std::string_view name);

@@ -12,8 +12,7 @@
 [[nodiscard]] std::vector<std::string> NamesIn(const std::filesystem::path& folder);
 
 /// @param path  A path below `folder` as the platform spells it: parts are separated by backslashes or slashes, and
-/// letter
-///              case does not count.
+///              letter case does not count.
 /// @return where it is on this machine; none when it does not exist.
 [[nodiscard]] std::optional<std::filesystem::path> FindPath(const std::filesystem::path& folder, std::string_view path);
 

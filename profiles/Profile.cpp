@@ -71,10 +71,9 @@ uint32_t Profile::ReadSection(const char* section, std::span<char> buffer) const
     }
     SectionAnswer answer(buffer);
     std::string room;
-    if (const auto found = FindSection(AsAsked(section, room))) {
+    if (const auto found = SectionOf(AsAsked(section, room))) {
         for (const Line& line : LinesOf(*found)) {
-            const bool empty = line.name.size == 0 && !HasValue(line);
-            if (!empty && !IsComment(line)) {
+            if (IsListed(line)) {
                 PutLine(line, answer);
             }
         }
@@ -112,7 +111,7 @@ uint32_t Profile::AnswerSectionNames(std::span<char> buffer) const
 uint32_t Profile::AnswerKeys(std::string_view section, std::string_view defaultText, std::span<char> buffer) const
 {
     const std::size_t most = buffer.size() - std::min<std::size_t>(buffer.size(), 2);
-    const auto found = FindSection(section);
+    const auto found = SectionOf(section);
     const std::span<const Line> lines = found ? LinesOf(*found) : std::span<const Line>();
     const auto isKey = [this](const Line& line) { return HasValue(line) && !IsComment(line); };
     const auto first = std::ranges::find_if(lines, isKey);
@@ -179,6 +178,13 @@ bool Profile::IsComment(const Line& line) const
     return TextOf(line.name).starts_with(';');
 }
 
+/// Whether ReadSection answers the line.
+bool Profile::IsListed(const Line& line) const
+{
+    const bool empty = line.name.size == 0 && !HasValue(line);
+    return !empty && !IsComment(line);
+}
+
 std::span<const Profile::Line> Profile::LinesOf(std::size_t section) const
 {
     const std::size_t first = m_sections[section].firstLine;
@@ -188,13 +194,19 @@ std::span<const Profile::Line> Profile::LinesOf(std::size_t section) const
 
 std::optional<std::size_t> Profile::FindSection(std::string_view name) const
 {
+    std::string room;
+    return SectionOf(AsAsked(name, room));
+}
+
+std::optional<std::size_t> Profile::SectionOf(std::string_view name) const
+{
     const uint32_t section = m_sectionSlots[SectionSlot(name)];
     return section == kNone ? std::nullopt : std::optional<std::size_t>(section);
 }
 
 const Profile::Line* Profile::FindLine(std::string_view section, std::string_view key) const
 {
-    const auto found = FindSection(section);
+    const auto found = SectionOf(section);
     if (!found) {
         return nullptr;
     }
@@ -204,7 +216,9 @@ const Profile::Line* Profile::FindLine(std::string_view section, std::string_vie
 
 std::optional<Profile::Entry> Profile::FindEntry(std::string_view section, std::string_view key) const
 {
-    const Line* const line = FindLine(Stripped(section), Stripped(key));
+    std::string sectionRoom;
+    std::string keyRoom;
+    const Line* const line = FindLine(Stripped(AsAsked(section, sectionRoom)), Stripped(AsAsked(key, keyRoom)));
     return line == nullptr ? std::nullopt : std::optional(EntryOf(*line));
 }
 
@@ -307,6 +321,16 @@ std::size_t Profile::EntryCount(std::size_t section) const
 Profile::Entry Profile::EntryAt(std::size_t section, std::size_t index) const
 {
     return EntryOf(LinesOf(section)[index]);
+}
+
+std::optional<Profile::Entry> Profile::ListedEntry(std::size_t section, std::size_t line) const
+{
+    for (const Line& candidate : LinesOf(section)) {
+        if (IsListed(candidate) && line-- == 0) {
+            return EntryOf(candidate);
+        }
+    }
+    return std::nullopt;
 }
 
 Profile::Entry Profile::EntryOf(const Line& line) const

@@ -58,6 +58,9 @@ public:
     [[nodiscard]] ProfilePlace SectionPlace(std::size_t section) const;
     [[nodiscard]] std::size_t EntryCount(std::size_t section) const;
     [[nodiscard]] Entry EntryAt(std::size_t section, std::size_t index) const;
+    /// @param line  Number of a line in the answer of ReadSection, the first being 0.
+    /// @return the entry that ReadSection puts there; none after the last line.
+    [[nodiscard]] std::optional<Entry> ListedEntry(std::size_t section, std::size_t line) const;
 
     /// @return the section that ReadSection answers for a name; none when it is missing.
     [[nodiscard]] std::optional<std::size_t> FindSection(std::string_view name) const;
@@ -102,12 +105,15 @@ private:
     [[nodiscard]] std::span<const Line> LinesOf(std::size_t section) const;
     [[nodiscard]] std::size_t HashOf(std::string_view name, std::size_t seed) const;
     [[nodiscard]] bool SameName(std::string_view left, std::string_view right) const;
+    /// These two take names as AsAsked gives them.
+    [[nodiscard]] std::optional<std::size_t> SectionOf(std::string_view name) const;
     [[nodiscard]] const Line* FindLine(std::string_view section, std::string_view key) const;
     [[nodiscard]] std::string_view AsAsked(std::string_view text, std::string& room) const;
     [[nodiscard]] std::string_view Stripped(std::string_view name) const;
     [[nodiscard]] ProfilePlace PlaceOf(uint32_t offset) const;
     [[nodiscard]] Entry EntryOf(const Line& line) const;
     [[nodiscard]] bool IsComment(const Line& line) const;
+    [[nodiscard]] bool IsListed(const Line& line) const;
     [[nodiscard]] static bool HasValue(const Line& line) { return line.value.at != kNone; }
     uint32_t AnswerSectionNames(std::span<char> buffer) const;
     uint32_t AnswerKeys(std::string_view section, std::string_view defaultText, std::span<char> buffer) const;

@@ -7,8 +7,8 @@
 
 #include "Profile.h"
 
-/// @return true for what the platform strips around names and values: the control blanks, spaces, and the end mark of
-/// DOS.
+/// @return true for what the platform strips around names and values: the control blanks, spaces, and the end mark
+///         of DOS.
 [[nodiscard]] constexpr bool IsProfileBlank(char16_t unit)
 {
     return (unit >= 0x09 && unit <= 0x0D) || unit == 0x20 || unit == 0x1A;

@@ -58,6 +58,8 @@ public:
             AskInSizes({.call = Call::String, .section = section, .key = KeyName(), .defaultText = Default()});
             AskInSizes({.call = Call::String, .section = section, .key = KeyName(), .defaultText = Default()});
         }
+        AskInSizes({.call = Call::Section, .section = {}, .key = {}, .defaultText = {}});
+        AskInSizes({.call = Call::String, .section = {}, .key = KeyName(), .defaultText = Default()});
         return std::move(m_questions);
     }
 

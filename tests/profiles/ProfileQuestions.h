@@ -28,10 +28,9 @@ struct ProfileQuestion
 inline constexpr auto kProgramBufferBytes = std::to_array<uint32_t>({100, 260, 500, 520, 1024, 32767});
 
 /// @return questions about a file, the same for a content on every machine: names that the file has, spelt in several
-/// ways,
-///         and names that it lacks, each asked with each buffer of the program, tiny buffers, and buffers of about the
-///         answer's size. A whole section is never asked with a buffer below two bytes, because the platform then
-///         writes outside of it.
+///         ways, names that it lacks, and missing names. Each is asked with one of the program's buffers, a tiny one,
+///         one of about the answer's size and one below it. A whole section is never asked with a buffer below two
+///         bytes, because the platform then writes outside of it.
 [[nodiscard]] std::vector<ProfileQuestion> QuestionsAbout(const std::string& content);
 
 /// @return a question in one line, for messages.

@@ -36,7 +36,7 @@ TEST_F(InfDevices, AMatchIsRecordedDescribedAndSaid)
                                                 "ParseINFFile(): key=" + std::string(kKey) +
                                                     ", section name=Norda, file name=" + kInf + "\n",
                                                 "matched:" + std::string(kKey) + "\n"));
-    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionSought));
+    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionCopied, SearchStep::DescriptionSought));
 }
 
 TEST_F(InfDevices, EverySectionThatWasSearchedIsReportedWithTheLineOfItsMatch)
@@ -76,6 +76,7 @@ TEST_F(InfDevices, AMissingSectionIsSaidAndItsDescriptionIsEmpty)
     EXPECT_FALSE(ListsDevice(m_memory.Search(), kKey, "Norda", kInf));
     EXPECT_EQ(m_memory.log.lines.back(), "GetPrivateProfileSection() failed");
     EXPECT_EQ(Description(), "");
+    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionSought)) << "nothing is copied";
 }
 
 TEST_F(InfDevices, ADescriptionKeyOf260CharactersCountsAsEmptyAndIsReportedForEachLineWalked)
@@ -83,14 +84,14 @@ TEST_F(InfDevices, ADescriptionKeyOf260CharactersCountsAsEmptyAndIsReportedForEa
     const std::string fits(259, 'k');
     EXPECT_FALSE(Lists(fits + "=I\n"));
     EXPECT_EQ(Description(), fits);
-    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionSought));
+    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionCopied, SearchStep::DescriptionSought));
 
     m_memory.log.steps.clear();
     const std::string tooLong = std::string(260, 'k') + "=I\n";
     EXPECT_TRUE(Lists(tooLong + tooLong + "%One%=I, PCI\\VEN_5D1A&DEV_7A01\n" + tooLong));
     EXPECT_EQ(Description(), "First adapter");
-    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionTooLong, SearchStep::DescriptionTooLong,
-                                                SearchStep::DescriptionSought));
+    EXPECT_THAT(m_memory.log.steps, ElementsAre(SearchStep::DescriptionCopied, SearchStep::DescriptionTooLong,
+                                                SearchStep::DescriptionTooLong, SearchStep::DescriptionSought));
     EXPECT_FALSE(Lists("%One%=I, PCI\\VEN_1\n" + tooLong));
     EXPECT_EQ(Description(), "");
 }
@@ -109,11 +110,11 @@ TEST_F(InfDevices, EveryLineHasItsVerdict)
     ASSERT_EQ(section.LineCount(), 4U);
     std::vector<LineVerdict> verdicts;
     for (std::size_t line = 0; line < section.LineCount(); ++line) {
-        verdicts.push_back(VerdictOnLine(section, line, "VEN_2"));
+        verdicts.push_back(section.VerdictOn(line, "VEN_2"));
     }
     EXPECT_THAT(verdicts, ElementsAre(LineVerdict::OtherDevice, LineVerdict::NoHardwareId, LineVerdict::NoHardwareId,
                                       LineVerdict::ListsDevice));
-    EXPECT_EQ(VerdictOnLine(section, 1, ""), LineVerdict::NoHardwareId) << "no ID is not an empty one";
+    EXPECT_EQ(section.VerdictOn(1, ""), LineVerdict::NoHardwareId) << "no ID is not an empty one";
 }
 
 TEST_F(InfDevices, MarksAreSaidAsTheyAre)

@@ -16,6 +16,9 @@ protected:
     {
         m_folder.Write("Morvix.ini", SetupIni("InfDir=More\r\nInfExclude=out.inf\r\n"));
         m_folder.Write("Drv/chicago.inf", Inf({.signature = "$Chicago$", .ids = {kCard}}));
+        m_folder.Write("Drv/bare.inf", Inf({.before = "%Nic% = Nic.ndi, VEN_5D1A&DEV_1A2B\r\n"}));
+        m_folder.Write("Drv/compatible.inf", Inf({.ids = {"VEN_5D1A&DEV_FFFF, PCI\\ven_5d1a&dev_1a2b"}}));
+        m_folder.Write("Drv/form.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B&SUBSYS_FFFF5D1A"}}));
         m_folder.Write("Drv/late.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B"}}));
         m_folder.Write("Drv/mapped.inf", Inf({.ids = {kOtherCard},
                                               .more = "[Norda.NTx86]\r\n%Nic%=Nic.ndi, PCI\\VEN_5D1A&DEV_1A2B\r\n"}));
@@ -67,6 +70,11 @@ TEST_F(ExplainTest, WhyNotNamesTheFirstThingThatKeptAnInfFromWinning)
     EXPECT_THAT(WhyNotOf("late.inf"), HasSubstr("Drv/ngea63.inf had won in pass 2"));
     EXPECT_THAT(WhyNotOf("more\\TWIN.inf"), HasSubstr("which is searched before it"));
     EXPECT_THAT(WhyNotOf("lost.inf"), HasSubstr("Unused/lost.inf is in no folder"));
+    EXPECT_THAT(WhyNotOf("bare.inf"), HasSubstr("line 7, in section [Norda.NTamd64], names it without a bus prefix"));
+    EXPECT_THAT(WhyNotOf("compatible.inf"), HasSubstr("line 7, in section [Norda.NTamd64], lists VEN_5D1A&DEV_FFFF "
+                                                      "first and names it only as a compatible ID"));
+    EXPECT_THAT(WhyNotOf("form.inf"), HasSubstr("line 7, in section [Norda.NTamd64], lists "
+                                                "VEN_5D1A&DEV_1A2B&SUBSYS_FFFF5D1A, which no pass looks for"));
     EXPECT_THAT(WhyNotOf("mapped.inf"), HasSubstr("line 9, in section [Norda.NTx86]"));
     EXPECT_THAT(WhyNotOf("More/none.inf"), HasSubstr("nor VEN_5D1A&DEV_1A2B anywhere else"));
     EXPECT_EQ("problem: absent.inf: no such file in the kit", WhyNotOf("absent.inf"));

@@ -37,7 +37,7 @@ void TestFolder::Write(const std::string& name, std::string_view text) const
 std::string Inf(const InfText& text)
 {
     std::string inf = "[Version]\r\nSignature = \"" + text.signature + "\"\r\nDriverVer = " + text.driverVersion +
-                      "\r\n[Manufacturer]\r\n" + text.manufacturer + "\r\n[Norda.NTamd64]\r\n";
+                      "\r\n[Manufacturer]\r\n" + text.manufacturer + "\r\n[Norda.NTamd64]\r\n" + text.before;
     for (const std::string& id : text.ids) {
         inf += "%Nic% = Nic.ndi, PCI\\" + id + "\r\n";
     }

@@ -32,7 +32,8 @@ struct InfText
     std::string signature = "$Windows NT$";
     std::string manufacturer = "%Mfg%=Norda,NTamd64";
     std::string driverVersion = "10/01/2012,1.2.3.4";
-    std::vector<std::string> ids{}; ///< first IDs of the lines of [Norda.NTamd64]
+    std::string before{};           ///< first lines of [Norda.NTamd64]
+    std::vector<std::string> ids{}; ///< first IDs of its further lines
     std::string more{};             ///< further sections
 };
 [[nodiscard]] std::string Inf(const InfText& text);

@@ -61,6 +61,21 @@ TEST_F(PlannerTest, NamesFileLinePassAndSectionOfTheMatch)
     EXPECT_EQ("10/01/2012,1.2.3.4", match.driverVersion);
 }
 
+TEST_F(PlannerTest, TheLineOfAMatchIsTheOneThatTheSearchFoundAndNoComment)
+{
+    const std::string copies =
+        "[Old.ndi.NT]\r\nCopyFiles=Old\r\n[Old]\r\nother.sys\r\n[Nic.ndi.NT]\r\nCopyFiles=New\r\n[New]\r\n"
+        "NGEA.sys\r\n[DestinationDirs]\r\nDefaultDestDir = 12\r\n";
+    m_folder.Write("Morvix.ini", SetupIni());
+    m_folder.Write("Drv/ngea63.inf",
+                   Inf({.before = std::string(";%Nic% = Old.ndi, PCI\\") + kCard + "\r\n \r\nno value\r\n",
+                        .ids = {kOtherCard, kCard},
+                        .more = copies}));
+    const MachinePlan plan = Plan(MachineWithCards({kCard}));
+    EXPECT_EQ(11U, plan.devices[0].search->match.value().line);
+    EXPECT_EQ("NGEA.sys", plan.devices[0].search->report.value().copiedFile);
+}
+
 TEST_F(PlannerTest, EachPassFindsTheIdThatBelongsToIt)
 {
     const std::array<std::string, 4> ids{kCard, "VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A", "VEN_5D1A&DEV_1A2B&REV_01",

@@ -325,6 +325,15 @@ TEST(ProfileCodePages, PairsThatDoNotExistAreReplaced)
     EXPECT_EQ(File("[A]\nk=\x81\xFFx\n", ProfileDialect::Wine, 936).Value("A", "k"), "?x");
 }
 
+TEST(ProfileCodePages, ANameIsFoundAsItIsAskedFor)
+{
+    const File file("[\x81\x45]\n\x81\x45=1\n", ProfileDialect::Wine, 932);
+    // A pair that does not exist is asked for as the one that replaces it, and half a pair at the end is dropped.
+    EXPECT_EQ(file.Value("\x85\x40\x83", "\x85\x40\x83"), "1");
+    EXPECT_EQ(file.Reader().FindSection("\x85\x40\x83"), 1U);
+    EXPECT_TRUE(file.Reader().FindEntry("\x85\x40\x83", "\x85\x40\x83"));
+}
+
 TEST(ProfilePlaces, NamesAndValuesHaveLineAndColumn)
 {
     const File file("\r\n[A]\r\n  key = \"v\"\rk\xE9=1\n");
@@ -337,6 +346,16 @@ TEST(ProfilePlaces, NamesAndValuesHaveLineAndColumn)
     const auto second = file.Reader().FindEntry("A", "k\xE9");
     ASSERT_TRUE(second);
     EXPECT_EQ(second->valuePlace, (ProfilePlace{4, 4, 4}));
+}
+
+TEST(ProfilePlaces, AListedEntryIsALineOfTheSectionsAnswer)
+{
+    const File file("[A]\n;c=1\n\nline\n=\nk=2\n");
+    EXPECT_EQ(file.Lines("A"), "line|=|k=2|");
+    EXPECT_EQ(file.Reader().ListedEntry(1, 0).value().namePlace.line, 4U);
+    EXPECT_EQ(file.Reader().ListedEntry(1, 1).value().namePlace.line, 5U);
+    EXPECT_EQ(file.Reader().ListedEntry(1, 2).value().name, "k");
+    EXPECT_FALSE(file.Reader().ListedEntry(1, 3));
 }
 
 TEST(ProfilePlaces, ColumnsCountCharactersAndByteColumnsBytes)

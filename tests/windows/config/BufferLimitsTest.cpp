@@ -11,6 +11,7 @@
 #include "InfFiles.h"
 #include "InfReader.h"
 #include "InfSearch.h"
+#include "InfStore.h"
 #include "LangString.h"
 #include "LocationInfo.h"
 #include "OSLanguage.h"

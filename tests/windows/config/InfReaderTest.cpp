@@ -8,6 +8,8 @@
 #include "Handles.h"
 #include "ImportOverride.h"
 #include "LangString.h"
+#include "LibraryTrace.h"
+#include "OrvSecure.h"
 #include "ScratchDirectory.h"
 #include "TestThread.h"
 
@@ -179,6 +181,30 @@ TEST_F(InfReader, ADescriptionKeyThatDoesNotFitIsEmpty)
                                   longest + "=Fits\r\n");
     EXPECT_EQ(Parse("VEN_2"), 1);
     EXPECT_EQ(Description(), "Fits");
+}
+
+TEST_F(InfReader, TheFirstLineWalkedInstallsTheLibrarysHandlerForInvalidParameters)
+{
+    const auto before = OrvSecureState.installed.exchange(nullptr);
+    WriteInf("");
+    EXPECT_EQ(Parse("VEN_1"), 0);
+    EXPECT_EQ(OrvSecureState.installed, nullptr) << "there is no line to copy from";
+    WriteInf("%D%=I, PCI\\VEN_1");
+    EXPECT_EQ(Parse("VEN_1"), 1);
+    EXPECT_EQ(OrvSecureState.installed, OrvSecureInvalidParameterHandler);
+    OrvSecureState.installed = before;
+}
+
+TEST_F(InfReader, ADescriptionKeyThatDoesNotFitIsReportedToTheLibrarysTrace)
+{
+    WriteInf("%" + std::string(300, 'k') + "%=I, PCI\\VEN_1");
+    EXPECT_EQ(Parse("VEN_1"), 1);
+    const LibraryTrace trace;
+    EXPECT_EQ(Parse("VEN_1"), 1);
+    EXPECT_THAT(trace.Messages(),
+                ElementsAre("OrvSecureInvalidParameterHandler : ERROR",
+                            testing::AllOf(testing::StartsWith("InstallerSearch ("),
+                                           testing::EndsWith("strDestination size 0, or too small"))));
 }
 
 TEST_F(InfReader, LongIdsAndDescriptionsAreCutToTheirBuffers)

@@ -8,8 +8,11 @@
 
 #include "DebugOutput.h"
 #include "HandleCount.h"
+#include "InfDirectory.h"
 #include "InfFiles.h"
 #include "InfReader.h"
+#include "InfStore.h"
+#include "InstallerSearch.h"
 #include "LocationInfo.h"
 #include "OSVersion.h"
 #include "RunOptions.h"
@@ -32,6 +35,11 @@ DriverInstallRecord RecordOf(std::string_view family)
     DriverInstallRecord record;
     std::ranges::copy(family, record.osFamily.begin());
     return record;
+}
+
+bool Qualifies(const std::string& infPath, const std::string& expectedSignature)
+{
+    return !WhyNotQualified(InstallerSearch(), infPath, expectedSignature);
 }
 
 class InfSearch : public testing::Test
@@ -258,17 +266,17 @@ TEST_F(InfSearch, ASignatureBehind99CharactersIsCut)
     };
     const std::string longest(99, 's');
     write(longest);
-    EXPECT_TRUE(InfQualifies(Drivers() + "tav1.inf", longest));
+    EXPECT_TRUE(Qualifies(Drivers() + "tav1.inf", longest));
     write(longest + "and more");
-    EXPECT_TRUE(InfQualifies(Drivers() + "tav1.inf", longest));
-    EXPECT_FALSE(InfQualifies(Drivers() + "tav1.inf", longest + "and more"));
+    EXPECT_TRUE(Qualifies(Drivers() + "tav1.inf", longest));
+    EXPECT_FALSE(Qualifies(Drivers() + "tav1.inf", longest + "and more"));
 }
 
 TEST_F(InfSearch, ABrandBehind499CharactersOfTheValueIsNotSeen)
 {
     const auto withBrandFrom = [this](std::size_t place) {
         WriteInf("tav1.inf", With(QualifiedInf(kKey), "=Norda,NTamd64", "=" + std::string(place - 1, 'x') + ",Norda"));
-        return InfQualifies(Drivers() + "tav1.inf", "$Windows NT$");
+        return Qualifies(Drivers() + "tav1.inf", "$Windows NT$");
     };
     EXPECT_TRUE(withBrandFrom(494)) << "ends with character 499";
     EXPECT_FALSE(withBrandFrom(495));
@@ -402,9 +410,10 @@ TEST_F(InfSearch, VeryLongDirectoryAndFileNamesAreNoMatchAndNoHarm)
 TEST_F(InfSearch, ASearchForAnotherSystemNeedsNoMachineOfThatKind)
 {
     WriteFileBytes(m_directory.At(R"(Setup\Morvix.ini)"), "[WinXP32]\r\nInfSectionName=A,B\r\n");
-    const InfSearchRules rules = InfSearchRulesFor(osWINXP32, "Windows Whistler", false, {"x.inf"});
+    const InfSearchRules rules = ReadSearchRules(InstallerSearch(osWINXP32, "Windows Whistler"), {"x.inf"});
     EXPECT_EQ(rules.expectedSignature, "$Windows NT$");
     EXPECT_THAT(rules.sectionNames, ElementsAre("B", "A"));
     EXPECT_THAT(rules.excludes, ElementsAre("x.inf"));
-    EXPECT_THAT(InfSearchRulesFor(osWINXP32, "Windows Whistler", true, {"x.inf"}).excludes, IsEmpty());
+    RunOptions.forceInfScan = true;
+    EXPECT_THAT(ReadSearchRules(InstallerSearch(osWINXP32, "Windows Whistler"), {"x.inf"}).excludes, IsEmpty());
 }

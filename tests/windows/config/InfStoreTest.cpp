@@ -12,7 +12,9 @@
 #include "EntryPoints.h"
 #include "Handles.h"
 #include "ImportOverride.h"
+#include "InfCopies.h"
 #include "InfFiles.h"
+#include "InstallerSearch.h"
 #include "LibraryLoads.h"
 #include "ScratchDirectory.h"
 #include "StoredInfs.h"
@@ -100,26 +102,26 @@ TEST_F(InfStore, AStoredInfIsNotOverwritten)
     EXPECT_EQ(trace.Messages().back(), SystemText(ERROR_FILE_EXISTS));
 }
 
-TEST_F(InfStore, CopyInfOnceCopiesAndRemembersTheNameWithItsExtension)
+TEST_F(InfStore, AnInfIsCopiedOncePerNameWhichIsRememberedWithItsExtension)
 {
     const std::string inf = m_directory.At("Tav1.INF");
     WriteFileBytes(inf, QualifiedInf("VEN_5D1A&DEV_7A01"));
     TraceCapture trace;
-    CopyInfOnce("Tav1.INF", inf, m_directory.Path() + "\\");
+    StoreInfOnce(InstallerSearch(), "Tav1.INF", inf, m_directory.Path() + "\\");
     EXPECT_THAT(CopiedInfList.names, ElementsAre("Tav1.inf"));
     EXPECT_THAT(m_stored.New(), SizeIs(1));
     EXPECT_EQ(trace.Messages().back(), "Adding INF Tav1.infto vector\n");
     trace.Clear();
-    CopyInfOnce("TAV1.inf", m_directory.At("other\\tav1.inf"), m_directory.At("other\\"));
+    StoreInfOnce(InstallerSearch(), "TAV1.inf", m_directory.At("other\\tav1.inf"), m_directory.At("other\\"));
     EXPECT_THAT(CopiedInfList.names, ElementsAre("Tav1.inf"));
     EXPECT_THAT(trace.Messages(), SizeIs(0));
 }
 
-TEST_F(InfStore, CopyInfOnceRemembersARefusedInfToo)
+TEST_F(InfStore, ARefusedInfIsRememberedToo)
 {
-    CopyInfOnce("missing.inf", m_directory.At("missing.inf"), m_directory.Path());
+    StoreInfOnce(InstallerSearch(), "missing.inf", m_directory.At("missing.inf"), m_directory.Path());
     TraceCapture trace;
-    CopyInfOnce("missing.inf", m_directory.At("missing.inf"), m_directory.Path());
+    StoreInfOnce(InstallerSearch(), "missing.inf", m_directory.At("missing.inf"), m_directory.Path());
     EXPECT_THAT(CopiedInfList.names, ElementsAre("missing.inf"));
     EXPECT_THAT(trace.Messages(), SizeIs(0));
 }

@@ -11,9 +11,9 @@
 #include "NetCfgInstance.h"
 #include "NordaNetworkDevice.h"
 #include "OrvRegKey.h"
-#include "PathCase.h"
 #include "PendingUninstall.h"
 #include "PostInstall.h"
+#include "UpperCase.h"
 
 namespace {
 constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
@@ -120,11 +120,11 @@ TEST(GuardedPaths, AreTurnedIntoUpperCaseUpToTheLastByteAndNoFurther)
     for (const std::size_t size : {1u, 2u, 256u}) {
         const GuardedBuffer path(size);
         path.Fill('a');
-        MakePathUpperCase(path.All());
+        MakeUpperCase(path.All(), IsSystemLeadByte);
         EXPECT_EQ(path.Bytes(), std::string(size, 'A'));
         EXPECT_TRUE(path.IsUntouchedInFront());
     }
-    MakePathUpperCase({});
+    MakeUpperCase({}, IsSystemLeadByte);
 }
 
 TEST(GuardedPaths, WithoutATerminatorAreClassifiedUpToTheirEnd)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 #include <set>
+#include <utility>
 
 #include "FoundProfiles.h"
 #include "GeneratedProfiles.h"
@@ -17,7 +18,6 @@ namespace {
 constexpr char kUntouched = '\x5A';
 constexpr std::size_t kGuardBytes = 16;
 constexpr std::size_t kShownBytes = 300;
-constexpr std::size_t kShownDifferences = 20;
 constexpr uint32_t kGeneratedFiles = 300;
 constexpr uint32_t kFilesOfFullRun = 12000;
 
@@ -96,6 +96,17 @@ bool IsExact(const std::string& content)
     return page.MaxCharSize != 2 || !marked;
 }
 
+std::string KindOf(const ProfileQuestion& question)
+{
+    if (question.call == ProfileQuestion::Call::Section) {
+        return question.section ? "a section" : "no section";
+    }
+    if (question.section) {
+        return question.key ? "a value" : "key names";
+    }
+    return question.key ? "a key alone" : "section names";
+}
+
 class PlatformAgreement : public testing::Test
 {
 protected:
@@ -120,8 +131,9 @@ protected:
             const Answer platform = AnswerOfPlatform(question, file);
             const Answer reader = AnswerOfReader(question, profile);
             ++m_inputs;
-            m_sizes.insert(question.bufferBytes);
-            if (platform != reader && ++m_differing <= kShownDifferences) {
+            m_asked.insert({KindOf(question), question.bufferBytes});
+            if (platform != reader) {
+                ++m_differing;
                 std::cout << "file " << Quoted(content.substr(0, kShownBytes)) << "\n  " << Describe(question)
                           << "\n  platform " << Shown(platform) << "\n  reader   " << Shown(reader) << "\n";
             }
@@ -133,7 +145,7 @@ protected:
     CodePage m_codePage{GetACP()};
     std::size_t m_inputs = 0;
     std::size_t m_differing = 0;
-    std::set<uint32_t> m_sizes;
+    std::set<std::pair<std::string, uint32_t>> m_asked; ///< kinds of questions with the buffers' sizes
 
 private:
     ScratchDirectory m_directory;
@@ -148,8 +160,10 @@ TEST_F(PlatformAgreement, EveryAnswerAboutGeneratedFilesIsThePlatformsToTheByte)
     }
     EXPECT_EQ(m_differing, 0u) << "of " << m_inputs;
     EXPECT_GE(m_inputs, 20000u);
-    for (const uint32_t size : kProgramBufferBytes) {
-        EXPECT_TRUE(m_sizes.contains(size)) << size;
+    for (const char* const kind : {"a section", "no section", "a value", "key names", "section names", "a key alone"}) {
+        for (const uint32_t size : kProgramBufferBytes) {
+            EXPECT_TRUE(m_asked.contains({kind, size})) << kind << ", " << size;
+        }
     }
 }
 
