@@ -34,9 +34,9 @@ void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const
     // Reports a path that does not fit; the field is then empty.
     OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), match.infPath.c_str());
     MakePathUpperCase(record.infPath);
-    DevicePassState.deviceMatched = 1;
+    DevicePassState.deviceMatched = true;
     if (match.isDmaEngine) {
-        DevicePassState.qdatInstalled = 1;
+        DevicePassState.qdatInstalled = true;
     }
 }
 

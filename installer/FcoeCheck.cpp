@@ -11,7 +11,6 @@
 #include "RunState.h"
 
 namespace {
-constexpr bool kForReading = false;
 void CheckManagementExtension()
 {
     if (RunOptions.msiMode) {

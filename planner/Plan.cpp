@@ -1,10 +1,6 @@
 #include "Plan.h"
 
-namespace {
-// The installer's own words.
-constexpr std::string_view kResultSuccess = "SUCCESS";
-constexpr std::string_view kResultFailure = "FAILURE";
-} // namespace
+#include "RecordNames.h"
 
 std::string_view NameOf(InfVerdict verdict)
 {
