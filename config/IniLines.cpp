@@ -16,7 +16,7 @@ std::vector<std::string_view> LinesOf(std::span<const char> buffer)
     return lines;
 }
 
-std::optional<std::string_view> ValueBehindLast(std::string_view line, std::string_view marker)
+std::optional<std::string_view> ValueAfterLast(std::string_view line, std::string_view marker)
 {
     const auto place = line.rfind(marker);
     if (place == std::string_view::npos) {

@@ -15,7 +15,7 @@
 
 /// @return everything after the last `marker` in `line` (letter case counts), or no value when it
 ///         stands nowhere. The last place counts, so a line "InfDir=InfDir=x" gives "x".
-[[nodiscard]] std::optional<std::string_view> ValueBehindLast(std::string_view line, std::string_view marker);
+[[nodiscard]] std::optional<std::string_view> ValueAfterLast(std::string_view line, std::string_view marker);
 
 /// Splits a list at its commas, last part first. Blanks are kept, parts may be empty: an empty list is one empty part.
 [[nodiscard]] std::vector<std::string> SplitFromEnd(std::string_view list);

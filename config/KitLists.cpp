@@ -58,7 +58,7 @@ template <class Use>
 void ForEachValue(std::span<const char> section, std::string_view marker, Use use)
 {
     for (const std::string_view line : LinesOf(section)) {
-        if (const auto value = ValueBehindLast(line, marker)) {
+        if (const auto value = ValueAfterLast(line, marker)) {
             use(std::string(*value));
         }
     }

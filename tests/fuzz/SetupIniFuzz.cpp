@@ -56,7 +56,7 @@ void CheckMarker(std::string_view line, std::string_view marker)
     for (std::size_t at = 0; at + marker.size() <= line.size(); ++at) {
         present = present || line.substr(at, marker.size()) == marker;
     }
-    const auto value = ValueBehindLast(line, marker);
+    const auto value = ValueAfterLast(line, marker);
     Promise(value.has_value() == present, "there is a value exactly when the line has the marker");
     if (value) {
         Promise(value->find(marker) == std::string_view::npos, "the value begins after the last marker");

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using namespace std::string_literals;
 
 namespace {
-// Of exactly the size of the text, so that the address sanitizer sees any step behind it.
+// Of exactly the size of the text, so that the address sanitizer sees any step beyond it.
 std::vector<char> Buffer(const std::string& bytes)
 {
     return {bytes.begin(), bytes.end()};
@@ -50,27 +50,27 @@ TEST(LinesOf, LinesMayHoldAnyByte)
     EXPECT_THAT(Lines("\xFF\xFE\x01\0\n\0\0"s), ElementsAre("\xFF\xFE\x01", "\n"));
 }
 
-TEST(ValueBehindLast, IsEverythingBehindTheMarker)
+TEST(ValueAfterLast, IsEverythingAfterTheMarker)
 {
-    EXPECT_EQ(ValueBehindLast("InfDir=Drv\\Winxp32", "InfDir="), "Drv\\Winxp32");
-    EXPECT_EQ(ValueBehindLast("InfDir=a=b", "InfDir="), "a=b");
-    EXPECT_EQ(ValueBehindLast("InfDir=", "InfDir="), "");
+    EXPECT_EQ(ValueAfterLast("InfDir=Drv\\Winxp32", "InfDir="), "Drv\\Winxp32");
+    EXPECT_EQ(ValueAfterLast("InfDir=a=b", "InfDir="), "a=b");
+    EXPECT_EQ(ValueAfterLast("InfDir=", "InfDir="), "");
 }
 
-TEST(ValueBehindLast, TheLastOccurrenceCounts)
+TEST(ValueAfterLast, TheLastOccurrenceCounts)
 {
-    EXPECT_EQ(ValueBehindLast("InfDir=one InfDir=two", "InfDir="), "two");
-    EXPECT_EQ(ValueBehindLast("Comment=see InfDir=Drv", "InfDir="), "Drv");
-    EXPECT_EQ(ValueBehindLast("OldInfDir=Drv", "InfDir="), "Drv");
+    EXPECT_EQ(ValueAfterLast("InfDir=one InfDir=two", "InfDir="), "two");
+    EXPECT_EQ(ValueAfterLast("Comment=see InfDir=Drv", "InfDir="), "Drv");
+    EXPECT_EQ(ValueAfterLast("OldInfDir=Drv", "InfDir="), "Drv");
 }
 
-TEST(ValueBehindLast, LinesThatAreTooShortOrSpelledOtherwiseHaveNone)
+TEST(ValueAfterLast, LinesThatAreTooShortOrSpelledOtherwiseHaveNone)
 {
-    EXPECT_FALSE(ValueBehindLast("InfDir", "InfDir="));
-    EXPECT_FALSE(ValueBehindLast("", "InfDir="));
-    EXPECT_FALSE(ValueBehindLast("InfDi=x", "InfDir="));
-    EXPECT_FALSE(ValueBehindLast("INFDIR=Drv\\Winxp32", "InfDir="));
-    EXPECT_FALSE(ValueBehindLast("InfDir =Drv", "InfDir="));
+    EXPECT_FALSE(ValueAfterLast("InfDir", "InfDir="));
+    EXPECT_FALSE(ValueAfterLast("", "InfDir="));
+    EXPECT_FALSE(ValueAfterLast("InfDi=x", "InfDir="));
+    EXPECT_FALSE(ValueAfterLast("INFDIR=Drv\\Winxp32", "InfDir="));
+    EXPECT_FALSE(ValueAfterLast("InfDir =Drv", "InfDir="));
 }
 
 TEST(SplitFromEnd, NamesComeInReverseOrder)

@@ -151,7 +151,7 @@ TEST_F(DeviceInstall, TheSourcePathIsPlainTextAndLeavesOtherValuesAlone)
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Other"), "kept");
 }
 
-TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeHadDoesNotStopTheInstall)
+TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeCreatedDoesNotStopTheInstall)
 {
     const MachineKeyOverride emptyMachine;
     // Below a key that lasts only until the next start, no lasting key can be created.
@@ -195,7 +195,7 @@ TEST_F(DeviceInstall, StatusAndLastErrorAreTracedInHexadecimal)
     }
 }
 
-TEST_F(DeviceInstall, OnlyTheOneStatusIsRemembered)
+TEST_F(DeviceInstall, OnlyTheOneStatusIsARefusal)
 {
     for (const int32_t status : {0, 1, -1, static_cast<int32_t>(0xE0000206), static_cast<int32_t>(0x800F0207)}) {
         DevicePassState = {};
@@ -210,7 +210,7 @@ TEST_F(DeviceInstall, OnlyTheOneStatusIsRemembered)
     EXPECT_TRUE(DevicePassState.installFailed);
 }
 
-TEST_F(DeviceInstall, ARememberedErrorIsReportedAsFailureAndThenForgotten)
+TEST_F(DeviceInstall, ARefusalIsReportedAsFailureAndThenCleared)
 {
     Name(kFamilyInf);
     RecordingInstall install({.status = kDeviceExists, .lastError = 0});

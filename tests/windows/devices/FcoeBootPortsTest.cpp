@@ -200,7 +200,7 @@ TEST_F(FcoeBootPorts, InstanceIdOf4096CharactersCountsAsNone)
     EXPECT_EQ(library.TakeJournal(), Questions("{B}", "7")) << "the next adapter is still asked";
 }
 
-TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNoBootPortAndTheNextIsAsked)
+TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNotABootPortAndTheNextIsAsked)
 {
     const RegistryAdapter first(kFirst, "9001", "{A}");
     const RegistryAdapter second(kSecond, "9002", "{B}");
@@ -235,7 +235,7 @@ TEST_F(FcoeBootPorts, DebugValuesMakeABootPort)
     EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
 }
 
-TEST_F(FcoeBootPorts, ListThatCannotBeHadIsTraced)
+TEST_F(FcoeBootPorts, ListThatCannotBeOpenedIsTraced)
 {
     EXPECT_FALSE(AreFCoEBootEnabledPortsAmong(INVALID_HANDLE_VALUE));
     EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate any PCI devices"));

@@ -17,7 +17,7 @@ inline constexpr char kScanner[] = "Scanner.exe";
 inline constexpr char kUpdater[] = "Updater.exe";
 /// The iSCSI configuration tool, slow: it says that it has started, waits until it may end, and then leaves a journal.
 inline constexpr char kSlowTool[] = "iscsivrf.exe";
-/// Names of the events by which it says so and by which it is told.
+/// Names of the events with which it says so and with which the test lets it end.
 inline constexpr char kSlowToolStarted[] = "MorvixSlowToolStarted";
 inline constexpr char kSlowToolMayEnd[] = "MorvixSlowToolMayEnd";
 

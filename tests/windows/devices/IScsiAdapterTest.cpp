@@ -68,7 +68,7 @@ TEST_F(IScsiAdapter, OnceFoundNoFurtherAdapterIsAsked)
     EXPECT_EQ(driver.WhatWasAsked(kTestInstance).opens, 0U);
 }
 
-TEST_F(IScsiAdapter, DriverThatDoesNotKnowTheQuestionIsNoIScsiAdapter)
+TEST_F(IScsiAdapter, DriverThatDoesNotKnowTheQuestionIsNotAnIScsiAdapter)
 {
     // Even when bytes that look like a boot mode come with that status.
     driver.AnswerPrivateRequest(kTestInstance,
@@ -77,7 +77,7 @@ TEST_F(IScsiAdapter, DriverThatDoesNotKnowTheQuestionIsNoIScsiAdapter)
     EXPECT_EQ(driver.WhatWasAsked(kTestInstance).privateRequests, 1U);
 }
 
-TEST_F(IScsiAdapter, OtherStatusAndFailedRequestAreNoIScsiAdapter)
+TEST_F(IScsiAdapter, OtherStatusAndFailedRequestAreNotAnIScsiAdapter)
 {
     driver.AnswerPrivateRequest(kTestInstance,
                                 {.status = 0xC0000001, .data = std::string("\2\0\0\0", 4), .length = std::nullopt});
@@ -128,7 +128,7 @@ TEST_F(IScsiAdapter, ThousandCallsLeaveNoHandleOpen)
     EXPECT_TRUE(driver.WaitUntilAllIsClosed(kTestInstance));
 }
 
-TEST(IScsiAdapterWithoutDevice, AbsentDeviceIsNoIScsiAdapter)
+TEST(IScsiAdapterWithoutDevice, AbsentDeviceIsNotAnIScsiAdapter)
 {
     DevicePassState = {};
     TraceCapture trace;

@@ -252,7 +252,7 @@ TEST_F(PostInstall, ADriverFileWithoutAVersionIsASuccessWithAnEmptyOne)
     EXPECT_EQ(Result("TAVG_PCIE_Version"), "");
 }
 
-TEST_F(PostInstall, ARememberedErrorIsOneFailureWhateverLiesInTheDirectory)
+TEST_F(PostInstall, AnUnreportedRefusalIsOneFailureWhateverIsInTheDirectory)
 {
     const DriverFile driver("ngeax64.sys");
     DevicePassState.unreportedRefusal = true;
@@ -269,7 +269,7 @@ TEST_F(PostInstall, ARememberedErrorIsOneFailureWhateverLiesInTheDirectory)
     EXPECT_EQ(Result("Install"), "FAILURE") << "the run as a whole keeps its worst result";
 }
 
-TEST_F(PostInstall, ARememberedErrorOutlastsAnInfOfNoFamily)
+TEST_F(PostInstall, AnUnreportedRefusalOutlastsAnInfOfNoFamily)
 {
     DevicePassState.unreportedRefusal = true;
     EXPECT_EQ(Classify("C:\\KIT\\OTHER.INF"), 0);
@@ -322,7 +322,7 @@ TEST_F(PostInstall, WithoutAnUninstallDataFileNothingIsRegistered)
                 ElementsAre("Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()"));
 }
 
-TEST_F(PostInstall, ATargetThatRefusesTheCopyIsLeftAndNotRegistered)
+TEST_F(PostInstall, ATargetThatRefusesTheCopyIsUnchangedAndNotRegistered)
 {
     WriteFileBytes(m_kit.Directory().At("Morvix.din"), "new");
     WriteFileBytes(SystemPath("Morvix.din"), "old");
