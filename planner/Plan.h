@@ -118,7 +118,7 @@ enum class MachineOutcome
     Fault,         ///< the run would end in the middle of the devices
     NotServed,     ///< the installer refuses such a system
     NoDevices,     ///< the registry has no PCI devices where the installer looks; the device pass would not begin
-    UnknownSystem, ///< the description does not tell the system
+    UnknownSystem, ///< the description does not say which system it is
     Unreadable,
 };
 
@@ -126,7 +126,7 @@ enum class MachineOutcome
 struct RestartAnswer
 {
     std::string id;            ///< "dma-engine", "iscsi-boot", "fcoe-boot"
-    std::optional<bool> holds; ///< no value when the machine's description does not tell
+    std::optional<bool> holds; ///< no value when the machine's description does not say
     std::string why;
 };
 
@@ -154,8 +154,7 @@ struct MachinePlan
 [[nodiscard]] std::string_view NameOf(DeviceVerdict verdict);
 
 /// @return "SUCCESS", "FAILURE" or "unknown": what the result value would say after the platform has bound the driver,
-/// on
-///         a machine that has no other file of the driver family.
+///         on a machine that has no other file of the driver family.
 [[nodiscard]] std::string_view ResultIfBound(const Report& report);
 
 /// @return the last part of a path on the machine.

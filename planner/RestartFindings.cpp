@@ -24,7 +24,7 @@ constexpr std::array kReasons = std::to_array<ReasonRow>({
     {RestartReason::FcoeBoot, "fcoe-boot", "the machine boots over FCoE; whether it does, its adapters answer"},
 });
 
-/// A fact of the rules that a description may not tell.
+/// A fact of the rules that a description may lack.
 struct OpenFact
 {
     bool* fact;
