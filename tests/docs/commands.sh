@@ -115,8 +115,6 @@ try_detection() {
     promise "FLEET.md: results in the 32-bit view are not detected" not_detected
 }
 
-same() { [[ $1 == "$2" ]] || { printf '"%s" instead of "%s"\n' "$1" "$2"; return 1; }; }
-
 # The commands that begin to run a playbook, up to the point where hosts are needed.
 playbook_is_found() {
     local copy=$build_dir/docs/ansible
