@@ -8,6 +8,7 @@
 inline constexpr char kBasedriversKey[] = R"(SOFTWARE\Norda\Basedrivers)";
 inline constexpr char kInstallValue[] = "Install";
 inline constexpr char kVersionValue[] = "Version";
+inline constexpr char kRebootValue[] = "Reboot";
 inline constexpr char kRebootNeededValue[] = "RebootNeeded";
 inline constexpr std::string_view kResultSuccess = "SUCCESS";
 inline constexpr std::string_view kResultFailure = "FAILURE";

@@ -29,7 +29,7 @@ void SetReboot(HKEY key, const std::string& result)
     std::string data = "Yes";
     const size_t bytes = result.size() + 1;
     data.resize(std::max(bytes, data.size() + 1));
-    RegSetValueExA(key, "Reboot", 0, REG_SZ, reinterpret_cast<const BYTE*>(data.data()), static_cast<DWORD>(bytes));
+    RegSetValueExA(key, kRebootValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(data.data()), static_cast<DWORD>(bytes));
 }
 
 void SetVersions(HKEY key, char* driverType, size_t driverTypeBytes, const std::string& version)

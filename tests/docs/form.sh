@@ -147,7 +147,7 @@ same_values() {
     local value
     for value in Install Version Reboot RebootNeeded; do
         sed -n '/^## Result keys/,/^## /p' "$administrators" | grep -q "^| \`$value\` " || return 1
-        grep -qF "\"$value\"" "$repo/installer/base/ResultKeys.cpp" || { printf 'nobody writes %s\n' "$value"; return 1; }
+        grep -qF "\"$value\"" "$repo/platform/RecordNames.h" || { printf 'nobody writes %s\n' "$value"; return 1; }
     done
 }
 
