@@ -164,7 +164,7 @@ void MeasureMatchedIn(Counts& counts, int pass)
     const Kit kit(kFiles, ids);
     UseKit(kit);
     MeasurePasses(counts, {"matched", kFiles, kAdapters, pass}, 3, 1);
-    if (DevicePassState.deviceMatched == 0) {
+    if (!DevicePassState.deviceMatched) {
         throw std::runtime_error("the adapters should match");
     }
 }

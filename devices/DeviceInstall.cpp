@@ -19,18 +19,11 @@
 #include "OrvRegKey.h"
 #include "OrvString.h"
 #include "PostInstall.h"
-#include "ResultKeyNames.h"
+#include "RecordNames.h"
 #include "Trace.h"
 
-static_assert(kRememberedInstallError == kNetInstRefused);
-
 namespace {
-constexpr std::size_t kInstanceIdChars = 260;
 constexpr char kSourcePathValue[] = "Tavunstl_source_path";
-
-// Arguments of the registry object's calls.
-constexpr bool kForWriting = true;
-constexpr bool kPermanent = false;
 constexpr bool kPlainText = false;
 
 /// What the driver-install interface answered.
@@ -91,7 +84,7 @@ InterfaceAnswer CallInterface(DriverInstallRecord& record, IDriverInstallInterfa
 /// does. After an install that left an error the device is not asked.
 void LookForStorageAdapter(const std::string& deviceId, DWORD installError)
 {
-    if (DevicePassState.storageAdapterFound != 0 || installError != ERROR_SUCCESS) {
+    if (DevicePassState.storageAdapterFound || installError != ERROR_SUCCESS) {
         return;
     }
     std::array<char, kInstanceIdChars> instanceId{};
@@ -108,9 +101,9 @@ void InstallByInterface(DriverInstallRecord& record, const std::string& deviceId
         const SourcePathValue sourcePath{std::string(TextIn(record.infPath))};
         const InterfaceAnswer answer = CallInterface(record, driverInstall);
         installError = answer.lastError;
-        if (answer.status < 0 && static_cast<uint32_t>(answer.status) == kRememberedInstallError) {
-            DevicePassState.installErrorCode = kRememberedInstallError;
-            DevicePassState.installFailed = 1;
+        if (answer.status < 0 && static_cast<uint32_t>(answer.status) == kNetInstRefused) {
+            DevicePassState.unreportedRefusal = true;
+            DevicePassState.installFailed = true;
         }
         std::array<char, 256> line{};
         static_cast<void>(std::snprintf(line.data(), line.size(),

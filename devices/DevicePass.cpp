@@ -33,9 +33,9 @@ void RecordMatch(DriverInstallRecord& record, const std::string& deviceId, const
     // The copy reports a path that does not fit, for which the search has none to record; the field is then empty.
     const std::string& infPath = match.recordPath.empty() ? match.infPath : match.recordPath;
     OrvSafeCopy(kThisFile, __LINE__, record.infPath.data(), record.infPath.size(), infPath.c_str());
-    DevicePassState.deviceMatched = 1;
+    DevicePassState.deviceMatched = true;
     if (match.isDmaEngine) {
-        DevicePassState.qdatInstalled = 1;
+        DevicePassState.qdatInstalled = true;
     }
 }
 

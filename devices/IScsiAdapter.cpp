@@ -27,7 +27,7 @@ bool BootsOverIScsi(HANDLE privateDevice)
 
 int IsIScsiAdapter(const std::string& instanceId)
 {
-    if (DevicePassState.storageAdapterFound != 0) {
+    if (DevicePassState.storageAdapterFound) {
         return 1;
     }
     const UniqueFile adapter(OpenAdapterDevice(instanceId));
@@ -39,7 +39,7 @@ int IsIScsiAdapter(const std::string& instanceId)
     const HANDLE opened = OpenPrivateDevice(adapter.Get());
     const UniqueFile privateDevice(opened == nullptr ? INVALID_HANDLE_VALUE : opened);
     if (privateDevice.IsOpen() && BootsOverIScsi(privateDevice.Get())) {
-        DevicePassState.storageAdapterFound = 1;
+        DevicePassState.storageAdapterFound = true;
         Trace("Found iSCSI adapter");
     }
     return 0;

@@ -14,7 +14,6 @@
 namespace {
 constexpr char kThisFile[] = "NetCfgInstance";
 constexpr std::size_t kPathChars = 260;
-constexpr std::size_t kInstanceIdChars = 260; // with the terminator
 
 /// A registry path of at most 259 characters.
 using KeyPath = std::array<char, kPathChars>;

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
+
+/// Room for an instance ID with its terminator.
+inline constexpr std::size_t kInstanceIdChars = 260;
 
 /// Finds out under which network-configuration instance ID, a GUID in text form, the network stack knows a PCI device.
 /// Only the device's first instance is looked at.

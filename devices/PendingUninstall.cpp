@@ -10,7 +10,6 @@ int isRegEntryTAVUnstl()
 {
     constexpr char kSessionManagerKey[] = R"(System\CurrentControlSet\Control\Session Manager)";
     constexpr char kPendingValue[] = "PendingFileRenameOperations";
-    constexpr bool kForWriting = true;
     constexpr char kUninstaller[] = R"(Windows\system32\Tavunstl.exe)";
 
     Trace("Entering isRegEntryTAVUnstl");

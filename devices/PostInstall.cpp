@@ -16,6 +16,7 @@
 #include "LocationInfo.h"
 #include "OSVersion.h"
 #include "OrvSecure.h"
+#include "RecordNames.h"
 #include "ResultKeys.h"
 #include "SystemDirectory.h"
 #include "Trace.h"
@@ -47,7 +48,7 @@ void PostVerdict(ResultVerdict verdict, const ExpectedResult& expected, const st
             break;
         case ResultVerdict::DriverRefused:
             // One failed install is reported once.
-            DevicePassState.installErrorCode = 0;
+            DevicePassState.unreportedRefusal = false;
             [[fallthrough]];
         case ResultVerdict::DriverFileMissing:
             Trace(R"(Driver sys file NOT found in \system32\drivers)");
@@ -78,8 +79,7 @@ int PostInstallRegResultFor(OSCode system, std::span<char> infPath)
         return 0;
     }
     const std::optional<std::string> driverFile = FindFirstFileName(driverDirectory, expected->filePattern);
-    const bool refused = DevicePassState.installErrorCode == kRememberedInstallError;
-    PostVerdict(VerdictOnInstall(driverFile.has_value(), refused), *expected,
+    PostVerdict(VerdictOnInstall(driverFile.has_value(), DevicePassState.unreportedRefusal), *expected,
                 driverDirectory + "\\" + driverFile.value_or(""));
     UpdateTavunstRegistry();
     Trace("Exit -> PostInstallRegResult\n");
@@ -96,10 +96,10 @@ void UpdateTavunstRegistry()
         // The kit may be on a read-only medium; the copy must stay replaceable.
         SetFileAttributesA(target.c_str(), FILE_ATTRIBUTE_NORMAL);
         HKEY opened = nullptr;
-        if (RegCreateKeyA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Tavunstl\Dins)", &opened) == ERROR_SUCCESS) {
+        if (RegCreateKeyA(HKEY_LOCAL_MACHINE, kRegistrationKey, &opened) == ERROR_SUCCESS) {
             const UniqueRegKey key(opened);
             constexpr std::string_view kEntry{"Morvix.Uninstall\0", 17};
-            RegSetValueExA(key.get(), "Morvix.din", 0, REG_SZ, reinterpret_cast<const BYTE*>(kEntry.data()),
+            RegSetValueExA(key.get(), kRegistrationValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(kEntry.data()),
                            static_cast<DWORD>(kEntry.size()));
         }
     }

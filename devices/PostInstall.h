@@ -5,8 +5,8 @@
 #include "OSCode.h"
 
 /// Reports the outcome of an install in the registry: classifies the INF by its file name, looks for the family's
-/// driver file in the system's driver directory and posts "SUCCESS" with the file's version, or "FAILURE". A remembered
-/// install error (DevicePassState.installErrorCode) makes it "FAILURE" whatever is there, and is reset.
+/// driver file in the system's driver directory and posts "SUCCESS" with the file's version, or "FAILURE". An
+/// unreported refusal (DevicePassState) makes it "FAILURE" whatever is there, and is cleared.
 /// @param infPath  Full path of the installed INF, NUL-terminated within the buffer; in upper case afterwards.
 /// @return 1 when the INF belonged to a driver family and a result was written, 0 otherwise.
 int PostInstallRegResult(std::span<char> infPath);

@@ -12,7 +12,6 @@
 #include "RunState.h"
 
 namespace {
-constexpr bool kForReading = false;
 void CheckManagementExtension()
 {
     if (RunOptions.msiMode) {

@@ -74,7 +74,7 @@ bool DevicePassBetweenScans(DriverInstallRecord& record, IDriverInstallInterface
     }
     if (driverInstall == nullptr) {
         // Matched, but not installed: no restart for it.
-        DevicePassState.qdatInstalled = 0;
+        DevicePassState.qdatInstalled = false;
     }
     ScanForHardwareChanges();
     return true;
@@ -130,7 +130,7 @@ bool RunWindowsNT(DriverInstallRecord& record, HWND dialog)
         if (!DevicePassBetweenScans(record, driverInstall.get(), dialog)) {
             return false;
         }
-        const unsigned outcome = OutcomeString(DevicePassState.deviceMatched != 0, DevicePassState.installFailed == 1);
+        const unsigned outcome = OutcomeString(DevicePassState.deviceMatched, DevicePassState.installFailed);
         SetDlgItemTextA(dialog, kStatusText, LangString(outcome).c_str());
     }
     if (RunState.fcoeRestart) {
@@ -160,7 +160,7 @@ bool RunWindows9x(RunFlow flow, DriverInstallRecord& record, HWND dialog)
     PostInstallRegResult(record.infPath);
     if (silent) {
         AskToClose(dialog);
-    } else if (flow == RunFlow::WindowsMe && DevicePassState.deviceMatched == 0) {
+    } else if (flow == RunFlow::WindowsMe && !DevicePassState.deviceMatched) {
         SetDlgItemTextA(dialog, kStatusText, LangString(kStringNoAdapter).c_str());
         OfferFinish(dialog, SW_SHOW);
     } else {

@@ -12,7 +12,7 @@
 bool RestartIsNeeded()
 {
     RestartFacts facts;
-    facts.iscsiBootAdapter = DevicePassState.storageAdapterFound != 0;
+    facts.iscsiBootAdapter = DevicePassState.storageAdapterFound;
     CISCSISupport().IsiSCSISupported(facts.iscsi.rightSystem, facts.iscsi.patchInstalled, facts.iscsi.initiatorPresent,
                                      facts.iscsi.crashDumpEnabled);
     if (IscsiSettingsAreVerified(facts)) {
@@ -22,7 +22,7 @@ bool RestartIsNeeded()
     const COSVersion version;
     facts.system = version.GetOSCode();
     facts.version = version.Facts();
-    facts.dmaEngineMatched = DevicePassState.qdatInstalled != 0;
+    facts.dmaEngineMatched = DevicePassState.qdatInstalled;
     facts.ndis52OrLater = NdisVersionCounts(facts) && IsNdis52OrLater();
     facts.fcoeBootPorts = RunState.fcoeBootPorts;
     facts.extensionUpdateAllowed = RunState.extensionUpdateAllowed;

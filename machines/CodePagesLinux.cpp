@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] bool IsOpen() const { return m_conversion != reinterpret_cast<iconv_t>(-1); }
 
-    /// Converts what it can from the front of `bytes`, and takes that away.
+    /// Converts what it can from the front of `bytes` and removes it there.
     /// @return true when nothing is left.
     bool Convert(std::string& bytes, std::string& out)
     {

@@ -126,7 +126,7 @@ ControlSets FindControlSets(const RegistryTree& tree)
             continue;
         }
         const std::string name(key.name.units.begin(), key.name.units.end());
-        // Sorts in front of the numbered ones only by chance: it is the current one by its name.
+        // The current one because of its name, not because it sorts before the numbered ones.
         (upper == u"CURRENTCONTROLSET" ? sets.names : numbered).push_back(name);
     }
     if (const std::optional<uint32_t> current = CurrentNumber(tree)) {

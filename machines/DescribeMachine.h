@@ -13,25 +13,25 @@ struct MachineOrigin
 {
     std::string source;
     SourceKind kind = SourceKind::Export;
-    std::optional<uint32_t> codePage; ///< as the user gave it; without it the registry tells
+    std::optional<uint32_t> codePage; ///< as the user gave it; without it, that of the registry
     CodePageConverter convert = nullptr;
-    /// Keys that are not in the tree are not there; in an export they may just not have been exported.
+    /// A key that is missing from the tree does not exist. Not so in an export: the key may not have been exported.
     bool isComplete = false;
 };
 
 /// Makes a description of the part of a registry that was read.
-/// @param diagnostics  What was said while it was read; the description takes them along.
+/// @param diagnostics  Those of the reading; the description includes them.
 [[nodiscard]] Machine DescribeMachine(const RegistryTree& tree, const MachineOrigin& origin,
                                       std::vector<Diagnostic> diagnostics);
 
-/// @return a machine of which nothing is known but why.
+/// @return a machine of which only the reasons of the refusal are known.
 [[nodiscard]] Machine RefusedMachine(const MachineOrigin& origin, std::vector<Diagnostic> diagnostics);
 
 /// The control sets to look into, in this order.
 struct ControlSets
 {
     std::vector<std::string> names; ///< the current one first; empty when there is none
-    std::string doubt;              ///< what was assumed; empty when the registry tells
+    std::string doubt;              ///< what was assumed; empty when the registry is clear
 };
 [[nodiscard]] ControlSets FindControlSets(const RegistryTree& tree);
 

@@ -14,7 +14,7 @@ enum class ExportText
     EightBit, ///< in the code page of the machine
     Utf8,
     Utf16,        ///< low byte first
-    Utf16Swapped, ///< high byte first: no export is written so
+    Utf16Swapped, ///< high byte first; no export is written like this
 };
 
 /// One line of an export, without its end.

@@ -25,7 +25,7 @@ bool ChecksumFits(std::string_view header)
     for (std::size_t at = 0; at < kChecksum; at += 4) {
         sum ^= NumberAt(header, at);
     }
-    // Two sums are kept free for marks of the system's own.
+    // Two sums are reserved for the system's own marks.
     sum = sum == 0 ? 1 : sum == 0xFFFFFFFF ? 0xFFFFFFFE : sum;
     return sum == NumberAt(header, kChecksum);
 }

@@ -76,9 +76,9 @@ struct EightBitValue
 
 enum class Presence
 {
-    Unknown, ///< a description of a machine that is not running does not tell
+    Unknown, ///< not recorded for a machine that is not running
     Present,
-    Absent, ///< only the key is left of a card that was removed
+    Absent, ///< the card was removed; only its key is left
 };
 
 /// One instance of a PCI device: a sub-key of the device's key.
@@ -149,8 +149,8 @@ struct SystemDescription
     bool operator==(const SystemDescription&) const = default;
 };
 
-/// What a registry tells about the reasons to restart. Whether a machine boots over iSCSI or FCoE, the drivers answer:
-/// no registry tells.
+/// What a registry says about the reasons to restart. Whether a machine boots over iSCSI or FCoE is not in it: only the
+/// drivers know.
 struct RestartDescription
 {
     /// Version of the network driver interface: major number in the high 16 bits, minor number in the low 16.

@@ -133,7 +133,7 @@ struct OpenedHive
     Diagnostic trouble; ///< why it cannot be read
 };
 
-/// The library maps the file and follows what it finds there. What is checked before is what it relies on.
+/// The library maps the file and follows what it finds there, so what it relies on is checked first.
 OpenedHive OpenHive(const std::string& path)
 {
     OpenedHive opened;

@@ -8,7 +8,7 @@
 
 struct ReadingOptions
 {
-    std::optional<uint32_t> codePage; ///< of the machine's 8-bit calls; without it the registry tells
+    std::optional<uint32_t> codePage; ///< of the machine's 8-bit calls; without it, that of the registry
 };
 
 /// Reads one machine, of whatever kind. Never throws for what is in the input: a machine that cannot be read is

@@ -37,7 +37,7 @@ RegistryKey* RegistryTree::Below(RegistryKey& key, std::u16string_view name, boo
 
 bool RegistryTree::SetValue(RegistryKey& key, std::u16string_view name, StoredValue value)
 {
-    // A value that is replaced counts on: the limit is for all that comes in.
+    // A replaced value still counts: the limit is for all that comes in.
     m_bytes += value.bytes.size() + sizeof(char16_t) * name.size();
     if (m_bytes > m_mostBytes) {
         return false;

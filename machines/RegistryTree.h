@@ -31,7 +31,7 @@ public:
     /// Sets a value; an earlier one of its name is replaced.
     /// @return false when the tree is full: the value is then left out.
     bool SetValue(RegistryKey& key, std::u16string_view name, StoredValue value);
-    /// Removes a key and everything below it; a missing one is no error.
+    /// Removes a key and everything below it; a missing one is not an error.
     void Remove(std::span<const std::u16string_view> path);
 
     /// @param path  ASCII names with backslashes between them.

@@ -11,7 +11,7 @@ struct MachineSource
 {
     enum class Place
     {
-        File, ///< an export or a hive: its first bytes tell
+        File, ///< an export or a hive: its first bytes decide
         StandardInput,
         ThisMachine,
     };
@@ -22,7 +22,7 @@ struct MachineSource
 struct MachineSources
 {
     std::vector<MachineSource> sources;
-    std::vector<Diagnostic> diagnostics; ///< arguments that name nothing; the others are expanded all the same
+    std::vector<Diagnostic> diagnostics; ///< arguments that name nothing; the others are still expanded
 };
 
 /// Expands the MACHINE arguments: a file; a folder, whose exports and hives follow in the order of their names in upper

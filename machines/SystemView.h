@@ -17,14 +17,14 @@ struct SystemView
     OSCode code = osUNSUPPORTED;      ///< by the installer's own rules
     std::string_view section;         ///< section of Morvix.ini; empty for a system that is not served
     std::string_view family;          ///< name in the install record; empty when the system has none
-    uint32_t familyStatus = 0;        ///< of the system prober: 0 when the family is served
+    uint32_t familyStatus = 0;        ///< of the system prober: 0 when the family is supported
     std::vector<std::string> reasons; ///< where each fact comes from, and every assumption, one line each
 };
 
 /// @return no value when the description lacks what the rules need: MissingForView says what.
 [[nodiscard]] std::optional<SystemView> ViewOfSystem(const SystemDescription& system);
 
-/// @return the facts without which the system cannot be told, in words; empty when ViewOfSystem answers.
+/// @return in words, the facts that are missing to determine the system; empty when ViewOfSystem has a value.
 [[nodiscard]] std::string MissingForView(const SystemDescription& system);
 
 /// The version that a system reports to a program whose manifest claims Windows 8 and nothing later.

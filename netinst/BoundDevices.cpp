@@ -17,14 +17,14 @@ public:
 
     /// @param state  Receives the device's state; keeps what it was when the state cannot be read.
     /// @return the verdict on the device.
-    [[nodiscard]] DeviceVerdict Judge(DEVINST device, DeviceState& state) const noexcept
+    [[nodiscard]] DriverVerdict Judge(DEVINST device, DeviceState& state) const noexcept
     {
         // Initialized: some systems return success and write nothing.
         ULONG status = 0;
         ULONG problem = 0;
         switch (m_getStatus(&status, &problem, device, 0)) {
             case CR_NO_SUCH_DEVNODE:
-                return DeviceVerdict::Gone;
+                return DriverVerdict::Gone;
             case CR_SUCCESS:
                 state.status = status;
                 state.problem = problem;
@@ -32,7 +32,7 @@ public:
             default:
                 break;
         }
-        return JudgeDevice(state);
+        return JudgeDriver(state);
     }
 
 private:
@@ -42,9 +42,9 @@ private:
 };
 
 /// Adds one device's verdict to the report.
-void Add(BoundDevicesReport& report, DeviceVerdict verdict, const DeviceState& state) noexcept
+void Add(BoundDevicesReport& report, DriverVerdict verdict, const DeviceState& state) noexcept
 {
-    report.restartNeeded = report.restartNeeded || verdict == DeviceVerdict::NeedsRestart;
+    report.restartNeeded = report.restartNeeded || verdict == DriverVerdict::NeedsRestart;
     if (verdict > report.worst) {
         report.worst = verdict;
         report.problem = ProblemOf(state);
@@ -59,12 +59,12 @@ BoundDevicesReport AskBoundDevices(const SetupApi& api, const char* hardwareId, 
     BoundDevicesReport report;
     if (!states.CanBeRead() || !devices.IsOpen()) {
         const DeviceState unknown{.updateNeedsRestart = updateNeedsRestart};
-        Add(report, JudgeDevice(unknown), unknown);
+        Add(report, JudgeDriver(unknown), unknown);
         return report;
     }
     while (devices.Next()) {
         DeviceState state{.updateNeedsRestart = updateNeedsRestart};
-        const DeviceVerdict verdict = states.Judge(devices.Device().DevInst, state);
+        const DriverVerdict verdict = states.Judge(devices.Device().DevInst, state);
         Add(report, verdict, state);
     }
     return report;

@@ -9,7 +9,7 @@ class SetupApi;
 /// What the devices of a hardware ID report after a binding.
 struct BoundDevicesReport
 {
-    DeviceVerdict worst = DeviceVerdict::Gone; ///< Gone also when no device has the ID
+    DriverVerdict worst = DriverVerdict::Gone; ///< Gone also when no device has the ID
     uint32_t problem = 0;                      ///< problem number of the device with the worst verdict
     bool restartNeeded = false;                ///< the verdict on one of the devices is NeedsRestart
 };

@@ -47,23 +47,23 @@ constexpr std::array kProblems = std::to_array<ProblemRow>({
     {56, Meaning::NotTheDrivers},    // NEED_CLASS_CONFIG: the network class is still being configured
 });
 
-DeviceVerdict JudgeProblem(uint32_t problem, bool restartPending) noexcept
+DriverVerdict JudgeProblem(uint32_t problem, bool restartPending) noexcept
 {
     const auto* const row = std::ranges::find(kProblems, problem, &ProblemRow::problem);
     if (row == kProblems.end()) {
-        return DeviceVerdict::Refused;
+        return DriverVerdict::Refused;
     }
     switch (row->meaning) {
         case Meaning::NotTheDrivers:
-            return restartPending ? DeviceVerdict::NeedsRestart : DeviceVerdict::Accepted;
+            return restartPending ? DriverVerdict::NeedsRestart : DriverVerdict::Accepted;
         case Meaning::Gone:
-            return DeviceVerdict::Gone;
+            return DriverVerdict::Gone;
         case Meaning::CuredByRestart:
-            return DeviceVerdict::NeedsRestart;
+            return DriverVerdict::NeedsRestart;
         case Meaning::OpenUntilRestart:
             break;
     }
-    return restartPending ? DeviceVerdict::NeedsRestart : DeviceVerdict::Refused;
+    return restartPending ? DriverVerdict::NeedsRestart : DriverVerdict::Refused;
 }
 } // namespace
 
@@ -72,13 +72,13 @@ uint32_t ProblemOf(const DeviceState& state) noexcept
     return (state.status & kHasProblemBit) != 0 ? state.problem : 0;
 }
 
-DeviceVerdict JudgeDevice(const DeviceState& state) noexcept
+DriverVerdict JudgeDriver(const DeviceState& state) noexcept
 {
     const bool restartPending = state.updateNeedsRestart || (state.status & kNeedsRestartBit) != 0;
     if (const uint32_t problem = ProblemOf(state); problem != 0) {
         return JudgeProblem(problem, restartPending);
     }
-    return restartPending ? DeviceVerdict::NeedsRestart : DeviceVerdict::Accepted;
+    return restartPending ? DriverVerdict::NeedsRestart : DriverVerdict::Accepted;
 }
 
 uint32_t ErrorForProblem(uint32_t problem) noexcept

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// What a device's own state says about the driver that was just bound to it, from best to worst.
-enum class DeviceVerdict
+enum class DriverVerdict
 {
     Gone,         ///< the device is no longer there
     Accepted,     ///< no problem, or none that the driver could have caused
@@ -25,7 +25,7 @@ struct DeviceState
 /// A restart that the device or the driver update asks for decides two things: a driver that runs takes effect only
 /// after it, and a driver that could not be started or loaded is not judged before it. Other problems are refusals
 /// whether or not a restart is asked for, since a restart does not solve them.
-[[nodiscard]] DeviceVerdict JudgeDevice(const DeviceState& state) noexcept;
+[[nodiscard]] DriverVerdict JudgeDriver(const DeviceState& state) noexcept;
 
 /// The last error that goes with a driver refused because of problem `problem`. Bit 29, which the system leaves to
 /// applications, distinguishes it from the system's own errors: problem 52 is 0x20000034.

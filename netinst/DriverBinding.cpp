@@ -75,14 +75,14 @@ BindingAnswer ReportBinding(const SetupApi& api, const char* hardwareId, bool up
         ReportRestart(hardwareId, updateNeedsRestart);
     }
     switch (report.worst) {
-        case DeviceVerdict::Gone:
+        case DriverVerdict::Gone:
             return ReportAbsence(api, hardwareId);
-        case DeviceVerdict::Refused:
+        case DriverVerdict::Refused:
             NetInstTrace("%s: driver bound, but the device has problem code %u\n", hardwareId,
                          static_cast<unsigned>(report.problem));
             return ReportRefusal(hardwareId, ErrorForProblem(report.problem));
-        case DeviceVerdict::Accepted:
-        case DeviceVerdict::NeedsRestart:
+        case DriverVerdict::Accepted:
+        case DriverVerdict::NeedsRestart:
             break;
     }
     return {.status = StatusOf(InstallOutcome::Bound)};

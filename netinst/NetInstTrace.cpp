@@ -7,12 +7,12 @@
 #include <cstdio>
 
 #include "Handles.h"
+#include "RecordNames.h"
 
 void NetInstTrace(const char* format, ...) noexcept
 {
     HKEY opened = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Norda\Basedrivers\Debug)", 0, KEY_QUERY_VALUE, &opened) !=
-        ERROR_SUCCESS) {
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kTraceSwitchKey, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) {
         return;
     }
     const UniqueRegKey key(opened);

@@ -1,16 +1,17 @@
 #include "SystemFamily.h"
 
+#include "FamilyNames.h"
+
 namespace {
 constexpr uint32_t kServed = 0;
 
 SystemFamily FamilyOfWindows9x(uint32_t major, uint32_t minor) noexcept
 {
     if (major == 4 && minor == 10) {
-        return {"Windows 98", kServed};
+        return {kFamilyWindows98, kServed};
     }
     if (major == 4 && minor == 90) {
-        // The misspelling is the family's name.
-        return {"Windows Millenium", kServed};
+        return {kFamilyWindowsMe, kServed};
     }
     return {};
 }
@@ -19,18 +20,18 @@ SystemFamily FamilyOfWindowsNT(uint32_t major, uint32_t minor) noexcept
 {
     if (major < 5) {
         // From the name the caller chooses which of its two refusals to show.
-        return {"Windows NT", kStatusSystemNotServed};
+        return {kFamilyWindowsNT, kStatusSystemNotServed};
     }
     if (major > 5) {
         // Every system since 6.0 binds drivers the same way, whatever its version.
-        return {"Windows Vista", kServed};
+        return {kFamilyWindowsVista, kServed};
     }
     switch (minor) {
         case 0:
-            return {"Windows 2000", kServed};
+            return {kFamilyWindows2000, kServed};
         case 1:
         case 2:
-            return {"Windows Whistler", kServed};
+            return {kFamilyWindowsWhistler, kServed};
         default:
             return {};
     }

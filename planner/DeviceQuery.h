@@ -16,6 +16,6 @@ struct FoundDevice
 
 /// @param text     A key name, a hardware ID ("PCI\VEN_...") or a part of either, letter case aside. A whole key name
 ///                 wins over parts.
-/// @param problem  Receives, in one line, why no single device is meant.
+/// @param problem  Receives, in one line, why the text does not name one device.
 [[nodiscard]] std::optional<FoundDevice> FindDevice(const MachinePlan& plan, std::string_view text,
                                                     std::string& problem);

@@ -19,5 +19,5 @@ struct DriverVersion
 [[nodiscard]] DriverVersion ParseDriverVersion(std::string_view text);
 
 /// Compares by version, and by date where the versions are equal or one is missing.
-/// @return unordered when neither tells.
+/// @return unordered when neither decides.
 [[nodiscard]] std::partial_ordering Compare(const DriverVersion& left, const DriverVersion& right);

@@ -15,7 +15,7 @@
 
 /// Finds the first thing that kept an INF from winning a device.
 /// @param inf      A file name, or the end of a path with slashes or backslashes; letter case does not count.
-/// @param problem  Receives, in one line, why no single INF is meant.
+/// @param problem  Receives, in one line, why `inf` does not name one INF.
 /// @return one line; empty when there is a problem.
 [[nodiscard]] std::string WhyNot(const MachinePlan& plan, const DevicePlan& device, std::string_view inf,
                                  FolderKitSource& source, const SearchTerms& terms, std::string& problem);

@@ -28,7 +28,7 @@ FileStamp StampOfFile(const std::filesystem::path& file)
     return {.bytes = bytes, .writeTime = static_cast<uint64_t>(written.time_since_epoch().count())};
 }
 
-/// A code page makes nothing different of such a text.
+/// Such a text is the same in every code page.
 bool IsAscii(const std::string& bytes)
 {
     return std::ranges::all_of(bytes, [](char c) { return c >= 0; });

@@ -4,7 +4,7 @@
 #include <shared_mutex>
 
 /// Locks of what several threads share. The compiler's runtime for Windows has no threads: there one does all the work,
-/// and a lock is nothing.
+/// and a lock does nothing.
 #ifdef _WIN32
 inline constexpr bool kHasThreads = false;
 struct Mutex

@@ -31,8 +31,7 @@ public:
     [[nodiscard]] bool IsCovered(std::string_view path) const { return RootOf(path) != nullptr; }
 
     /// @return the path as the user knows it: below the kit with slashes, such as "Drv/Win8x64/ngea.inf", or the path
-    /// on
-    ///         the machine for everything outside of the kit.
+    ///         on the machine for everything outside of the kit.
     [[nodiscard]] std::string NameOf(std::string_view path) const;
 
 private:
@@ -47,7 +46,6 @@ private:
     std::vector<Root> m_roots; ///< longest name first
 };
 
-/// @return the directory of the installer on a machine that nobody has described: deep enough for a setup INI whose
-/// base
-///         lies `levelsToRoot` levels above it.
+/// @return the directory of the installer on a machine without a description: deep enough for a setup INI whose base
+///         is `levelsToRoot` levels above it.
 [[nodiscard]] std::string AssumedSetupDir(int levelsToRoot);

@@ -14,7 +14,7 @@
 enum class ExitCode
 {
     Clean = 0,
-    Findings = 1,   ///< something that the user asked to be told of
+    Findings = 1,   ///< something that the user asked to be warned about
     Usage = 2,      ///< the command could not be done as it was given
     Unreadable = 3, ///< some input could not be read; the rest was answered
 };
@@ -34,7 +34,7 @@ public:
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    /// @return false when the file cannot be opened; said already.
+    /// @return false when the file cannot be opened; the reason is printed.
     [[nodiscard]] bool IsOpen() const { return m_data != nullptr; }
 
     void Write(std::string_view data);

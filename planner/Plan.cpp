@@ -1,10 +1,8 @@
 #include "Plan.h"
 
-namespace {
-// The installer's own words.
-constexpr std::string_view kResultSuccess = "SUCCESS";
-constexpr std::string_view kResultFailure = "FAILURE";
+#include "RecordNames.h"
 
+namespace {
 /// How an outcome is named in every output, and what it is in words.
 struct Wording
 {

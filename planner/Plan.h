@@ -121,7 +121,7 @@ enum class MachineOutcome
     Fault,         ///< the run would end in the middle of the devices
     NotServed,     ///< the installer refuses such a system
     NoDevices,     ///< the registry has no PCI devices where the installer looks; the device pass would not begin
-    UnknownSystem, ///< the description does not tell the system
+    UnknownSystem, ///< the description does not say which system it is
     Unreadable,
 };
 
@@ -129,7 +129,7 @@ enum class MachineOutcome
 struct RestartAnswer
 {
     std::string id;            ///< "dma-engine", "iscsi-boot", "fcoe-boot"
-    std::optional<bool> holds; ///< no value when the machine's description does not tell
+    std::optional<bool> holds; ///< no value when the machine's description does not say
     std::string why;
 };
 

@@ -11,7 +11,8 @@
 
 /// @return in words why a device is not served.
 [[nodiscard]] std::string_view InWords(DeviceVerdict verdict);
-/// @return true for a device whose vendor number is in the table of accepted IDs: worth a word when it is not served.
+/// @return true for a device whose vendor number is in the table of accepted IDs: worth mentioning when it is not
+/// served.
 [[nodiscard]] bool IsOfServedVendor(std::string_view deviceKey);
 /// @return in words whether the device was there.
 [[nodiscard]] std::string_view InWords(Presence presence);

@@ -21,7 +21,7 @@ inline constexpr std::string_view kResultPlaceholder = "<what the driver directo
 /// Whether the machine boots over the adapter: asked only after an installation that left no error.
 inline constexpr std::string_view kStorageBootPlaceholder = "<what the adapter says about storage boot>";
 
-/// Writes down a device pass.
+/// Writes the trace of a device pass.
 class TraceLog final : public SearchLog
 {
 public:

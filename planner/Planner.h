@@ -14,10 +14,10 @@
 struct PlanWish
 {
     SystemWish system;
-    bool scanAll = false; ///< INF files that the setup INI excludes are searched all the same
+    bool scanAll = false; ///< INF files that the setup INI excludes are searched too
 };
 
-/// Plans machines with one kit. Serves any number of threads.
+/// Plans machines with one kit. Any number of threads may use one object.
 class Planner
 {
 public:
@@ -26,7 +26,7 @@ public:
 
     [[nodiscard]] KitFolder& Kit() const { return m_kit; }
 
-    /// @param trace  When not null, the device pass is written down there as the installer would trace it.
+    /// @param trace  When not null, receives the device pass as the installer would trace it.
     [[nodiscard]] MachinePlan Plan(const Machine& machine, std::string* trace = nullptr);
 
     /// @return what a search for a device on the planned machine depends on.

@@ -25,7 +25,7 @@ constexpr std::array kReasons = std::to_array<ReasonRow>({
 });
 static_assert(kReasons.size() == kRestartReasonCount, "each reason has its name in the plans");
 
-/// A fact of the rules that a description may not tell.
+/// A fact of the rules that a description may lack.
 struct OpenFact
 {
     bool* fact;

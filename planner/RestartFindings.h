@@ -5,5 +5,5 @@
 #include "Machine.h"
 #include "Plan.h"
 
-/// @return the installer's reasons to restart after a run, as far as a description of the machine tells.
+/// @return the installer's reasons to restart after a run, as far as a description of the machine says.
 [[nodiscard]] std::vector<RestartAnswer> RestartFindings(const Machine& machine, const MachinePlan& plan);

@@ -62,7 +62,7 @@ std::optional<PlannedSystem> ChooseSystem(const Machine& machine, const SystemWi
     system.from = "registry";
     system.familyFrom = "registry";
     if (!wish.section.empty() && (!view || view->section != wish.section)) {
-        // Workstation and server of 6.2 share their section: a machine that has it is believed.
+        // Workstation and server of 6.2 share their section: a machine that has it stays what it is.
         view = ViewOfSection(wish.section);
         system.familyFrom = "system";
     }

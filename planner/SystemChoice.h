@@ -21,6 +21,6 @@ struct SystemWish
 [[nodiscard]] std::vector<std::string> SystemSections();
 
 /// @param problem  Receives, without a system, what is missing; and for a system that the installer refuses, why.
-/// @return no value when the machine's description does not tell the system and the wish does not either.
+/// @return no value when neither the machine's description nor the wish says which system it is.
 [[nodiscard]] std::optional<PlannedSystem> ChooseSystem(const Machine& machine, const SystemWish& wish,
                                                         std::string& problem);

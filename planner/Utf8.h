@@ -13,7 +13,6 @@ struct Utf8Character
 /// @param text  Not empty.
 [[nodiscard]] Utf8Character FirstCharacter(std::string_view text);
 
-/// @return true for what could steer a terminal: control characters, line separators, marks without a width and marks
-/// that
-///         turn the direction of writing.
+/// @return true for what could steer a terminal: control characters, line separators, marks without a width and
+///         marks that turn the direction of writing.
 [[nodiscard]] bool SteersTerminal(char32_t character);

@@ -140,8 +140,8 @@ bool IsForbiddenUtf8(char32_t code, std::size_t after)
     return after == 1 && (code < 0x20 || (code >= 0x360 && code <= 0x37F));
 }
 
-/// The character at the beginning of `bytes`. What is no character becomes one replacement for the bytes up to the one
-/// that is wrong, and for all bytes of a file that ends within a character.
+/// The character at the beginning of `bytes`. An invalid one becomes one replacement: for the bytes up to the wrong
+/// one, or for all of them when the file ends within the character.
 Utf8Character Utf8CharacterAt(std::string_view bytes)
 {
     const unsigned first = static_cast<unsigned char>(bytes.front());

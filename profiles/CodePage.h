@@ -12,7 +12,7 @@
 using ProfileUnits = std::basic_string<char16_t>;
 using ProfileUnitsView = std::basic_string_view<char16_t>;
 
-/// Reads the UTF-8 character at the beginning of `bytes` (at least one byte); what is none is U+FFFD, in the way of
+/// Reads the UTF-8 character at the beginning of `bytes` (at least one byte); an invalid one is U+FFFD, as in
 /// Wine.
 /// @param utf16  Receives its one or two UTF-16 units at its end.
 /// @return number of bytes that it takes.
@@ -64,7 +64,7 @@ public:
     };
     [[nodiscard]] Size CharacterSize(std::string_view bytes) const;
 
-    /// @return the lower-case form of a letter that takes one byte; the byte itself when it is none.
+    /// @return the lower-case form of a letter that takes one byte; any other byte itself.
     [[nodiscard]] char Lower(char byte) const { return m_lower[static_cast<unsigned char>(byte)]; }
 
 private:

@@ -1,13 +1,13 @@
 #pragma once
 
-/// Which platform's reading of INI and INF files is answered.
+/// The platform whose reading of INI and INF files is reproduced.
 enum class ProfileDialect
 {
     Wine,
     Windows
 };
 
-/// Everything in which the two platforms read differently. What is not named here is alike on both.
+/// Every difference between the two platforms; in all else they are alike.
 /// The column of Wine is measured (8.0). The column of Windows is documented by others and not yet seen on a machine.
 struct DialectRules
 {

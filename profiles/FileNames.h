@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// Names of files as the platform matches and orders them, over lists of names from any file system. Letter case is
-/// that of ASCII; the platform has one for all letters, which orders and finds names with others differently.
+/// Names of files as the platform matches and orders them, over lists of names from any file system. Only ASCII
+/// letters are compared without case; the platform does so for all letters, so names with others may differ.
 
 /// @return true when the platform's search for "*.inf" finds the name: it ends with ".inf", or its short name does. The
 ///         short name's extension is the first three characters after the last full stop, so "a.infx" and "a.inf~" are

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the readers need of a folder on this machine. What cannot be read is not there; nothing is thrown for it.
+/// What the readers need of a folder on this machine. What cannot be read counts as missing; nothing is thrown.
 
 /// @return the names of the files and folders in `folder`, in the order of the file system.
 [[nodiscard]] std::vector<std::string> NamesIn(const std::filesystem::path& folder);

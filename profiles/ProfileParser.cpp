@@ -94,7 +94,7 @@ void ProfileParser::DecodeUtf16()
     std::size_t at = kUtf16Mark.size();
     for (; at < file.size(); at += 2) {
         const unsigned first = static_cast<unsigned char>(file[at]);
-        // Of a file of odd size the platform reads one byte too many, whatever it is. Here a NUL follows.
+        // The platform reads one byte beyond a file of odd size. Here that byte is a NUL.
         const unsigned second = at + 1 < file.size() ? static_cast<unsigned char>(file[at + 1]) : 0;
         const unsigned utf16 = bigEndian ? first * 256 + second : second * 256 + first;
         m_units.push_back(m_profile.m_codePage->UnitOfUtf16(static_cast<char16_t>(utf16)));

@@ -6,7 +6,6 @@
 #include "OrvRegKey.h"
 
 namespace {
-constexpr bool kForReading = false;
 // The trailing backslash is part of the name that is opened.
 constexpr char kTernKey[] = R"(SOFTWARE\NORDA\Network_Services\TERN\)";
 constexpr char kProductKey[] = R"(SOFTWARE\NORDA\Network_Services\ORV2)";

@@ -5,7 +5,6 @@
 #include "OrvRegKey.h"
 
 namespace {
-constexpr bool kForReading = false;
 constexpr char kStatusTextLibrary[] = "NetShell";
 
 DWORD LoadFlags(AgentLibraryUse use)

@@ -4,7 +4,6 @@
 #include <utility>
 
 namespace {
-constexpr bool kForReading = false;
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kWriteAccess = KEY_READ | KEY_WRITE;
 constexpr DWORD kSubKeyNameBytes = 256;

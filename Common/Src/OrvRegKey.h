@@ -8,6 +8,11 @@
 #include "Handles.h"
 #include "OrvString.h"
 
+/// How COrvRegKey opens a key, and how long a key lasts that it creates.
+inline constexpr bool kForReading = false;
+inline constexpr bool kForWriting = true;
+inline constexpr bool kPermanent = false;
+
 /// Owner of one open registry key. Operations return true or false and store the platform's status for LastResult; none
 /// throws on a registry error. Keys are opened for reading (KEY_READ) or for reading and writing (KEY_READ |
 /// KEY_WRITE), never with more.

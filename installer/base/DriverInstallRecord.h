@@ -5,11 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "FamilyNames.h"
+
 /// The run's install record. The installer library reads it by position, so the layout is fixed: 1280 bytes, zeroed at
 /// start, 8-bit NUL-terminated texts.
 struct DriverInstallRecord
 {
-    std::array<char, 204> osFamily{};    ///< family name, written by the system prober
+    std::array<char, 204> osFamily{};    ///< family name (FamilyNames.h), written by the system prober
     std::array<char, 256> infPath{};     ///< full path of the matched INF, upper case
     std::array<char, 256> reservedOne{}; ///< zero
     std::array<char, 300> hardwareId{};  ///< "PCI\" and the device's full key name
@@ -18,14 +20,6 @@ struct DriverInstallRecord
 static_assert(sizeof(DriverInstallRecord) == 1280);
 static_assert(offsetof(DriverInstallRecord, infPath) == 204);
 static_assert(offsetof(DriverInstallRecord, hardwareId) == 716);
-
-/// The system families, as the prober names them; "Millenium" is its spelling.
-inline constexpr std::string_view kFamilyWindows2000 = "Windows 2000";
-inline constexpr std::string_view kFamilyWindowsWhistler = "Windows Whistler";
-inline constexpr std::string_view kFamilyWindowsVista = "Windows Vista";
-inline constexpr std::string_view kFamilyWindowsMe = "Windows Millenium";
-inline constexpr std::string_view kFamilyWindows98 = "Windows 98";
-inline constexpr std::string_view kFamilyWindowsNT = "Windows NT";
 
 /// @return the text in a fixed, possibly unterminated buffer.
 template <std::size_t Size>

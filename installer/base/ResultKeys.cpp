@@ -29,7 +29,7 @@ void SetReboot(HKEY key, const std::string& result)
     std::string data = "Yes";
     const size_t bytes = result.size() + 1;
     data.resize(std::max(bytes, data.size() + 1));
-    RegSetValueExA(key, "Reboot", 0, REG_SZ, reinterpret_cast<const BYTE*>(data.data()), static_cast<DWORD>(bytes));
+    RegSetValueExA(key, kRebootValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(data.data()), static_cast<DWORD>(bytes));
 }
 
 void SetVersions(HKEY key, char* driverType, size_t driverTypeBytes, const std::string& version)
@@ -39,7 +39,7 @@ void SetVersions(HKEY key, char* driverType, size_t driverTypeBytes, const std::
     }
     OrvSafeCat("ResultKeys", __LINE__, driverType, driverTypeBytes, "Version");
     SetText(key, driverType, REG_SZ, version);
-    SetText(key, "Version", REG_SZ, version);
+    SetText(key, kVersionValue, REG_SZ, version);
 }
 
 UniqueRegKey OpenBasedrivers()
@@ -55,7 +55,7 @@ UniqueRegKey OpenBasedrivers()
 void DeleteRebootNeeded()
 {
     if (const UniqueRegKey key = OpenBasedrivers()) {
-        RegDeleteValueA(key.get(), "RebootNeeded");
+        RegDeleteValueA(key.get(), kRebootNeededValue);
     }
 }
 
@@ -63,7 +63,8 @@ void SetRebootNeeded()
 {
     if (const UniqueRegKey key = OpenBasedrivers()) {
         const DWORD needed = 1;
-        RegSetValueExA(key.get(), "RebootNeeded", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&needed), sizeof(needed));
+        RegSetValueExA(key.get(), kRebootNeededValue, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&needed),
+                       sizeof(needed));
     }
 }
 
@@ -91,7 +92,7 @@ void PostResultToRegistry(const std::string& result, char* driverType, size_t dr
         // The first result is always stored; a later one only when it is worse.
         if (!RunState.resultAlreadyPosted || result == kResultFailure) {
             Trace("First time calling PostResultToRegistry() or FAILURE found!");
-            SetText(key.get(), "Install", REG_EXPAND_SZ, result);
+            SetText(key.get(), kInstallValue, REG_EXPAND_SZ, result);
         }
     }
     RunState.resultAlreadyPosted = true;

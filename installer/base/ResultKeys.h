@@ -2,13 +2,10 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 
-#include "ResultKeyNames.h"
+#include "RecordNames.h"
 
 /// The run's outward report: values of kBasedriversKey.
-inline constexpr std::string_view kResultSuccess = "SUCCESS";
-inline constexpr std::string_view kResultFailure = "FAILURE";
 
 /// Deletes "RebootNeeded", so that the value is about this run only. Nothing is reported when there is none.
 void DeleteRebootNeeded();

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "Handles.h"
-#include "ResultKeyNames.h"
+#include "RecordNames.h"
 
 void Trace(std::string&& message)
 {

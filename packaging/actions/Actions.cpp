@@ -118,7 +118,7 @@ UINT Run(MSIHANDLE handle, Step step) noexcept
 } // namespace
 
 /// Sets CallerIsAdministrator to 1 for an administrator. Runs with the rights of the user who started the installation,
-/// while the script is written. The engine's own properties are no help: since Vista, AdminUser follows Privileged, and
+/// while the script is written. The engine's own properties do not help: since Vista, AdminUser follows Privileged, and
 /// Privileged is set for everybody who repairs a package that an administrator installed.
 extern "C" UINT __stdcall CheckCaller(MSIHANDLE handle)
 {

@@ -7,7 +7,6 @@
 
 #include "Handles.h"
 #include "RecordNames.h"
-#include "ResultKeyNames.h"
 
 namespace {
 // The longest name that a value can have, with its terminator.

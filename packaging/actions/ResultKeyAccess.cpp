@@ -9,10 +9,8 @@
 #include "Handles.h"
 #include "NetInst.h"
 #include "RecordNames.h"
-#include "ResultKeyNames.h"
 
 namespace {
-constexpr char kRestartValue[] = "RebootNeeded";
 // The longest name that a value can have, with its terminator.
 constexpr DWORD kValueNameChars = 16384;
 
@@ -75,7 +73,7 @@ void ForgetEarlierFailures()
         for (const std::string& name : FailureRecords(key.get())) {
             RegDeleteValueA(key.get(), name.c_str());
         }
-        RegDeleteValueA(key.get(), kRestartValue);
+        RegDeleteValueA(key.get(), kRebootNeededValue);
     }
     if (const UniqueRegKey key = OpenMachineKey(kNetInstKey, KEY_SET_VALUE)) {
         RegDeleteValueA(key.get(), kNetInstRestartValue);
@@ -86,9 +84,9 @@ ResultRecords ReadResultRecords()
 {
     ResultRecords records;
     if (const UniqueRegKey key = OpenMachineKey(kBasedriversKey, KEY_QUERY_VALUE)) {
-        records.install = ReadText(key.get(), "Install");
-        records.version = ReadText(key.get(), "Version");
-        records.restartNeeded = IsNumberOtherThanZero(key.get(), kRestartValue);
+        records.install = ReadText(key.get(), kInstallValue);
+        records.version = ReadText(key.get(), kVersionValue);
+        records.restartNeeded = IsNumberOtherThanZero(key.get(), kRebootNeededValue);
         for (const std::string& name : FailureRecords(key.get())) {
             if (std::string family = FamilyOfRecord(name); !family.empty()) {
                 records.failedFamilies.push_back(std::move(family));

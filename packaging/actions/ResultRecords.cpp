@@ -1,13 +1,14 @@
 #include "ResultRecords.h"
 
+#include "RecordNames.h"
+
 namespace {
-constexpr std::string_view kRunRecord = "Install";
 constexpr std::string_view kFamilyEnd = "_Install";
 } // namespace
 
 bool IsFailureRecord(std::string_view valueName, std::string_view text)
 {
-    return text == "FAILURE" && (valueName == kRunRecord || !FamilyOfRecord(valueName).empty());
+    return text == kResultFailure && (valueName == kInstallValue || !FamilyOfRecord(valueName).empty());
 }
 
 std::string FamilyOfRecord(std::string_view valueName)

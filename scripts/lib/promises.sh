@@ -18,6 +18,9 @@ promise() {
     fi
 }
 
+# same FOUND WANTED: the texts are equal.
+same() { [[ $1 == "$2" ]] || { printf '  "%s" instead of "%s"\n' "$1" "$2"; return 1; }; }
+
 # Ends the script. A script that ends elsewhere has no plan, and that is a failure.
 end_promises() {
     printf '1..%d\n' "$promises"

@@ -36,7 +36,7 @@ names_are_written() {
     if grep -q 'Basedrivers' "$1"; then
         grep -qF "OpenBaseKey('LocalMachine', 'Registry64')" "$1" && ! grep -q 'HKLM:' "$1" && grep -qF "'SOFTWARE\Norda\Basedrivers'" "$1" || return 1
         while read -r name; do
-            grep -qE "^ +$name +REG_" "$written" || grep -qF "\"$name\"" "$repo/installer/base/ResultKeys.cpp" ||
+            grep -qE "^ +$name +REG_" "$written" || grep -qF "\"$name\"" "$repo/platform/RecordNames.h" ||
                 { printf 'no run writes %s\n' "$name"; return 1; }
         done < <(grep -oE "\\\$results\.GetValue\('[A-Za-z_]+'" "$1" | sed "s/.*'\(.*\)'/\1/" | sort -u)
     else
@@ -114,8 +114,6 @@ try_detection() {
     set_value "$results_key" TAVG_PCIE_Version "$driver" 32
     promise "FLEET.md: results in the 32-bit view are not detected" not_detected
 }
-
-same() { [[ $1 == "$2" ]] || { printf '"%s" instead of "%s"\n' "$1" "$2"; return 1; }; }
 
 # The commands that begin to run a playbook, up to the point where hosts are needed.
 playbook_is_found() {

@@ -147,7 +147,7 @@ same_values() {
     local value
     for value in Install Version Reboot RebootNeeded; do
         sed -n '/^## Result keys/,/^## /p' "$administrators" | grep -q "^| \`$value\` " || return 1
-        grep -qF "\"$value\"" "$repo/installer/base/ResultKeys.cpp" || { printf 'nobody writes %s\n' "$value"; return 1; }
+        grep -qF "\"$value\"" "$repo/platform/RecordNames.h" || { printf 'nobody writes %s\n' "$value"; return 1; }
     done
 }
 
@@ -162,7 +162,7 @@ exit_codes_are_explained() {
 
 # A refusal as the guide tells it: status, trace line, text, the package's log and its switch are the sources' own.
 refusal_is_as_told() {
-    grep -q 'e0000207' "$signing" && grep -q 'kRememberedInstallError = 0xE0000207' "$repo"/devices/*.cpp "$repo"/devices/*.h &&
+    grep -q 'e0000207' "$signing" && grep -q 'kNetInstRefused = 0xE0000207' "$repo"/platform/NetInst.h &&
         grep -qF '`Morvix:  2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = e000022f`' "$signing" &&
         grep -qF '" 2K/XP UpdateDriver() returned: %x ---> GetLastError = %x\n"' "$repo/devices/DeviceInstall.cpp" &&
         grep -qF '"Some drivers could not be installed."' "$signing" && grep -qF '"Some drivers could not be installed."' "$repo/resources/texts/English.rc" &&

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <memory>
 
 #include "Adapter.h"
 #include "EmulatedSystem.h"
@@ -224,27 +225,19 @@ TEST_F(DialogStates, ASilentRunAndASilentInstallerStepShowNoDialog)
     }
 }
 
-TEST_F(DialogStates, UnderAnInstallersWindowTheDialogBelongsToIt)
+TEST_F(DialogStates, TheDialogBelongsToTheInstallersWindowIfThereIsOne)
 {
-    const InstallerWindow installer;
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDCANCEL);
+    for (const bool hasInstaller : {true, false}) {
+        SCOPED_TRACE(hasInstaller ? "under an installer's window" : "alone");
+        const auto installer = hasInstaller ? std::make_unique<InstallerWindow>() : nullptr;
+        const auto run = StartMorvix("");
+        const ProgressWindow window(*run);
+        window.WaitUntilOffered(IDCANCEL);
 
-    EXPECT_EQ(GetWindow(window.Window(), GW_OWNER), installer.Window());
-    window.Press(IDCANCEL);
-    EXPECT_EQ(run->Finish().exitCode, 0);
-}
-
-TEST_F(DialogStates, WithoutAnInstallersWindowTheDialogBelongsToNobody)
-{
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDCANCEL);
-
-    EXPECT_EQ(GetWindow(window.Window(), GW_OWNER), nullptr);
-    window.Press(IDCANCEL);
-    EXPECT_EQ(run->Finish().exitCode, 0);
+        EXPECT_EQ(GetWindow(window.Window(), GW_OWNER), hasInstaller ? installer->Window() : nullptr);
+        window.Press(IDCANCEL);
+        EXPECT_EQ(run->Finish().exitCode, 0);
+    }
 }
 
 TEST_F(DialogStates, TheFinishButtonOfTheOemVariantNeedNotWaitForItsTimer)
@@ -270,8 +263,15 @@ TEST_F(DialogStates, TheTimerOfTheOemVariantEndsTheRun)
     EXPECT_LT(GetTickCount() - start, 4500u);
 }
 
+struct TimerRow
+{
+    const char* name;
+    WPARAM timer;
+    size_t restarts;
+};
+
 // A run that waits until it is ended: its system has no flow, so nothing is posted to the dialog.
-class WaitingRun : public DialogStates
+class WaitingRun : public DialogStates, public testing::WithParamInterface<TimerRow>
 {
 protected:
     WaitingRun() { Folder().Answer("NetInst", "Family", "Windows NT"); }
@@ -279,31 +279,24 @@ protected:
     const RestartWatch m_restarts;
 };
 
-TEST_F(WaitingRun, CloseTimerTakesTheEndOfRunDecisionBeforeTheLoopEnds)
+TEST_P(WaitingRun, EndsWithATimerAndRestartsOnlyByTheCloseTimer)
 {
     const auto run = StartMorvix("/s /r");
     const ProgressWindow window(*run);
     run->WaitForTrace("Exit -> InstallDrivers()");
-    PostMessageA(window.Window(), WM_TIMER, kCloseTimer, 0);
+    PostMessageA(window.Window(), WM_TIMER, GetParam().timer, 0);
     const FinishedRun finished = run->Finish();
 
     EXPECT_EQ(finished.exitCode, 0);
-    EXPECT_EQ(finished.Count("Entering - RestartMachine"), 1u);
-    EXPECT_TRUE(m_restarts.WaitForRefusal());
+    EXPECT_EQ(finished.Count("Entering - RestartMachine"), GetParam().restarts);
+    EXPECT_TRUE(GetParam().restarts == 0 || m_restarts.WaitForRefusal());
+    EXPECT_EQ(m_restarts.Refused(), GetParam().restarts);
 }
 
-TEST_F(WaitingRun, AnUnknownTimerEndsTheLoopWithoutThatDecision)
-{
-    const auto run = StartMorvix("/s /r");
-    const ProgressWindow window(*run);
-    run->WaitForTrace("Exit -> InstallDrivers()");
-    PostMessageA(window.Window(), WM_TIMER, kNobodysTimer, 0);
-    const FinishedRun finished = run->Finish();
-
-    EXPECT_EQ(finished.exitCode, 0);
-    EXPECT_FALSE(finished.Traced("Entering - RestartMachine"));
-    EXPECT_EQ(m_restarts.Refused(), 0u);
-}
+INSTANTIATE_TEST_SUITE_P(Each, WaitingRun,
+                         testing::Values(TimerRow{"OfTheOemVariant", kCloseTimer, 1},
+                                         TimerRow{"ThatIsUnknown", kNobodysTimer, 0}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(DialogStates, SlashRRestartsOnceWithoutAQuestionWhateverWasFound)
 {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "Adapter.h"
 #include "EmulatedSystem.h"
@@ -148,6 +149,14 @@ protected:
         EXPECT_EQ(m_restarts.Refused(), 0u);
     }
 
+    static void ExpectRebootRecorded()
+    {
+        const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
+        ASSERT_TRUE(reboot);
+        EXPECT_EQ(reboot->type, static_cast<DWORD>(REG_SZ));
+        EXPECT_EQ(reboot->bytes, kRebootYes);
+    }
+
     const ScratchRegistryKey m_devices{"Enum"};
     const SourceFolder m_source;
     const RestartWatch m_restarts;
@@ -191,10 +200,7 @@ TEST_F(Windows98Flow, StagesAndClassifiesAfterThePassAndEndsASilentRunWithoutARe
     EXPECT_FALSE(FileExists(FallbackFolder()));
     EXPECT_EQ(ReadRegistryText(kResultsKey, "TAVG_PCIE_Install"), "SUCCESS");
     EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
-    ASSERT_TRUE(reboot);
-    EXPECT_EQ(reboot->type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(reboot->bytes, kRebootYes);
+    ExpectRebootRecorded();
     ExpectNoRestart(run);
 }
 
@@ -205,31 +211,8 @@ TEST_F(Windows98Flow, AMissingDriverFileIsAFailureThatNeedsTheRestartToo)
     const FinishedRun run = RunMorvix("/s");
 
     EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "FAILURE");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
-    ASSERT_TRUE(reboot);
-    EXPECT_EQ(reboot->bytes, kRebootYes);
+    ExpectRebootRecorded();
     ExpectNoRestart(run);
-}
-
-TEST_F(Windows98Flow, OffersTheRestartToTheUserWhateverWasFound)
-{
-    AddNoAdapter();
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), ResourceText(1) + ResourceText(20));
-    EXPECT_EQ(window.Title(), ResourceText(1008));
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartNow);
-    window.WaitUntilOffered(ProgressWindow::kRestartLater);
-    EXPECT_FALSE(window.Offers(ProgressWindow::kFinish));
-    window.Press(ProgressWindow::kRestartLater);
-    const FinishedRun finished = run->Finish();
-
-    EXPECT_EQ(finished.exitCode, 0);
-    ExpectFlow(finished);
-    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "<none>");
-    ExpectNoRestart(finished);
 }
 
 TEST_F(Windows98Flow, OnWindows98ItselfRunsTheHelperAfterTheStagingFromItsOwnDirectory)
@@ -272,9 +255,7 @@ TEST_F(WindowsMeFlow, UpdatesTheDriverThenStagesThenClassifiesAndEndsASilentRunW
     EXPECT_NE(adapter.Driver(), "<none>");
     EXPECT_TRUE(FileExists(m_source.At(kInf)));
     EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), "SUCCESS");
-    const std::optional<RegistryValue> reboot = ReadRegistryValue(kResultsKey, "Reboot");
-    ASSERT_TRUE(reboot);
-    EXPECT_EQ(reboot->bytes, kRebootYes);
+    ExpectRebootRecorded();
     EXPECT_THAT(HelperRuns(), IsEmpty());
     ExpectNoInterface();
     ExpectNoRestart(run);
@@ -295,43 +276,6 @@ TEST_F(WindowsMeFlow, DoesNotLoadTheDriverUpdateFromTheCurrentDirectory)
     EXPECT_EQ(directory.Journal(), "");
 }
 
-TEST_F(WindowsMeFlow, WithADeviceOffersTheRestartToTheUser)
-{
-    const Adapter adapter(kDevice);
-    AddAdapter();
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), ResourceText(1));
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kRestartLater);
-    EXPECT_FALSE(window.Offers(ProgressWindow::kFinish));
-    window.Press(ProgressWindow::kRestartLater);
-    const FinishedRun finished = run->Finish();
-
-    EXPECT_EQ(finished.exitCode, 0);
-    ExpectFlow(finished);
-    ExpectNoRestart(finished);
-}
-
-TEST_F(WindowsMeFlow, WithoutADeviceSaysSoAtTheFinishButton)
-{
-    AddNoAdapter();
-    const auto run = StartMorvix("");
-    const ProgressWindow window(*run);
-    window.WaitUntilOffered(IDOK);
-    window.Press(IDOK);
-    window.WaitUntilOffered(ProgressWindow::kFinish);
-    EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), ResourceText(5));
-    EXPECT_FALSE(window.Offers(ProgressWindow::kRestartNow));
-    window.Press(ProgressWindow::kFinish);
-    const FinishedRun finished = run->Finish();
-
-    EXPECT_EQ(finished.exitCode, 0);
-    ExpectFlow(finished);
-    ExpectNoRestart(finished);
-}
-
 TEST_F(WindowsMeFlow, OnWindowsMeItselfStagesWithoutTheHelper)
 {
     const EmulatedSystem emulated(kWindowsMe);
@@ -345,18 +289,73 @@ TEST_F(WindowsMeFlow, OnWindowsMeItselfStagesWithoutTheHelper)
     ExpectFlow(run);
 }
 
-// A Windows Installer step is not silent, so it is offered the restart too.
-TEST_F(WindowsMeFlow, AnInstallerStepThatIsNotSilentIsOfferedTheRestart)
+struct UserRow
 {
-    const Adapter adapter(kDevice);
-    AddAdapter();
-    const auto run = StartMorvix("/m");
+    const char* name;
+    const char* family;
+    const char* options;
+    bool hasAdapter;
+    std::vector<unsigned> welcome; ///< texts of the dialog that waits for OK; none for a run that does not wait
+    int button;                    ///< what ends the run: the finish button, or "restart later"
+    const char* install;           ///< the run's result
+};
+
+class LegacyUser : public LegacySystem, public testing::WithParamInterface<UserRow>
+{
+};
+
+TEST_P(LegacyUser, EndsTheRunWithTheButtonOffered)
+{
+    const UserRow& row = GetParam();
+    SetFamily(row.family);
+    const auto adapter = row.hasAdapter ? std::make_unique<Adapter>(kDevice) : nullptr;
+    if (row.hasAdapter) {
+        AddAdapter();
+    } else {
+        AddNoAdapter();
+    }
+    const auto run = StartMorvix(row.options);
     const ProgressWindow window(*run);
-    window.WaitUntilOffered(ProgressWindow::kRestartLater);
-    window.Press(ProgressWindow::kRestartLater);
+    if (!row.welcome.empty()) {
+        window.WaitUntilOffered(IDOK);
+        std::string welcome;
+        for (const unsigned text : row.welcome) {
+            welcome += ResourceText(text);
+        }
+        EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), welcome);
+        EXPECT_EQ(window.Title(), ResourceText(1008));
+        window.Press(IDOK);
+    }
+    window.WaitUntilOffered(row.button);
+    if (row.button == ProgressWindow::kFinish) {
+        EXPECT_EQ(window.TextOf(ProgressWindow::kStatus), ResourceText(5));
+        EXPECT_FALSE(window.Offers(ProgressWindow::kRestartNow));
+    } else {
+        window.WaitUntilOffered(ProgressWindow::kRestartNow);
+        EXPECT_FALSE(window.Offers(ProgressWindow::kFinish));
+    }
+    window.Press(row.button);
     const FinishedRun finished = run->Finish();
 
     EXPECT_EQ(finished.exitCode, 0);
+    ExpectFlow(finished);
+    EXPECT_EQ(ReadRegistryText(kResultsKey, "Install"), row.install);
     ExpectNoRestart(finished);
 }
+
+// An installer step is not silent, so it is offered the restart too.
+INSTANTIATE_TEST_SUITE_P(
+    Each, LegacyUser,
+    testing::Values(
+        UserRow{"OnWindows98WithoutADevice", "Windows 98", "", false, {1, 20}, ProgressWindow::kRestartLater, "<none>"},
+        UserRow{"OnWindowsMeWithADevice", "Windows Millenium", "", true, {1}, ProgressWindow::kRestartLater, "FAILURE"},
+        UserRow{"OnWindowsMeWithoutADevice", "Windows Millenium", "", false, {1}, ProgressWindow::kFinish, "<none>"},
+        UserRow{"OfAnInstallerStepOnWindowsMe",
+                "Windows Millenium",
+                "/m",
+                true,
+                {},
+                ProgressWindow::kRestartLater,
+                "FAILURE"}),
+    [](const auto& row) { return std::string(row.param.name); });
 } // namespace

@@ -133,8 +133,6 @@ guide_shows_this_run() {
     ((shown > 0))
 }
 
-same() { [[ $1 == "$2" ]]; }
-
 rm -rf -- "$work"
 mkdir -p -- "$machines" "$reports" "$work/home"
 promise "ansible-lint finds nothing" in_ansible ansible-lint --offline --strict site.yml roles

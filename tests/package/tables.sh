@@ -107,7 +107,7 @@ texts_for_the_steps() {
         'RunMorvix [1];RunUninstaller [1];UndoRunMorvix ;UndoRunUninstaller '
 }
 
-# What the room calls; the compiler's own runtime is not looked at.
+# What the room calls; the compiler's own runtime is ignored.
 no_library_is_loaded_at_run_time() {
     local calls
     calls=$(x86_64-w64-mingw32-nm "$build_dir/windows/packaging/actions/libactions.a" | sed -n 's/.* U __imp_//p')
@@ -223,7 +223,7 @@ promise "what the publisher has filled in is in the list of programs" published
 promise "a package with these has sound tables" tables_are_sound
 publisher_file=$repo/packaging/publisher.conf
 sed 's|^support_url=.*|support_url=example|' "$publisher_file" >"$work/publisher.bad"
-promise "a link that is none is refused" refuses_publisher support_url "$work/publisher.bad"
+promise "a text that is not a link is refused" refuses_publisher support_url "$work/publisher.bad"
 sed "s|^contact=.*|contact=it's|" "$publisher_file" >"$work/publisher.bad"
 promise "a quote in a publisher's text is refused" refuses_publisher contact "$work/publisher.bad"
 promise "other content is another package" \
@@ -242,7 +242,7 @@ promise "the checks find a value out of its range" \
     finds cells_fit_their_rules "UPDATE \`Component\` SET \`Attributes\` = 512 WHERE \`Component\` = 'KeptFolder'"
 promise "the checks find a value outside its set" \
     finds cells_fit_their_rules "UPDATE \`RemoveFile\` SET \`InstallMode\` = 4"
-promise "the checks find an identifier that is none" \
+promise "the checks find an invalid identifier" \
     finds cells_fit_their_rules "UPDATE \`CustomAction\` SET \`Source\` = '1ST' WHERE \`Action\` = 'RecordFolder'"
 promise "the checks find an identifier in small letters" \
     finds cells_fit_their_rules "UPDATE \`Component\` SET \`ComponentId\` = '{c60e375d-c9b4-5271-9c15-dbcdc4baedd5}' WHERE \`Component\` = 'KeptFolder'"

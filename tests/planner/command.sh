@@ -212,6 +212,6 @@ unknown_folder_is_named() {
 }
 promise "a folder of the machine that is not known here is named with the option that helps" unknown_folder_is_named
 full_disk_is_said() { [[ ! -e /dev/full ]] || { ends_with 2 plan kit PC7.reg --output /dev/full && says 'cannot be written'; }; }
-promise "output that cannot be written is said, exit code 2" full_disk_is_said
+promise "output that cannot be written is reported, exit code 2" full_disk_is_said
 
 end_promises

@@ -12,7 +12,6 @@
 #include "WmiQuery.h"
 
 namespace {
-constexpr bool kForReading = false;
 // The iSCSI library's record about the initiator. Declared here because the compiler's header has it for 6.0 and later
 // only; earlier systems have the library too, once an initiator is installed.
 struct IScsiVersionInfo

@@ -11,45 +11,36 @@ StepRequest Read(const char* data)
 }
 } // namespace
 
-TEST(StepRequest, WithoutPropertiesEverySwitchIsOffAndTheTimeIsTheDefault)
+TEST(StepRequest, OnlyOneSwitchesOnAndNoPropertyChangesTheProgram)
 {
-    const StepRequest request = Read("C:\\Program Files\\Norda\\Morvix\\Morvix.exe|||");
-    EXPECT_FALSE(request.oemVariant);
-    EXPECT_FALSE(request.failOnFailure);
-    EXPECT_EQ(request.timeLimitSeconds, 900U);
-    EXPECT_EQ(request.program, "C:\\Program Files\\Norda\\Morvix\\Morvix.exe");
-}
-
-TEST(StepRequest, OneSwitchesOn)
-{
-    const StepRequest request = Read("D:\\kit\\Morvix.exe|1|1|60");
-    EXPECT_TRUE(request.oemVariant);
-    EXPECT_TRUE(request.failOnFailure);
-    EXPECT_EQ(request.timeLimitSeconds, 60U);
-    EXPECT_EQ(request.program, "D:\\kit\\Morvix.exe");
-}
-
-TEST(StepRequest, EachSwitchIsIndependent)
-{
-    EXPECT_TRUE(Read("C:\\a.exe|1|0|1").oemVariant);
-    EXPECT_FALSE(Read("C:\\a.exe|1|0|1").failOnFailure);
-    EXPECT_FALSE(Read("C:\\a.exe|0|1|1").oemVariant);
-    EXPECT_TRUE(Read("C:\\a.exe|0|1|1").failOnFailure);
-}
-
-TEST(StepRequest, OnlyOneSwitchesOn)
-{
-    for (const char* data : {"C:\\a.exe|0|0|1", "C:\\a.exe|yes|yes|1", "C:\\a.exe|11|11|1", "C:\\a.exe| 1|1 |1"}) {
-        EXPECT_FALSE(Read(data).oemVariant) << data;
-        EXPECT_FALSE(Read(data).failOnFailure) << data;
-    }
-}
-
-TEST(StepRequest, SeparatorsInAPropertyCannotChangeTheProgram)
-{
-    for (const char* data : {"C:\\kit\\Morvix.exe|C:\\other.exe|0|1|0|900", "C:\\kit\\Morvix.exe|0|1|C:\\other.exe|900",
-                             "C:\\kit\\Morvix.exe|||C:\\other.exe|1|1|900"}) {
-        EXPECT_EQ(Read(data).program, "C:\\kit\\Morvix.exe") << data;
+    constexpr char kInstalled[] = R"(C:\Program Files\Norda\Morvix\Morvix.exe)";
+    const struct
+    {
+        const char* data;
+        const char* program;
+        bool oemVariant;
+        bool failOnFailure;
+        uint32_t timeLimitSeconds;
+    } rows[] = {
+        {R"(C:\Program Files\Norda\Morvix\Morvix.exe|||)", kInstalled, false, false, 900},
+        {R"(D:\kit\Morvix.exe|1|1|60)", R"(D:\kit\Morvix.exe)", true, true, 60},
+        {R"(C:\a.exe|1|0|1)", R"(C:\a.exe)", true, false, 1},
+        {R"(C:\a.exe|0|1|1)", R"(C:\a.exe)", false, true, 1},
+        {R"(C:\a.exe|0|0|1)", R"(C:\a.exe)", false, false, 1},
+        {R"(C:\a.exe|yes|yes|1)", R"(C:\a.exe)", false, false, 1},
+        {R"(C:\a.exe|11|11|1)", R"(C:\a.exe)", false, false, 1},
+        {R"(C:\a.exe| 1|1 |1)", R"(C:\a.exe)", false, false, 1},
+        // separators in a property
+        {R"(C:\a.exe|C:\other.exe|0|1|0|900)", R"(C:\a.exe)", false, false, 900},
+        {R"(C:\a.exe|0|1|C:\other.exe|900)", R"(C:\a.exe)", false, true, 900},
+        {R"(C:\a.exe|||C:\other.exe|1|1|900)", R"(C:\a.exe)", false, false, 900},
+    };
+    for (const auto& row : rows) {
+        const StepRequest request = Read(row.data);
+        EXPECT_EQ(request.program, row.program) << row.data;
+        EXPECT_EQ(request.oemVariant, row.oemVariant) << row.data;
+        EXPECT_EQ(request.failOnFailure, row.failOnFailure) << row.data;
+        EXPECT_EQ(request.timeLimitSeconds, row.timeLimitSeconds) << row.data;
     }
 }
 
@@ -67,18 +58,11 @@ TEST(StepRequest, TheLongestTimeFitsInMilliseconds)
     EXPECT_LT(std::uint64_t{kLongestTimeLimitSeconds} * 1000, std::uint64_t{0xFFFFFFFF});
 }
 
-TEST(StepRequest, AMissingPartIsRefused)
+TEST(StepRequest, AMissingPartAndAProgramWithoutItsFullPathAreRefused)
 {
-    for (const char* data :
-         {"", "C:\\kit\\Morvix.exe", "C:\\kit\\Morvix.exe|1", "C:\\kit\\Morvix.exe|1|1", "|1|1|60"}) {
-        EXPECT_FALSE(ReadStepRequest(data).has_value()) << data;
-    }
-}
-
-TEST(StepRequest, AProgramThatIsNotGivenByItsFullPathIsRefused)
-{
-    for (const char* data : {"Morvix.exe|||", "\\Morvix.exe|||", "kit\\Morvix.exe|||", "C:Morvix.exe|||", "C:\\|||",
-                             "C:\\kit\\|||", "\\\\server\\kit\\Morvix.exe|||"}) {
+    for (const char* data : {"", R"(C:\kit\Morvix.exe)", R"(C:\kit\Morvix.exe|1)", R"(C:\kit\Morvix.exe|1|1)",
+                             "|1|1|60", "Morvix.exe|||", R"(\Morvix.exe|||)", R"(kit\Morvix.exe|||)", "C:Morvix.exe|||",
+                             R"(C:\|||)", R"(C:\kit\|||)", R"(\\server\kit\Morvix.exe|||)"}) {
         EXPECT_FALSE(ReadStepRequest(data).has_value()) << data;
     }
 }

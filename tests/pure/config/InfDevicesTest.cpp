@@ -27,7 +27,7 @@ protected:
 };
 } // namespace
 
-TEST_F(InfDevices, AMatchIsRecordedDescribedAndSaid)
+TEST_F(InfDevices, AMatchIsRecordedDescribedAndTraced)
 {
     EXPECT_TRUE(Lists("%One%=I, PCI\\ven_5d1a&dev_7a01\n%Two%=I, PCI\\VEN_5D1A&DEV_7A01\n"));
     EXPECT_EQ(MatchedId(), "ven_5d1a&dev_7a01") << "as the line has it";
@@ -70,7 +70,7 @@ TEST_F(InfDevices, WithoutASectionNameNothingIsReadAndNothingChanges)
               "ParseINFFile(): key=" + std::string(kKey) + ", section name=, file name=" + kInf + "\n");
 }
 
-TEST_F(InfDevices, AMissingSectionIsSaidAndItsDescriptionIsEmpty)
+TEST_F(InfDevices, AMissingSectionIsTracedAndItsDescriptionIsEmpty)
 {
     m_memory.deviceDescription[0] = 'x';
     EXPECT_FALSE(ListsDevice(m_memory.Search(), kKey, "Norda", kInf));
@@ -114,10 +114,10 @@ TEST_F(InfDevices, EveryLineHasItsVerdict)
     }
     EXPECT_THAT(verdicts, ElementsAre(LineVerdict::OtherDevice, LineVerdict::NoHardwareId, LineVerdict::NoHardwareId,
                                       LineVerdict::ListsDevice));
-    EXPECT_EQ(section.VerdictOn(1, ""), LineVerdict::NoHardwareId) << "no ID is not an empty one";
+    EXPECT_EQ(section.VerdictOn(1, ""), LineVerdict::NoHardwareId) << "a missing ID differs from an empty one";
 }
 
-TEST_F(InfDevices, MarksAreSaidAsTheyAre)
+TEST_F(InfDevices, MarksAreTracedAsTheyAre)
 {
     struct Row
     {

@@ -47,7 +47,7 @@ TEST_F(InfDirectory, TheFirstInfThatListsTheDeviceEndsTheSearch)
     EXPECT_FALSE(m_memory.log.Said("processing: c.inf\n"));
 }
 
-TEST_F(InfDirectory, EveryFileHasAReasonWhyItIsPassedOver)
+TEST_F(InfDirectory, EverySkippedFileHasItsReason)
 {
     Add("1.inf", InfThatLists(kKey));
     Add("2.inf", Replaced(InfThatLists(kKey), "Windows NT", "Chicago"));
@@ -65,7 +65,7 @@ TEST_F(InfDirectory, EveryFileHasAReasonWhyItIsPassedOver)
     EXPECT_THAT(m_memory.log.directories, ElementsAre(kDrivers, kDrivers));
 }
 
-TEST_F(InfDirectory, AMatchIsSaidStepByStep)
+TEST_F(InfDirectory, AMatchIsTracedStepByStep)
 {
     Add("a.inf", InfThatLists(kKey));
     EXPECT_EQ(Find(), At("a.inf"));
@@ -91,12 +91,12 @@ TEST_F(InfDirectory, ADirectoryWithoutInfFilesIsNoMatch)
     EXPECT_EQ(m_memory.log.lines.back(), "done processing infs in this directory\n");
 }
 
-TEST_F(InfDirectory, AForcedScanLooksAtExcludedFilesToo)
+TEST_F(InfDirectory, AForcedScanSearchesExcludedFilesToo)
 {
     Add("a.inf", InfThatLists(kKey));
     KitSearch search = m_memory.Search();
     EXPECT_EQ(FindInf(search, kKey, kDrivers, {"a.inf"}), std::nullopt);
-    EXPECT_FALSE(m_memory.log.Said("Entering - IsFileUnicode")) << "an excluded file is not looked at";
+    EXPECT_FALSE(m_memory.log.Said("Entering - IsFileUnicode")) << "an excluded file is not read";
     search.forceInfScan = true;
     EXPECT_EQ(FindInf(search, kKey, kDrivers, {"a.inf"}), At("a.inf"));
 }
@@ -124,7 +124,7 @@ TEST_F(InfDirectory, ASignatureCountsInAnyLetterCaseAndUpTo99Characters)
     }
 }
 
-TEST_F(InfDirectory, OtherSignaturesAreSaidAndOtherBrandsAreNot)
+TEST_F(InfDirectory, OtherSignaturesAreTracedAndOtherBrandsAreNot)
 {
     Add("a.inf", Replaced(InfThatLists(kKey), "=Norda,", "=Other,"));
     EXPECT_EQ(WhyNotQualified(m_memory.Search(), At("a.inf"), "$Windows NT$"), InfVerdict::OtherBrand);

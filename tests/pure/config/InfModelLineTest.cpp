@@ -36,7 +36,7 @@ TEST(ModelLine, SubsystemStays)
               "VEN_5D1A&DEV_7A01&SUBSYS_00015D1A");
 }
 
-TEST(ModelLine, CompatibleIdsBehindTheFirstAreNotLookedAt)
+TEST(ModelLine, CompatibleIdsAfterTheFirstAreIgnored)
 {
     EXPECT_EQ(IdOf(R"(%D%=I, PCI\VEN_1, PCI\VEN_2)"), "VEN_1");
     EXPECT_EQ(IdOf(R"(%D%=I, PCI\VEN_1,PCI\VEN_2)"), "VEN_1");
@@ -54,7 +54,7 @@ TEST(ModelLine, WithoutABackslashThereIsNoId)
     EXPECT_EQ(KeyOf("%D%"), "%D%");
 }
 
-TEST(ModelLine, WithNothingBehindTheBackslashThereIsNoId)
+TEST(ModelLine, WithNothingAfterTheBackslashThereIsNoId)
 {
     EXPECT_EQ(IdOf(R"(%D%=Inst.ndi, PCI\)"), "<none>");
     EXPECT_EQ(IdOf(R"(%D%=Inst.ndi, PCI\ , \)"), "<none>");

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using namespace std::string_literals;
 
 namespace {
-// Of exactly the size of the text, so that the address sanitizer sees any step behind it.
+// Of exactly the size of the text, so that the address sanitizer sees any step beyond it.
 std::vector<char> Buffer(const std::string& bytes)
 {
     return {bytes.begin(), bytes.end()};
@@ -50,7 +50,7 @@ TEST(LinesOf, LinesMayHoldAnyByte)
     EXPECT_THAT(Lines("\xFF\xFE\x01\0\n\0\0"s), ElementsAre("\xFF\xFE\x01", "\n"));
 }
 
-TEST(ValueAfterLast, IsEverythingBehindTheMarker)
+TEST(ValueAfterLast, IsEverythingAfterTheMarker)
 {
     EXPECT_EQ(ValueAfterLast("InfDir=Drv\\Winxp32", "InfDir="), "Drv\\Winxp32");
     EXPECT_EQ(ValueAfterLast("InfDir=a=b", "InfDir="), "a=b");

@@ -29,7 +29,7 @@ protected:
     }
     std::string Signature() { return Ask("Version", "Signature"); }
     void SetSignature(const std::string& signature) { m_kit.files[kInf].text = Inf(signature); }
-    /// Makes a read fail, as it does while somebody else has the file open.
+    /// Makes a read fail, as it does while another program has the file open.
     void Lock(bool locked) { m_kit.files[kInf].readable = !locked; }
 
     MemoryKit m_kit;
@@ -46,7 +46,7 @@ TEST_F(KeptAnswersTest, SecondQuestionIsAnsweredAsTheFirst)
     EXPECT_EQ(m_kit.markReads, 1);
 }
 
-TEST_F(KeptAnswersTest, QuestionsThatDifferInAnyPartAreAskedApart)
+TEST_F(KeptAnswersTest, QuestionsThatDifferInAnyPartAreAskedSeparately)
 {
     m_kit.Add(kInf, "[a]\nb=1\n\nc=2\nbc=5\n[ab]\nc=3\n[b]\n=4\n");
     std::array<char, kBytes> buffer{};
@@ -186,7 +186,7 @@ TEST_F(KeptAnswersTest, AModelSectionIsReadOnceByName)
     EXPECT_EQ(m_kit.profileReads, 2);
 }
 
-TEST_F(KeptAnswersTest, NothingIsAskedForOnceMoreBeforeItCounts)
+TEST_F(KeptAnswersTest, AnEmptyAnswerIsAskedForOnceMoreBeforeItCounts)
 {
     EXPECT_EQ(Ask("Version", "Class"), "");
     EXPECT_EQ(Ask("Version", "Class"), "");
@@ -215,7 +215,7 @@ TEST_F(KeptAnswersTest, ADefaultTextIsAskedForOnceMoreBeforeItCounts)
     EXPECT_EQ(Ask("Manufacturer", "%Norda%", "none"), "Norda");
 }
 
-TEST_F(KeptAnswersTest, NothingAndADefaultTextNeverOutliveTheDeviceForWhichTheyWereGiven)
+TEST_F(KeptAnswersTest, AnEmptyAnswerAndADefaultTextNeverOutliveTheirDevice)
 {
     for (const char* defaultText : {"", "none"}) {
         m_kit.files[kInf].text = "[Version]\n";
@@ -228,12 +228,12 @@ TEST_F(KeptAnswersTest, NothingAndADefaultTextNeverOutliveTheDeviceForWhichTheyW
         EXPECT_EQ(Ask("Version", "Class", defaultText), "Net");
         m_answers.BeginDevice();
         Lock(true);
-        EXPECT_EQ(Ask("Version", "Class", defaultText), "Net") << "that tells of the file";
+        EXPECT_EQ(Ask("Version", "Class", defaultText), "Net") << "this answer comes from the file";
         Lock(false);
     }
 }
 
-TEST_F(KeptAnswersTest, NothingThatStaysIsAskedForTwiceForEachDevice)
+TEST_F(KeptAnswersTest, AnAnswerThatStaysEmptyIsAskedForTwiceForEachDevice)
 {
     for (int device = 1; device <= 3; ++device) {
         for (int pass = 1; pass <= 4; ++pass) {
@@ -271,7 +271,7 @@ TEST_F(KeptAnswersTest, AModelSectionThatWasNotReadNeverOutlivesTheDevice)
     EXPECT_TRUE(m_answers.ReadModelSection("Norda", kInf)->WasRead());
 }
 
-TEST_F(KeptAnswersTest, AListingSparesTheLookAtItsFileUntilItGoesOn)
+TEST_F(KeptAnswersTest, AListingGivesItsFilesStampUntilTheNextEntry)
 {
     m_kit.Add(kOtherInf, Inf("other"));
     const auto listing = m_answers.List("C:\\Kit\\Drv\\");
@@ -291,7 +291,7 @@ TEST_F(KeptAnswersTest, AListingSparesTheLookAtItsFileUntilItGoesOn)
     EXPECT_EQ(m_kit.stampReads, 3);
 }
 
-TEST_F(KeptAnswersTest, AListingThatEndsEarlySparesNothingAfterwards)
+TEST_F(KeptAnswersTest, AListingThatEndsEarlyGivesNoStampAfterwards)
 {
     {
         const auto listing = m_answers.List("C:\\Kit\\Drv\\");
@@ -302,7 +302,7 @@ TEST_F(KeptAnswersTest, AListingThatEndsEarlySparesNothingAfterwards)
     EXPECT_EQ(m_answers.List("C:\\Elsewhere\\"), nullptr);
 }
 
-TEST_F(KeptAnswersTest, ALinkInAListingIsAskedAboutEveryTimeAndNotLookedAt)
+TEST_F(KeptAnswersTest, ALinkInAListingIsAskedAboutEveryTimeAndNotRead)
 {
     m_kit.files[kInf].isLink = true;
     const auto listing = m_answers.List("C:\\Kit\\Drv\\");

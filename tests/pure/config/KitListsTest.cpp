@@ -45,7 +45,7 @@ std::string SectionOf(std::size_t characters)
 }
 } // namespace
 
-TEST_F(KitLists, TheSetupIniLiesInTheProgramsDirectory)
+TEST_F(KitLists, TheSetupIniIsInTheProgramsDirectory)
 {
     EXPECT_EQ(SetupIniIn(R"(C:\Kit)"), R"(C:\Kit\Morvix.ini)");
 }
@@ -76,7 +76,7 @@ TEST_F(KitLists, ResolvedDirectoriesStartAboveTheProgramsWithLevelsAndKeepTheirE
     EXPECT_EQ(ResolveDirectory(m_memory.Search(), "D:\\x", false), "D:\\x");
 }
 
-TEST_F(KitLists, AMissingSectionOfDirectoriesIsSaid)
+TEST_F(KitLists, AMissingSectionOfDirectoriesIsTraced)
 {
     EXPECT_THAT(Directories(), IsEmpty());
     EXPECT_THAT(m_memory.log.lines, ElementsAre("Entering - ReadInfDirsFromIni", "GetPrivateProfileSection() failed"));
@@ -104,7 +104,7 @@ TEST_F(KitLists, ASectionThatWasCutIsReadOnceMoreAndThenStaysCut)
     }
 }
 
-TEST_F(KitLists, ExcludedNamesAreTakenAsWrittenAndSaid)
+TEST_F(KitLists, ExcludedNamesAreTakenAsWrittenAndTraced)
 {
     WriteIni("[Win732E]\nInfExclude=One.INF\nInfDir=Drv\nInfExclude= two.inf\n");
     EXPECT_THAT(Excludes(), ElementsAre("One.INF", " two.inf"));
@@ -112,7 +112,7 @@ TEST_F(KitLists, ExcludedNamesAreTakenAsWrittenAndSaid)
                 ElementsAre("Entering - ReadInfExcludeFilesFromINI", "INFs to exclude:", "One.INF", " two.inf"));
 }
 
-TEST_F(KitLists, AMissingSectionOfExclusionsIsSaidAndMoreThan1022CharactersAreLost)
+TEST_F(KitLists, AMissingSectionOfExclusionsIsTracedAndMoreThan1022CharactersAreLost)
 {
     EXPECT_THAT(Excludes(), IsEmpty());
     EXPECT_THAT(m_memory.log.lines, ElementsAre("Entering - ReadInfExcludeFilesFromINI",
@@ -145,7 +145,7 @@ TEST_F(KitLists, EverySystemReadsItsOwnSection)
     }
 }
 
-TEST_F(KitLists, ListsAreThoseOfTheSystemAndSaidInOneLine)
+TEST_F(KitLists, ListsAreThoseOfTheSystemAndTracedInOneLine)
 {
     WriteIni("[Win732E]\nInfDir=A:\\1\nInfDir=B:\\2\nInfExclude=x.inf\n[Win832E]\nInfDir=C:\\3\n");
     std::vector<std::string> directories{"D:\\before\\"};

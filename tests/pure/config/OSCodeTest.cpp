@@ -12,7 +12,7 @@ constexpr uint16_t kX64 = kArchitectureX64;
 constexpr uint16_t kIA64 = kArchitectureIA64;
 constexpr uint16_t kX86 = 0;
 
-/// Answers as laid down and counts what it was asked.
+/// Answers as prepared and counts the questions.
 class ScriptedVerifier : public LaterSystemVerifier
 {
 public:
@@ -238,14 +238,14 @@ TEST(DecideOSCode, SixTwoServerOnX64IsCode24)
     EXPECT_EQ(Decide(Nt(6, 2, kProductDomainController, kX64)), 24U);
 }
 
-TEST(DecideOSCode, ThirtyTwoBitSixTwoServerIsNoServerCode)
+TEST(DecideOSCode, ThirtyTwoBitSixTwoServerHasNoServerCode)
 {
     const OSCode code = Decide(Nt(6, 2, kProductServer, kX86));
     EXPECT_EQ(code, osWINEIGHT32);
     EXPECT_EQ(RowOf(code).sectionKey, "Win832");
 }
 
-TEST(DecideOSCode, ToldSixZeroServerOnSixOneBecomesTheSixOneServer)
+TEST(DecideOSCode, ASixOneServerReportedAsSixZeroIsRecognised)
 {
     const ScriptedVerifier sixOne(true, false);
     EXPECT_EQ(DecideOSCode(Nt(6, 0, kProductServer, kX64), sixOne), osWIN2K8R232E);
@@ -256,7 +256,7 @@ TEST(DecideOSCode, ToldSixZeroServerOnSixOneBecomesTheSixOneServer)
     EXPECT_EQ(DecideOSCode(Nt(6, 0, 0, kX86), sixOne), osUNSUPPORTED);
 }
 
-TEST(DecideOSCode, ToldSixZeroWorkstationOnSixOneStaysASixZeroWorkstation)
+TEST(DecideOSCode, ASixOneWorkstationReportedAsSixZeroStaysASixZeroWorkstation)
 {
     const ScriptedVerifier sixOne(true, true);
     EXPECT_EQ(DecideOSCode(Nt(6, 0, kProductWorkstation, kX64), sixOne), osWINVISTA32E);
@@ -265,7 +265,7 @@ TEST(DecideOSCode, ToldSixZeroWorkstationOnSixOneStaysASixZeroWorkstation)
     EXPECT_EQ(sixOne.asked, 3) << "the second question is not asked once the first one is answered";
 }
 
-TEST(DecideOSCode, ToldSixZeroOnSixTwoOrLaterBecomesASixTwoSystem)
+TEST(DecideOSCode, ASixTwoOrLaterSystemReportedAsSixZeroIsASixTwoSystem)
 {
     const ScriptedVerifier sixTwo(false, true);
     EXPECT_EQ(DecideOSCode(Nt(6, 0, kProductWorkstation, kX64), sixTwo), osWINEIGHT32E);

@@ -92,7 +92,7 @@ TEST(OSPredicates, NT5AndNT6NeedTheNTFamily)
     EXPECT_FALSE(IsNT6OrLater(Version(6, 0, kPlatform9x)));
 }
 
-TEST(OSPredicates, XPOrLaterBeginsBehindFiveZero)
+TEST(OSPredicates, XPOrLaterBeginsAfterFiveZero)
 {
     EXPECT_FALSE(IsXPOrLater(Version(4, 90)));
     EXPECT_FALSE(IsXPOrLater(Version(5, 0)));

@@ -27,7 +27,7 @@ TEST(PathResolution, ALeadingBackslashMeansTheDriveOfTheBase)
     EXPECT_EQ(Resolve(R"(\)", R"(E:\Kit\Setup)", 0), R"(E:\)");
 }
 
-TEST(PathResolution, AnythingElseLiesBelowTheBase)
+TEST(PathResolution, AnythingElseIsBelowTheBase)
 {
     EXPECT_EQ(Resolve(R"(Drv\Winx64)", R"(E:\Kit\Setup\Bin)", 2), R"(E:\Kit\Drv\Winx64\)");
     EXPECT_EQ(Resolve(R"(Drv\Winx64\)", R"(E:\Kit)", 0), R"(E:\Kit\Drv\Winx64\)");
@@ -88,7 +88,7 @@ TEST(PathResolution, ABaseNameEndsAtTheLastFullStop)
     EXPECT_EQ(BaseNameOf(""), "");
 }
 
-TEST(PathResolution, ASecondByteThatLooksLikeABackslashIsNone)
+TEST(PathResolution, ASecondByteThatLooksLikeABackslashIsNotOne)
 {
     // 0x83 0x5C is one character; 0x5C alone is a backslash.
     EXPECT_EQ(WithTrailingBackslash("E:\\Kit\x83\\", IsJapaneseLeadByte), "E:\\Kit\x83\\\\");

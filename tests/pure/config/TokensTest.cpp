@@ -28,7 +28,7 @@ TEST(TokenCursor, SkipsDelimitersSoThatNoTokenIsEmpty)
     EXPECT_THAT(All("", ", "), IsEmpty());
 }
 
-TEST(TokenCursor, ConsumesOneDelimiterBehindAToken)
+TEST(TokenCursor, ConsumesOneDelimiterAfterAToken)
 {
     TokenCursor cursor("a==b\\c");
     EXPECT_EQ(cursor.Next("="), "a");

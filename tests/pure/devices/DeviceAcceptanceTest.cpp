@@ -71,7 +71,7 @@ TEST(DeviceAcceptance, ByNameTheVendorNumberCountsWhereverItIs)
     }
 }
 
-TEST(DeviceAcceptance, OnWindows98OnlyTheNameIsLookedAtAndTheBranchLeavesWithoutItsExitLine)
+TEST(DeviceAcceptance, OnWindows98OnlyTheNameCountsAndTheExitLineIsMissing)
 {
     OneDevice devices;
     NotingLog log;
@@ -83,7 +83,7 @@ TEST(DeviceAcceptance, OnWindows98OnlyTheNameIsLookedAtAndTheBranchLeavesWithout
     EXPECT_THAT(devices.asked, IsEmpty());
 }
 
-TEST(DeviceAcceptance, EveryOtherFamilyAsksForTheInstanceAndSaysWhatItFound)
+TEST(DeviceAcceptance, EveryOtherFamilyReadsTheInstanceAndTracesWhatItFound)
 {
     const std::string path = std::string("SYSTEM\\CurrentControlSet\\Enum\\PCI\\") + kDevice;
     for (const char* family : {"Windows Vista", "Windows Millenium", "windows 98", ""}) {

@@ -106,7 +106,7 @@ TEST_F(DeviceSearch, ASubSystemWithoutARevisionEndsInAFaultBeforeItsThirdPass)
     EXPECT_FALSE(m_memory.log.Said("Pass 3"));
 }
 
-TEST_F(DeviceSearch, ASubSystemWithoutARevisionThatIsListedIsNoFault)
+TEST_F(DeviceSearch, ASubSystemWithoutARevisionThatIsListedIsNotAFault)
 {
     Add("First\\a.inf", "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B");
     EXPECT_EQ(Find("VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B").verdict, SearchVerdict::Matched);
@@ -174,7 +174,7 @@ TEST_F(DeviceSearch, ASectionThatCouldNotBeReadForOneDeviceIsReadForTheNext)
     EXPECT_EQ(SearchForDevice(search, kDevice).verdict, SearchVerdict::Matched);
 }
 
-TEST_F(DeviceSearch, KeptAnswersChangeNothingThatIsSaidOrDone)
+TEST_F(DeviceSearch, KeptAnswersChangeNeitherTraceNorResult)
 {
     Add("First\\a.inf", "VEN_5D1A&DEV_0000");
     Add("First\\b.inf", "VEN_5D1A&DEV_1A2B");

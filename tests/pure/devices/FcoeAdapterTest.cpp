@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-TEST(FcoeAdapter, NameIsTheInstanceIdBehindDevice)
+TEST(FcoeAdapter, NameIsTheInstanceIdAfterDevice)
 {
     EXPECT_EQ(FcoeAdapterName(L"{11111111-2222-3333-4444-555555555555}"),
               L"\\DEVICE\\{11111111-2222-3333-4444-555555555555}");
     EXPECT_EQ(FcoeAdapterName(L""), L"\\DEVICE\\");
 }
 
-TEST(FcoeAdapter, NameTakes4095CharactersAndNoMore)
+TEST(FcoeAdapter, NameHasAtMost4095Characters)
 {
     const std::wstring longest(4095 - 8, L'x');
     EXPECT_EQ(FcoeAdapterName(longest), L"\\DEVICE\\" + longest);

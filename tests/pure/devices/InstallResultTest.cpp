@@ -40,14 +40,14 @@ TEST(InstallResult, AnInfOfNoFamilyAndANameWithoutADirectoryAreNotReported)
     }
 }
 
-TEST(InstallResult, ASecondByteThatLooksLikeABackslashIsNone)
+TEST(InstallResult, ASecondByteThatLooksLikeABackslashIsNotOne)
 {
     const LeadByteTest isLeadByte = [](unsigned char byte) { return byte == 0x83; };
     EXPECT_FALSE(ExpectedResultOf("C:\\\x83\\NGEA.INF", osWINSEVEN32E, isLeadByte).has_value());
     EXPECT_TRUE(ExpectedResultOf("C:\\\x83\\NGEA.INF", osWINSEVEN32E, IsNoLeadByte).has_value());
 }
 
-TEST(InstallResult, ClassifyingSaysThePathAsItWasAndLeavesItInUpperCase)
+TEST(InstallResult, ClassifyingTracesThePathAsItWasAndLeavesItInUpperCase)
 {
     NotingLog log;
     std::string path = R"(C:\Kit\ngea64.inf)";
@@ -63,7 +63,7 @@ TEST(InstallResult, ClassifyingSaysThePathAsItWasAndLeavesItInUpperCase)
                                        "A device other than a network device was installed"));
 }
 
-TEST(InstallResult, ARefusedDriverIsAFailureWhateverLiesInTheDirectory)
+TEST(InstallResult, ARefusedDriverIsAFailureWhateverIsInTheDirectory)
 {
     EXPECT_EQ(VerdictOnInstall(true, false), ResultVerdict::DriverFilePresent);
     EXPECT_EQ(VerdictOnInstall(false, false), ResultVerdict::DriverFileMissing);

@@ -41,7 +41,7 @@ TEST(InstallingText, TheResultIsCutToItsLimit)
     EXPECT_EQ(InstallingText("ab%s", "cd", 0, NoLeadBytes), "");
 }
 
-TEST(InstallingText, TheCutSplitsNoCharacterOfUtf8)
+TEST(InstallingText, TheCutNeverSplitsACharacterOfUtf8)
 {
     const std::string letter = "\u8A2D";
     for (std::size_t maxBytes = 5; maxBytes < 8; ++maxBytes) {

@@ -28,7 +28,7 @@ TEST(NetworkDevices, TheClassRowsComeFirstAndTheSecondBrandLast)
                              R"(PCI\VEN_1E2B&DEV_0C40)"));
 }
 
-TEST(NetworkDevices, EveryRowIsAcceptedWhereverItStandsInTheList)
+TEST(NetworkDevices, EveryRowIsAcceptedWhereverItIsInTheList)
 {
     for (const std::string_view id : kAcceptedCompatibleIds) {
         EXPECT_EQ(FindAcceptedId(List({std::string(id)})), id);

@@ -43,7 +43,7 @@ TEST(PrivateRequestBuffer, WithoutDataIsTheHeaderAlone)
 
 TEST(PrivateRequestBuffer, DataWithoutA32BitLengthMakesNoRequest)
 {
-    // Only the length is looked at: the memory is not there.
+    // Only the length is read: the memory does not exist.
     const std::span<const std::byte> tooLong(static_cast<const std::byte*>(nullptr), 0xFFFFFFFF - 11);
     EXPECT_EQ(MakePrivateRequest(1, tooLong).bytes, nullptr);
     EXPECT_EQ(MakePrivateRequest(1, tooLong).size, 0U);
@@ -91,7 +91,7 @@ TEST(PrivateAnswer, NotSupportedIsError50)
     EXPECT_EQ(answer.bytesNeeded, 0U);
 }
 
-TEST(PrivateAnswer, AnyOtherStatusIsError31AndTellsTheBytesNeeded)
+TEST(PrivateAnswer, AnyOtherStatusIsError31AndReturnsTheBytesNeeded)
 {
     std::array<std::byte, 4> data{};
     const PrivateAnswer answer =
@@ -99,7 +99,7 @@ TEST(PrivateAnswer, AnyOtherStatusIsError31AndTellsTheBytesNeeded)
     EXPECT_EQ(answer.status, 0xC0000023);
     EXPECT_EQ(answer.error, 31U);
     EXPECT_EQ(answer.bytesNeeded, 16U);
-    EXPECT_EQ(answer.bytesReturned, 4U) << "what is there is handed on whatever the status says";
+    EXPECT_EQ(answer.bytesReturned, 4U) << "the data is returned whatever the status is";
     EXPECT_THAT(data, ElementsAreArray(Bytes({1, 2, 3, 4})));
 }
 

@@ -96,7 +96,7 @@ TEST(SearchIds, AMarkerAtTheVeryEndIsFoundAsAWhole)
     EXPECT_EQ(SearchIdForPass("VEN_5D1A&RE", 2), "VEN_5D1A&RE");
 }
 
-TEST(SearchIds, ARevisionBeforeTheSubSystemIsKeptWithEverythingBehindIt)
+TEST(SearchIds, ARevisionBeforeTheSubSystemIsKeptWithEverythingAfterIt)
 {
     EXPECT_EQ(SearchIdForPass("VEN_5D1A&REV_03&SUBSYS_1", 3), "VEN_5D1A&REV_03&REV_03&SUBSYS_1");
 }

@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <vector>
+
 namespace {
 SystemFacts Facts(uint32_t major, uint32_t minor, uint16_t servicePack = 0)
 {
@@ -15,58 +21,79 @@ SystemFacts Facts(uint32_t major, uint32_t minor, uint16_t servicePack = 0)
 }
 } // namespace
 
-TEST(ISCSIRules, BootLunGoesTo255)
+TEST(ISCSIRules, NumbersHaveTheirRanges)
 {
-    EXPECT_TRUE(IsBootLunInRange(0));
-    EXPECT_TRUE(IsBootLunInRange(255));
-    EXPECT_FALSE(IsBootLunInRange(256));
-    EXPECT_FALSE(IsBootLunInRange(0xFFFFFFFF));
-}
-
-TEST(ISCSIRules, TargetPortGoesFrom1025To65535)
-{
-    EXPECT_FALSE(IsTargetPortInRange(1024));
-    EXPECT_TRUE(IsTargetPortInRange(1025));
-    EXPECT_TRUE(IsTargetPortInRange(65535));
-    EXPECT_FALSE(IsTargetPortInRange(65536));
-    EXPECT_FALSE(IsTargetPortInRange(0));
-    EXPECT_FALSE(IsTargetPortInRange(-1));
-    EXPECT_FALSE(IsTargetPortInRange(-2147483647 - 1));
-}
-
-TEST(ISCSIRules, VlanIdGoesTo4096Inclusive)
-{
-    EXPECT_TRUE(IsVlanIdInRange(0));
-    EXPECT_TRUE(IsVlanIdInRange(4096));
-    EXPECT_FALSE(IsVlanIdInRange(4097));
-    EXPECT_FALSE(IsVlanIdInRange(0xFFFFFFFF));
-}
-
-TEST(ISCSIRules, Server2003BootsFromItsFirstServicePackOn)
-{
-    for (const OSCode server : {osWIN2K3SRV32, osWIN2K3SRV64, osWIN2K3SRV32E}) {
-        EXPECT_FALSE(CanBootOverISCSI(server, Facts(5, 2, 0))) << server;
-        EXPECT_TRUE(CanBootOverISCSI(server, Facts(5, 2, 1))) << server;
-        EXPECT_TRUE(CanBootOverISCSI(server, Facts(5, 2, 2))) << server;
+    const struct
+    {
+        const char* number;
+        std::function<bool(int64_t)> isInRange;
+        int64_t lowest;
+        int64_t highest;
+        std::vector<int64_t> outside;
+    } rows[] = {
+        {"boot LUN", [](int64_t n) { return IsBootLunInRange(static_cast<uint32_t>(n)); }, 0, 255, {256, 0xFFFFFFFF}},
+        {"target port",
+         [](int64_t n) { return IsTargetPortInRange(static_cast<int32_t>(n)); },
+         1025,
+         65535,
+         {1024, 65536, 0, -1, std::numeric_limits<int32_t>::min()}},
+        {"VLAN ID", [](int64_t n) { return IsVlanIdInRange(static_cast<uint32_t>(n)); }, 0, 4096, {4097, 0xFFFFFFFF}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(row.isInRange(row.lowest)) << row.number;
+        EXPECT_TRUE(row.isInRange(row.highest)) << row.number;
+        for (const int64_t number : row.outside) {
+            EXPECT_FALSE(row.isInRange(number)) << row.number << " " << number;
+        }
     }
 }
 
-TEST(ISCSIRules, OlderSystemsAndWorkstationsOf5DoNotBoot)
+TEST(ISCSIRules, SystemsBootFromServer2003ServicePack1OnAndNeedTheirHotFixes)
 {
-    EXPECT_FALSE(CanBootOverISCSI(osWINXP32, Facts(5, 1, 3)));
-    EXPECT_FALSE(CanBootOverISCSI(osWINXP32E, Facts(5, 2, 2)));
-    EXPECT_FALSE(CanBootOverISCSI(osWINXP64, Facts(5, 2, 2)));
-    EXPECT_FALSE(CanBootOverISCSI(osWIN2K, Facts(5, 0, 4)));
-    EXPECT_FALSE(CanBootOverISCSI(osWINNT4, Facts(4, 0, 6)));
-}
-
-TEST(ISCSIRules, EverySystemFrom60OnBoots)
-{
-    EXPECT_TRUE(CanBootOverISCSI(osWINVISTA32, Facts(6, 0)));
-    EXPECT_TRUE(CanBootOverISCSI(osLONGHORN32E, Facts(6, 0, 1)));
-    EXPECT_TRUE(CanBootOverISCSI(osWIN2K8R232E, Facts(6, 1)));
-    EXPECT_TRUE(CanBootOverISCSI(osWINEIGHTSRV32E, Facts(6, 2)));
-    EXPECT_TRUE(CanBootOverISCSI(osUNSUPPORTED, Facts(10, 0))) << "also one without a name here";
+    const struct
+    {
+        OSCode system;
+        SystemFacts facts;
+        bool boots;
+        bool hasInitiatorHotFix;
+        bool needsDumpHotFix;
+    } rows[] = {
+        // Server 2003
+        {osWIN2K3SRV32, Facts(5, 2, 0), false, false, false},
+        {osWIN2K3SRV32, Facts(5, 2, 1), true, false, false},
+        {osWIN2K3SRV32, Facts(5, 2, 2), true, true, false},
+        {osWIN2K3SRV64, Facts(5, 2, 0), false, false, false},
+        {osWIN2K3SRV64, Facts(5, 2, 1), true, false, false},
+        {osWIN2K3SRV64, Facts(5, 2, 2), true, true, false},
+        {osWIN2K3SRV32E, Facts(5, 2, 0), false, false, false},
+        {osWIN2K3SRV32E, Facts(5, 2, 1), true, false, false},
+        {osWIN2K3SRV32E, Facts(5, 2, 2), true, true, false},
+        // older systems and workstations
+        {osWINXP32, Facts(5, 1, 3), false, false, false},
+        {osWINXP32E, Facts(5, 2, 2), false, false, false},
+        {osWINXP64, Facts(5, 2, 2), false, false, false},
+        {osWIN2K, Facts(5, 0, 4), false, false, false},
+        {osWINNT4, Facts(4, 0, 6), false, false, false},
+        // everything from 6.0 on, also a system without a name here
+        {osWINVISTA32, Facts(6, 0), true, false, false},
+        {osWINVISTA32E, Facts(6, 0, 1), true, false, false},
+        {osLONGHORN32, Facts(6, 0, 1), true, false, true},
+        {osLONGHORN32, Facts(6, 0, 2), true, false, false},
+        {osLONGHORN32E, Facts(6, 0, 1), true, false, true},
+        {osLONGHORN32E, Facts(6, 0, 2), true, false, false},
+        {osLONGHORN64, Facts(6, 0, 1), true, false, true},
+        {osLONGHORN64, Facts(6, 0, 2), true, false, false},
+        {osWIN2K8R232E, Facts(6, 1, 0), true, false, false},
+        {osWINEIGHTSRV32E, Facts(6, 2), true, false, false},
+        {osUNSUPPORTED, Facts(10, 0), true, false, false},
+    };
+    for (const auto& [system, facts, boots, hasInitiatorHotFix, needsDumpHotFix] : rows) {
+        SCOPED_TRACE(testing::Message() << "system " << system << " of " << facts.majorVersion << '.'
+                                        << facts.minorVersion << " service pack " << facts.servicePackMajor);
+        EXPECT_EQ(CanBootOverISCSI(system, facts), boots);
+        EXPECT_EQ(ServicePackHasInitiatorHotFix(system, facts), hasInitiatorHotFix);
+        EXPECT_EQ(IsServer2008DumpHotFixNeeded(system, facts), needsDumpHotFix);
+    }
 }
 
 TEST(ISCSIRules, SystemOfUnknownVersionAndThe9xFamilyDoNotBoot)
@@ -82,32 +109,13 @@ TEST(ISCSIRules, SystemOfUnknownVersionAndThe9xFamilyDoNotBoot)
 
 TEST(ISCSIRules, InitiatorMustBe20Build1895OrLater)
 {
-    EXPECT_FALSE(IsInitiatorRecentEnough({}));
-    EXPECT_FALSE(IsInitiatorRecentEnough({.major = 1, .minor = 6, .build = 9999}));
-    EXPECT_FALSE(IsInitiatorRecentEnough({.major = 2, .minor = 0, .build = 1894}));
-    EXPECT_TRUE(IsInitiatorRecentEnough({.major = 2, .minor = 0, .build = 1895}));
-    EXPECT_TRUE(IsInitiatorRecentEnough({.major = 2, .minor = 0, .build = 3825}));
-    EXPECT_TRUE(IsInitiatorRecentEnough({.major = 2, .minor = 1, .build = 0}));
-    EXPECT_TRUE(IsInitiatorRecentEnough({.major = 6, .minor = 0, .build = 0}));
-}
-
-TEST(ISCSIRules, Server2003HasTheInitiatorHotFixFromServicePack2On)
-{
-    EXPECT_FALSE(ServicePackHasInitiatorHotFix(osWIN2K3SRV32E, Facts(5, 2, 1)));
-    EXPECT_TRUE(ServicePackHasInitiatorHotFix(osWIN2K3SRV32E, Facts(5, 2, 2)));
-    EXPECT_TRUE(ServicePackHasInitiatorHotFix(osWIN2K3SRV32, Facts(5, 2, 2)));
-    EXPECT_FALSE(ServicePackHasInitiatorHotFix(osWINXP32E, Facts(5, 2, 2)));
-    EXPECT_FALSE(ServicePackHasInitiatorHotFix(osLONGHORN32E, Facts(6, 0, 2)));
-}
-
-TEST(ISCSIRules, Server2008NeedsTheDumpHotFixUntilServicePack2)
-{
-    for (const OSCode server : {osLONGHORN32, osLONGHORN32E, osLONGHORN64}) {
-        EXPECT_TRUE(IsServer2008DumpHotFixNeeded(server, Facts(6, 0, 1))) << server;
-        EXPECT_FALSE(IsServer2008DumpHotFixNeeded(server, Facts(6, 0, 2))) << server;
+    for (const InitiatorVersion& early : std::to_array<InitiatorVersion>({{}, {1, 6, 9999}, {2, 0, 1894}})) {
+        EXPECT_FALSE(IsInitiatorRecentEnough(early)) << early.major << '.' << early.minor << '.' << early.build;
     }
-    EXPECT_FALSE(IsServer2008DumpHotFixNeeded(osWINVISTA32E, Facts(6, 0, 1)));
-    EXPECT_FALSE(IsServer2008DumpHotFixNeeded(osWIN2K8R232E, Facts(6, 1, 0)));
+    for (const InitiatorVersion& late :
+         std::to_array<InitiatorVersion>({{2, 0, 1895}, {2, 0, 3825}, {2, 1, 0}, {6, 0, 0}})) {
+        EXPECT_TRUE(IsInitiatorRecentEnough(late)) << late.major << '.' << late.minor << '.' << late.build;
+    }
 }
 
 TEST(ISCSIRules, HotFixesHaveTheirIdentifiers)

@@ -10,7 +10,6 @@
 #include "ImportOverride.h"
 #include "RecordNames.h"
 #include "RegistryKeys.h"
-#include "ResultKeyNames.h"
 #include "ScratchDirectory.h"
 #include "TestFiles.h"
 

@@ -2,7 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "HbaApiInt.h"
 #include "HbaLibraryDouble.h"
@@ -17,6 +20,23 @@ constexpr char kExitingWithSuccess[] = "Exiting CHBAAPIInt::InitHBAAPIMod bRet =
 constexpr char kExitingWithFailure[] = "Exiting CHBAAPIInt::InitHBAAPIMod bRet = 0";
 constexpr char kEnteringDeInit[] = "Entering CHBAAPIInt::DeInitHBAAPIMod";
 constexpr char kExitingDeInit[] = "Exiting CHBAAPIInt::DeInitHBAAPIMod";
+
+struct InitRow
+{
+    const char* name;
+    const char* missingEntry; ///< of the library; empty when it is complete
+    const char* answer;       ///< the question that the library answers otherwise, and how
+    const char* value;
+    std::optional<const wchar_t*> adapter; ///< that the library is asked about, if any
+    bool succeeds;
+    std::vector<std::string> journal;
+    const char* reason = nullptr; ///< the line between entry and exit
+    uint8_t lastOfPortName = 0;
+};
+
+class HbaLibraryInit : public testing::TestWithParam<InitRow>
+{
+};
 } // namespace
 
 TEST(HbaLibrary, AnObjectThatIsNeverInitialisedTracesItsLifeAndUnloadsNothing)
@@ -41,33 +61,100 @@ TEST(HbaLibrary, WithoutTheLibraryInitFailsWithTheSystemErrorAndDeInitStillSucce
                                               kExitingWithFailure, kEnteringDeInit, kExitingDeInit));
 }
 
-TEST(HbaLibrary, InitInitialisesTheLibraryThenHasItFillTheTableUnderTheMutex)
+TEST_P(HbaLibraryInit, AnswersTracesAndStaysLoadedUntilDeInit)
 {
-    const HbaLibraryDouble library;
-    library.Answer("JournalMutex", "1");
+    const InitRow& row = GetParam();
+    const HbaLibraryDouble library(row.missingEntry);
+    if (*row.answer != '\0') {
+        library.Answer(row.answer, row.value);
+    }
     CHBAAPIInt hba;
     const LibraryTrace trace;
-    EXPECT_TRUE(hba.InitHBAAPIMod());
-    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary locked", "HBA_RegisterLibrary locked"));
-    EXPECT_THAT(trace.Messages(), ElementsAre(kEntering, kExitingWithSuccess));
+    NORDA_FCOECONTROLLERINFO info{};
+    EXPECT_EQ(row.adapter ? hba.InitHBAAPIMod(*row.adapter, true, &info) : hba.InitHBAAPIMod(), row.succeeds);
+    std::vector<std::string> lines = {kEntering, row.succeeds ? kExitingWithSuccess : kExitingWithFailure};
+    if (row.reason != nullptr) {
+        lines.insert(lines.begin() + 1, row.reason);
+    }
+    EXPECT_EQ(trace.Messages(), lines);
+    EXPECT_EQ(library.TakeJournal(), row.journal);
+    EXPECT_EQ(info.PortWWN.wwn[7], row.lastOfPortName);
     EXPECT_FALSE(UniqueHandle(OpenMutexA(SYNCHRONIZE, FALSE, kHbaMutexName)));
-}
-
-TEST(HbaLibrary, ALibraryThatCannotBeInitialisedStaysLoadedUntilDeInit)
-{
-    const HbaLibraryDouble library;
-    library.Answer("Status.NORDA_InitializeLibrary", "5");
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    EXPECT_FALSE(hba.InitHBAAPIMod());
-    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary"));
-    EXPECT_THAT(
-        trace.Messages(),
-        ElementsAre(kEntering, "CHBAAPIInt::InitHBAAPIMod InitializeLibrary failed - Status - 5", kExitingWithFailure));
     EXPECT_TRUE(IsHbaLibraryLoaded());
     EXPECT_TRUE(hba.DeInitHBAAPIMod());
     EXPECT_FALSE(IsHbaLibraryLoaded());
 }
+
+constexpr char kInitialize[] = "NORDA_InitializeLibrary";
+constexpr char kRegister[] = "HBA_RegisterLibrary";
+constexpr char kAskedAboutAdapter[] = R"(NORDA_GetFCoEControllerInfo [\DEVICE\{0001}])";
+
+INSTANTIATE_TEST_SUITE_P(Each, HbaLibraryInit,
+                         testing::Values(InitRow{"FillsTheTableUnderTheMutex",
+                                                 "",
+                                                 "JournalMutex",
+                                                 "1",
+                                                 {},
+                                                 true,
+                                                 {"NORDA_InitializeLibrary locked", "HBA_RegisterLibrary locked"}},
+                                         InitRow{"FailsWithALibraryThatCannotBeInitialised",
+                                                 "",
+                                                 "Status.NORDA_InitializeLibrary",
+                                                 "5",
+                                                 {},
+                                                 false,
+                                                 {kInitialize},
+                                                 "CHBAAPIInt::InitHBAAPIMod InitializeLibrary failed - Status - 5"},
+                                         InitRow{"DoesNotNoticeATableThatIsNotFilled",
+                                                 "",
+                                                 "Status.HBA_RegisterLibrary",
+                                                 "1",
+                                                 {},
+                                                 true,
+                                                 {kInitialize, kRegister}},
+                                         InitRow{"AsksAboutTheAdapterUnderTheMutex",
+                                                 "",
+                                                 "JournalMutex",
+                                                 "1",
+                                                 kAdapter,
+                                                 true,
+                                                 {"NORDA_InitializeLibrary locked", "HBA_RegisterLibrary locked",
+                                                  std::string(kAskedAboutAdapter) + " locked"},
+                                                 nullptr,
+                                                 8},
+                                         InitRow{"AsksNothingAboutTheAdapterWhenInitialisingFails",
+                                                 "",
+                                                 "Status.NORDA_InitializeLibrary",
+                                                 "5",
+                                                 kAdapter,
+                                                 false,
+                                                 {kInitialize},
+                                                 "CHBAAPIInt::InitHBAAPIMod InitializeLibrary failed - Status - 5"},
+                                         InitRow{"SucceedsThoughTheLibraryKnowsNothingAboutTheAdapter",
+                                                 "",
+                                                 "Status.NORDA_GetFCoEControllerInfo",
+                                                 "1",
+                                                 kAdapter,
+                                                 true,
+                                                 {kInitialize, kRegister, kAskedAboutAdapter},
+                                                 "CHBAAPIInt::InitHBAAPIMod GetFCoEControllerInfo failed - Status - 1"},
+                                         InitRow{"SucceedsThoughTheLibraryLacksThatEntryPoint",
+                                                 "NORDA_GetFCoEControllerInfo",
+                                                 "",
+                                                 "",
+                                                 kAdapter,
+                                                 true,
+                                                 {kInitialize, kRegister},
+                                                 "GetProcAddress of NORDA_GetFCoEControllerInfo failed with error 127"},
+                                         InitRow{"DoesNotPassOnANullName",
+                                                 "",
+                                                 "",
+                                                 "",
+                                                 nullptr,
+                                                 true,
+                                                 {kInitialize, kRegister},
+                                                 "CHBAAPIInt::InitHBAAPIMod ConvertTCHARToChar failed"}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(HbaLibrary, ALibraryWithoutInitialiseEntryGivesInitSuccessButNoHandleAndNoReason)
 {
@@ -97,16 +184,6 @@ TEST(HbaLibrary, ALibraryThatFillsNoTableGivesInitSuccessAndEmptySlots)
                 ElementsAre(kEntering, kExitingWithSuccess, "Entering CHBAAPIInt::GetNumberOfHBAAdapters",
                             "CHBAAPIInt::GetNumberOfHBAAdapters table entry is null",
                             "Exiting CHBAAPIInt::GetNumberOfHBAAdapters"));
-}
-
-TEST(HbaLibrary, AFailureToFillTheTableIsNotNoticed)
-{
-    const HbaLibraryDouble library;
-    library.Answer("Status.HBA_RegisterLibrary", "1");
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    EXPECT_TRUE(hba.InitHBAAPIMod());
-    EXPECT_THAT(trace.Messages(), ElementsAre(kEntering, kExitingWithSuccess));
 }
 
 TEST(HbaLibrary, WithoutTheMutexInitFailsAtOnceAndLoadsNothing)
@@ -199,20 +276,6 @@ TEST(HbaLibraryForAdapter, WithoutAnEthernetInstanceNothingIsLoaded)
                                               kExitingWithFailure));
 }
 
-TEST(HbaLibraryForAdapter, TheLibraryIsAskedAboutTheAdapterUnderTheMutex)
-{
-    const HbaLibraryDouble library;
-    library.Answer("JournalMutex", "1");
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    NORDA_FCOECONTROLLERINFO info{};
-    EXPECT_TRUE(hba.InitHBAAPIMod(kAdapter, true, &info));
-    EXPECT_EQ(info.PortWWN.wwn[7], 8);
-    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary locked", "HBA_RegisterLibrary locked",
-                                                   R"(NORDA_GetFCoEControllerInfo [\DEVICE\{0001}] locked)"));
-    EXPECT_THAT(trace.Messages(), ElementsAre(kEntering, kExitingWithSuccess));
-}
-
 TEST(HbaLibraryForAdapter, WithoutTheLibraryItFails)
 {
     CHBAAPIInt hba;
@@ -220,49 +283,4 @@ TEST(HbaLibraryForAdapter, WithoutTheLibraryItFails)
     EXPECT_FALSE(hba.InitHBAAPIMod(kAdapter, true));
     EXPECT_THAT(trace.Messages(),
                 ElementsAre(kEntering, "LoadLibrary of nordhapi.dll failed - 126", kExitingWithFailure));
-}
-
-TEST(HbaLibraryForAdapter, ALibraryThatCannotBeInitialisedIsNotAskedAboutTheAdapter)
-{
-    const HbaLibraryDouble library;
-    library.Answer("Status.NORDA_InitializeLibrary", "5");
-    CHBAAPIInt hba;
-    EXPECT_FALSE(hba.InitHBAAPIMod(kAdapter, true));
-    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary"));
-}
-
-TEST(HbaLibraryForAdapter, WhatTheLibraryCannotTellAboutTheAdapterDoesNotChangeTheResult)
-{
-    const HbaLibraryDouble library;
-    library.Answer("Status.NORDA_GetFCoEControllerInfo", "1");
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    NORDA_FCOECONTROLLERINFO info{};
-    EXPECT_TRUE(hba.InitHBAAPIMod(kAdapter, true, &info));
-    EXPECT_EQ(info.PortWWN.wwn[7], 0);
-    EXPECT_THAT(trace.Messages(),
-                ElementsAre(kEntering, "CHBAAPIInt::InitHBAAPIMod GetFCoEControllerInfo failed - Status - 1",
-                            kExitingWithSuccess));
-}
-
-TEST(HbaLibraryForAdapter, ALibraryWithoutThisEntryPointDoesNotChangeTheResult)
-{
-    const HbaLibraryDouble library("NORDA_GetFCoEControllerInfo");
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    EXPECT_TRUE(hba.InitHBAAPIMod(kAdapter, true));
-    EXPECT_THAT(trace.Messages(),
-                ElementsAre(kEntering, "GetProcAddress of NORDA_GetFCoEControllerInfo failed with error 127",
-                            kExitingWithSuccess));
-}
-
-TEST(HbaLibraryForAdapter, ANullNameIsNotPassedOn)
-{
-    const HbaLibraryDouble library;
-    CHBAAPIInt hba;
-    const LibraryTrace trace;
-    EXPECT_TRUE(hba.InitHBAAPIMod(nullptr, true));
-    EXPECT_THAT(library.TakeJournal(), ElementsAre("NORDA_InitializeLibrary", "HBA_RegisterLibrary"));
-    EXPECT_THAT(trace.Messages(),
-                ElementsAre(kEntering, "CHBAAPIInt::InitHBAAPIMod ConvertTCHARToChar failed", kExitingWithSuccess));
 }

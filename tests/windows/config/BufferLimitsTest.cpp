@@ -161,7 +161,7 @@ TEST_F(BufferLimits, AnInfPathOf259CharactersFillsTheCallersBufferAndALongerOneL
     }
 }
 
-TEST_F(BufferLimits, TheReadersOwnBuffersEndInThemselves)
+TEST_F(BufferLimits, TheReadersOwnBuffersAreTerminated)
 {
     for (const std::size_t length : {254u, 255u, 256u, 259u, 260u, 1900u}) {
         const std::string id(length, 'V');
@@ -173,7 +173,7 @@ TEST_F(BufferLimits, TheReadersOwnBuffersEndInThemselves)
     }
 }
 
-TEST_F(BufferLimits, AKeyBehindTenThousandSectionsIsFound)
+TEST_F(BufferLimits, AKeyAfterTenThousandSectionsIsFound)
 {
     std::string content;
     for (int section = 0; section < 10000; ++section) {
@@ -183,7 +183,7 @@ TEST_F(BufferLimits, AKeyBehindTenThousandSectionsIsFound)
     EXPECT_EQ(ParseINFile(kKey, "Models", file.c_str()), 1);
 }
 
-TEST_F(BufferLimits, AFileVersionNeedsItsRoomAndFillsNoMore)
+TEST_F(BufferLimits, AFileVersionNeedsItsRoomAndWritesNoFurther)
 {
     const GuardedBuffer enough(24);
     EXPECT_TRUE(GetModuleVersion(TestFile("versioned_file.dll"), enough.All()));

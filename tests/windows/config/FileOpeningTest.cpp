@@ -1,4 +1,4 @@
-// How the files that are only looked at are opened: whoever else reads them is not disturbed.
+// How files that are only read are opened: other readers are not disturbed.
 
 #include <gmock/gmock.h>
 #include <windows.h>

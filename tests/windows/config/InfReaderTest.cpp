@@ -128,7 +128,7 @@ TEST_F(InfReader, AnUndefinedStringGivesTheNameWithItsPerCentSign)
     EXPECT_EQ(Description(), "%Nic.DeviceDesc");
 }
 
-TEST_F(InfReader, ANullSectionNameGivesZeroAndLeavesBothBuffersAlone)
+TEST_F(InfReader, ANullSectionNameReturnsZeroAndLeavesBothBuffersAlone)
 {
     WriteInf("%D%=I, PCI\\VEN_1", "D=One");
     ASSERT_EQ(Parse("VEN_1"), 1);
@@ -401,7 +401,7 @@ TEST_F(InfReader, EveryCallLoadsText17InTheRunsLanguage)
                                     InPlaceOf(platformNarrow, &WideCharToMultiByte, &NoteNarrowing));
         EXPECT_EQ(Parse("VEN_1"), 1);
         EXPECT_EQ(Parse("VEN_2"), 0);
-        EXPECT_EQ(Parse("VEN_1", nullptr), 0) << "without a section there is no look-up and no text";
+        EXPECT_EQ(Parse("VEN_1", nullptr), 0) << "without a section nothing is looked up and no text loaded";
     }
     resourceModule = nullptr;
     runLanguageId = 1033;

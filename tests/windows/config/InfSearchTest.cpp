@@ -59,7 +59,7 @@ protected:
         RunOptions = {};
     }
 
-    /// Lays down a setup INI with these model sections for the running system.
+    /// Writes a setup INI with these model sections for the running system.
     void WriteIni(const std::string& sectionNames)
     {
         WriteFileBytes(m_directory.At(R"(Setup\Morvix.ini)"),
@@ -239,7 +239,7 @@ TEST_F(InfSearch, AnInfWithoutAManufacturerSectionDoesNotQualify)
     EXPECT_THAT(CopiedInfList.names, IsEmpty());
 }
 
-TEST_F(InfSearch, ManufacturerKeysBehindTheKeyBufferAreNotSeen)
+TEST_F(InfSearch, ManufacturerKeysBeyondTheKeyBufferAreNotSeen)
 {
     const std::string many = "%" + std::string(60, 'a') + "%=Other\r\n%" + std::string(60, 'b') + "%=Norda,NTamd64";
     WriteInf("tav1.inf", With(QualifiedInf(kKey), "%Provider%=Norda,NTamd64", many));
@@ -259,7 +259,7 @@ TEST_F(InfSearch, AnotherSignatureIsTracedAndSkipped)
     EXPECT_TRUE(Find("Windows 98"));
 }
 
-TEST_F(InfSearch, ASignatureBehind99CharactersIsCut)
+TEST_F(InfSearch, ASignatureIsCutAfter99Characters)
 {
     const auto write = [this](const std::string& signature) {
         WriteInf("tav1.inf", With(QualifiedInf(kKey), "\"$Windows NT$\"", signature));
@@ -272,7 +272,7 @@ TEST_F(InfSearch, ASignatureBehind99CharactersIsCut)
     EXPECT_FALSE(Qualifies(Drivers() + "tav1.inf", longest + "and more"));
 }
 
-TEST_F(InfSearch, ABrandBehind499CharactersOfTheValueIsNotSeen)
+TEST_F(InfSearch, ABrandAfter499CharactersOfTheValueIsNotSeen)
 {
     const auto withBrandFrom = [this](std::size_t place) {
         WriteInf("tav1.inf", With(QualifiedInf(kKey), "=Norda,NTamd64", "=" + std::string(place - 1, 'x') + ",Norda"));
@@ -361,10 +361,10 @@ TEST_F(InfSearch, WithoutModelSectionsNothingMatches)
     WriteIni("");
     WriteInf("tav1.inf", QualifiedInf(kKey));
     EXPECT_FALSE(Find());
-    EXPECT_THAT(CopiedInfList.names, ElementsAre("tav1.inf")) << "it qualified all the same";
+    EXPECT_THAT(CopiedInfList.names, ElementsAre("tav1.inf")) << "it still qualified";
 }
 
-TEST_F(InfSearch, Utf16InfFilesAreReportedAndServeAllTheSame)
+TEST_F(InfSearch, Utf16InfFilesAreReportedAndStillSearched)
 {
     std::string content("\xFF\xFE");
     for (const char c : QualifiedInf(kKey)) {
@@ -397,7 +397,7 @@ TEST_F(InfSearch, EmptyAndBinaryFilesAndDirectoriesOfThatNameDoNotQualify)
     EXPECT_THAT(CopiedInfList.names, IsEmpty());
 }
 
-TEST_F(InfSearch, VeryLongDirectoryAndFileNamesAreNoMatchAndNoHarm)
+TEST_F(InfSearch, VeryLongDirectoryAndFileNamesDoNotMatchAndDoNoHarm)
 {
     EXPECT_FALSE(
         GetInfFile(kKey, m_directory.At(std::string(300, 'd')), RecordOf("Windows Vista"), m_infPath.data(), {}));

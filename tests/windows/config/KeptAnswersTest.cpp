@@ -115,7 +115,7 @@ protected:
     ScratchDirectory m_directory;
 };
 
-/// All that a search tells: its result, both buffers and its trace.
+/// All that a search leaves: its result, both buffers and its trace.
 struct Told
 {
     std::string path;
@@ -156,7 +156,7 @@ TEST_F(Reuse, SecondSearchAsksNothingMore)
     EXPECT_EQ(questions.Opened(), opened);
 }
 
-TEST_F(Reuse, EachManufacturerIsAskedApart)
+TEST_F(Reuse, EachManufacturerIsAskedSeparately)
 {
     std::string inf = QualifiedInf(kKey);
     const std::string heading = "[Manufacturer]\r\n";
@@ -296,12 +296,12 @@ TEST_F(Reuse, FileLockedForTwoPassesAfterItsFirstReadingIsFoundByTheNextDevice)
         EXPECT_EQ(Find(answers), "");
         EXPECT_EQ(Find(answers), "");
     }
-    EXPECT_EQ(Find(answers), "") << "twice nothing counts for this device";
+    EXPECT_EQ(Find(answers), "") << "the second empty answer counts for this device";
     answers.BeginDevice();
     EXPECT_EQ(Find(answers), Inf());
 }
 
-TEST_F(Reuse, FileThatTheLockLetsGoInTheSecondPassIsFoundInThatPass)
+TEST_F(Reuse, FileUnlockedInTheSecondPassIsFoundInThatPass)
 {
     WriteFileBytes(Inf(), QualifiedInf(kKey));
     KeptAnswers answers(m_platform);
@@ -360,7 +360,7 @@ TEST_F(Reuse, ListsOfTheSetupIniAreReadOnce)
     EXPECT_EQ(questions.Profile(), asked + 1);
 }
 
-TEST_F(Reuse, SearchedDirectorySparesTheLooksAtItsFiles)
+TEST_F(Reuse, SearchedDirectoryGivesTheStampsOfItsFiles)
 {
     WriteFileBytes(Inf("tav1.inf"), QualifiedInf(kOtherKey));
     WriteFileBytes(Inf("tav2.inf"), QualifiedInf(kOtherKey));

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 namespace {
 constexpr char kProductOptions[] = R"(System\CurrentControlSet\Control\ProductOptions)";
 
-/// Lays down the value "ProductSuite" and puts back what was there.
+/// Sets the value "ProductSuite" and restores the earlier one.
 class GivenProductSuite
 {
 public:
@@ -254,7 +254,7 @@ TEST_P(COSVersionOnGivenSystem, AnswersForThatSystem)
 INSTANTIATE_TEST_SUITE_P(Systems, COSVersionOnGivenSystem, testing::ValuesIn(kGivenSystems),
                          [](const testing::TestParamInfo<GivenSystem>& given) { return given.param.version; });
 
-TEST(COSVersion, SystemsBehind62AreRecognisedBySixTwoOrLater)
+TEST(COSVersion, SystemsAfter62AreRecognisedBySixTwoOrLater)
 {
     for (const std::string version : {"win81", "win10"}) {
         const ChildReport report = RunChild("system", {.windowsVersion = version, .libraries = {}});
@@ -340,7 +340,7 @@ TEST(CanOpenExpanded, ExpandsVariablesAndNeedsAReadableFile)
     SetEnvironmentVariableA("MORVIX_TEST_ROOT", directory.Path().c_str());
     EXPECT_TRUE(CanOpenExpanded(R"(%MORVIX_TEST_ROOT%\shell.exe)"));
     EXPECT_FALSE(CanOpenExpanded(R"(%MORVIX_TEST_ROOT%\missing.exe)"));
-    EXPECT_FALSE(CanOpenExpanded("%MORVIX_TEST_ROOT%")) << "a directory is no file";
+    EXPECT_FALSE(CanOpenExpanded("%MORVIX_TEST_ROOT%")) << "a directory is not a file";
     SetEnvironmentVariableA("MORVIX_TEST_ROOT", std::string(300, 'x').c_str());
     EXPECT_FALSE(CanOpenExpanded(R"(%MORVIX_TEST_ROOT%\shell.exe)"));
     SetEnvironmentVariableA("MORVIX_TEST_ROOT", nullptr);

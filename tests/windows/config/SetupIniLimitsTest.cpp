@@ -190,7 +190,7 @@ TEST_F(SetupIniLimits, ModelLinesComeFromWhatAReadThatFindsNothingLeaves)
                                                Question{"section", "Norda.NTamd64", 32767, inf}));
 }
 
-TEST_F(SetupIniLimits, ThePlatformLeavesNothingOfTheSectionNamesBehind)
+TEST_F(SetupIniLimits, ThePlatformLeavesNothingOfTheSectionNames)
 {
     WriteIni("[InfDir=X:\\left]\r\nInfExclude=left.inf\r\n");
     EXPECT_THAT(Directories(), IsEmpty());

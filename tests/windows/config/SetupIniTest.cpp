@@ -59,7 +59,7 @@ std::string DirectoryLines(int count, std::size_t width)
 }
 } // namespace
 
-TEST_F(SetupIni, LiesInTheProgramsDirectory)
+TEST_F(SetupIni, IsInTheProgramsDirectory)
 {
     EXPECT_EQ(SetupIniPath(), Base() + R"(\Setup\Bin\Morvix.ini)");
 }
@@ -110,7 +110,7 @@ TEST_F(SetupIni, SectionAndKeyNamesIgnoreLetterCase)
     EXPECT_EQ(GetLevelsToRootFromINI(), 1);
 }
 
-TEST_F(SetupIni, LevelsThatAreNoNumberFrom1To260LeaveTheBaseAtTheProgramsDirectory)
+TEST_F(SetupIni, LevelsThatAreNotANumberFrom1To260LeaveTheBaseAtTheProgramsDirectory)
 {
     for (const char* const levels : {"0", "-1", "two", "261", "", "99999999999"}) {
         WriteIni(std::string("[Config]\r\nLevelsToRoot=") + levels + "\r\n");
@@ -184,7 +184,7 @@ TEST_F(SetupIni, AnEmptyInfDirNamesTheBase)
     EXPECT_THAT(DirsOf("Win732E"), ElementsAre(Base() + R"(\Setup\Bin\)"));
 }
 
-TEST_F(SetupIni, AMissingSectionOrFileHasNoDirectoriesAndSaysSo)
+TEST_F(SetupIni, AMissingSectionOrFileHasNoDirectoriesAndIsTraced)
 {
     TraceCapture trace;
     EXPECT_THAT(DirsOf("Win732E"), IsEmpty());
@@ -279,7 +279,7 @@ TEST_F(SetupIni, AMissingSectionExcludesNothing)
                                               "GetPrivateProfileSection() failed", "INFs to exclude:"));
 }
 
-TEST_F(SetupIni, ExcludesBehind1022CharactersAreLost)
+TEST_F(SetupIni, ExcludesAfter1022CharactersAreLost)
 {
     std::string lines;
     for (int index = 100; index < 200; ++index) {

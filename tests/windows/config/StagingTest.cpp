@@ -125,7 +125,7 @@ BOOL WINAPI RefuseNextEntry(HANDLE, LPWIN32_FIND_DATAA)
     return FALSE;
 }
 
-// Closes the search all the same: only its answer is another one.
+// Still closes the search; only the result differs.
 BOOL WINAPI CloseAndAnswerNo(HANDLE search)
 {
     static const auto close =
@@ -233,7 +233,7 @@ TEST_F(Staging, TheWholeTraceOfAFallback)
     EXPECT_EQ(expected, trace.Messages());
 }
 
-TEST_F(Staging, ExistingFallbackDirectoryIsNoError)
+TEST_F(Staging, ExistingFallbackDirectoryIsNotAnError)
 {
     CreateDirectoryA(FallbackDirectory().c_str(), nullptr);
     WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");
@@ -263,7 +263,7 @@ TEST_F(Staging, SourcePathWithoutTerminatorThatFillsItsBufferIsReadSafely)
     EXPECT_EQ("cab dir: " + std::string(256, 'x') + "\\\n", trace.Messages().at(1));
 }
 
-TEST_F(Staging, SystemWithoutASectionGoesTheWayOfNothingCopied)
+TEST_F(Staging, SystemWithoutASectionEndsLikeOneWithNothingCopied)
 {
     TraceCapture trace;
     CopyFilesToCabDirFor(osWINME);
@@ -288,7 +288,7 @@ TEST_F(Staging, HelperIsRunOnWindows98AfterTheCopiesAndNotOnWindowsMe)
     EXPECT_LT(exit, launch) << "the exit is traced before the launch";
     ASSERT_NE(messages.end(), launch);
 
-    // The second search for directories, with its result, comes before the helper is thought of.
+    // The second search for directories, with its result, comes before the look for the helper.
     const auto enter = std::ranges::find(messages, "Enter -> Win98InfNotAvail\n");
     ASSERT_LT(enter, exit);
     const auto newCabDirectory = std::find(messages.begin(), enter, "new cab dir: " + Fallback("") + "\n");
@@ -298,7 +298,7 @@ TEST_F(Staging, HelperIsRunOnWindows98AfterTheCopiesAndNotOnWindowsMe)
                             "unsupported os detected\n", "infdirs: \n"));
 }
 
-TEST_F(Staging, Win98InfNotAvailAnswersWhatTheLaunchAnswered)
+TEST_F(Staging, Win98InfNotAvailReturnsWhatTheLaunchReturned)
 {
     EXPECT_EQ(-1, Win98InfNotAvail(Cab(""))) << "no helper";
     CopyFileTo(TestFile("command_line_recorder.exe"), m_kit.At("Rundll.exe"));
@@ -331,7 +331,7 @@ TEST_F(Staging, SecondByteThatLooksLikeABackslashDoesNotEndTheProgramsDirectory)
     EXPECT_EQ(shortForm.data(), CurrentDirectory());
 }
 
-TEST_F(Staging, DirectoriesAmongTheEntriesFailToCopyAndTheFilesAreCopiedAllTheSame)
+TEST_F(Staging, DirectoriesAmongTheEntriesFailToCopyAndTheFilesAreStillCopied)
 {
     CreateDirectoryA(m_kit.At(R"(DrvA\deeper)").c_str(), nullptr);
     WriteFileBytes(m_kit.At(R"(DrvA\one.txt)"), "1");
@@ -367,7 +367,7 @@ TEST_F(Staging, TargetThatIsDeniedIsTracedWithItsReasonAndTheNextFileIsCopied)
     WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "new");
     WriteFileBytes(m_kit.At(R"(DrvA\one.txt)"), "1");
     WriteFileBytes(Cab("driver.sys"), "old");
-    // Somebody else has it open and shares it with nobody.
+    // Another program has it open and does not share it.
     const UniqueFile holder(
         CreateFileA(Cab("driver.sys").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_TRUE(holder.IsOpen());
@@ -442,7 +442,7 @@ TEST_F(Staging, ASearchThatCannotBeClosedIsTracedLastAndChangesNoResult)
     EXPECT_EQ("Unable to close search handle\n", messages.back());
 }
 
-TEST_F(Staging, SourcePathThatEndsWithABackslashGetsNoSecond)
+TEST_F(Staging, SourcePathThatEndsWithABackslashGetsNoSecondOne)
 {
     SetRegistryText(kSetupKey, "SourcePath", Cab(""));
     WriteFileBytes(m_kit.At(R"(DrvA\driver.sys)"), "driver");

@@ -1,4 +1,4 @@
-// The two questions by which a process that is told 6.0 finds out about a later system.
+// The two questions by which a process to which the system reports 6.0 recognises a later one.
 
 #include <gmock/gmock.h>
 #include <windows.h>

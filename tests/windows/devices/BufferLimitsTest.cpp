@@ -1,4 +1,4 @@
-// Registry values that hurt, and buffers that end where the memory ends.
+// Damaged registry values, and buffers that end where the memory ends.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@
 namespace {
 constexpr char kDevice[] = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B&REV_03";
 
-/// Stores the bytes as they lie in the registry, in wide characters or whatever they are.
+/// Stores the bytes unchanged, whatever the type makes of them.
 void SetRawValue(const std::string& keyPath, const wchar_t* name, DWORD type, const std::string& bytes)
 {
     HKEY opened = nullptr;
@@ -42,7 +42,7 @@ std::string Wide(const std::string& text)
 const std::vector<DWORD> kTypes = {REG_NONE, REG_SZ,       REG_EXPAND_SZ, REG_BINARY, REG_DWORD, REG_DWORD_BIG_ENDIAN,
                                    REG_LINK, REG_MULTI_SZ, REG_QWORD,     1234};
 
-TEST(RegistryBytes, OfAnyTypeAndLengthHaveFiveZerosBehindThem)
+TEST(RegistryBytes, OfAnyTypeAndLengthHaveFiveZerosAfterThem)
 {
     const ScratchRegistryKey scratch(R"(SOFTWARE\MorvixTests\Bytes)");
     CreateRegistryKey(scratch.Path());

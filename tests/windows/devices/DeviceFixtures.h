@@ -67,7 +67,7 @@ private:
     LocationInfoRecord m_savedLocation;
 };
 
-/// Answers install calls as told and records what was asked.
+/// Answers install calls as prepared and records them.
 class RecordingInstall final : public IDriverInstallInterface
 {
 public:

@@ -151,7 +151,7 @@ TEST_F(DeviceInstall, TheSourcePathIsPlainTextAndLeavesOtherValuesAlone)
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Other"), "kept");
 }
 
-TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeHadDoesNotStopTheInstall)
+TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeCreatedDoesNotStopTheInstall)
 {
     const MachineKeyOverride emptyMachine;
     // Below a key that lasts only until the next start, no lasting key can be created.
@@ -162,7 +162,7 @@ TEST_F(DeviceInstall, ASourcePathKeyThatCannotBeHadDoesNotStopTheInstall)
     EXPECT_EQ(install.calls[0].infPath, kInf);
     EXPECT_EQ(install.calls[0].sourcePath, "<none>");
     EXPECT_FALSE(RegistryKeyExists(kBasedriversKey));
-    EXPECT_EQ(DevicePassState.installFailed, 1U) << "the answer counts all the same";
+    EXPECT_TRUE(DevicePassState.installFailed) << "the result still counts";
 }
 
 TEST_F(DeviceInstall, StatusAndLastErrorAreTracedInHexadecimal)
@@ -195,30 +195,30 @@ TEST_F(DeviceInstall, StatusAndLastErrorAreTracedInHexadecimal)
     }
 }
 
-TEST_F(DeviceInstall, OnlyTheOneStatusIsRemembered)
+TEST_F(DeviceInstall, OnlyTheOneStatusIsARefusal)
 {
     for (const int32_t status : {0, 1, -1, static_cast<int32_t>(0xE0000206), static_cast<int32_t>(0x800F0207)}) {
         DevicePassState = {};
         RecordingInstall install({.status = status, .lastError = 0xE0000207});
         Install(install);
-        EXPECT_EQ(DevicePassState.installErrorCode, 0U) << std::hex << status;
-        EXPECT_EQ(DevicePassState.installFailed, 0U) << std::hex << status;
+        EXPECT_FALSE(DevicePassState.unreportedRefusal) << std::hex << status;
+        EXPECT_FALSE(DevicePassState.installFailed) << std::hex << status;
     }
     RecordingInstall install({.status = kDeviceExists, .lastError = 0});
     Install(install);
-    EXPECT_EQ(DevicePassState.installErrorCode, 0xE0000207U) << "an INF of no family does not report it";
-    EXPECT_EQ(DevicePassState.installFailed, 1U);
+    EXPECT_TRUE(DevicePassState.unreportedRefusal) << "an INF of no family does not report it";
+    EXPECT_TRUE(DevicePassState.installFailed);
 }
 
-TEST_F(DeviceInstall, ARememberedErrorIsReportedAsFailureAndThenForgotten)
+TEST_F(DeviceInstall, ARefusalIsReportedAsFailureAndThenCleared)
 {
     Name(kFamilyInf);
     RecordingInstall install({.status = kDeviceExists, .lastError = 0});
     Install(install);
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "TAVG_PCIE_Install"), "FAILURE");
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "Install"), "FAILURE");
-    EXPECT_EQ(DevicePassState.installErrorCode, 0U);
-    EXPECT_EQ(DevicePassState.installFailed, 1U) << "the run's outcome text still tells of it";
+    EXPECT_FALSE(DevicePassState.unreportedRefusal);
+    EXPECT_TRUE(DevicePassState.installFailed) << "the run's outcome text still depends on it";
 }
 
 TEST_F(DeviceInstall, WithoutAnInterfaceEveryInstallCountsAsRefused)
@@ -228,7 +228,7 @@ TEST_F(DeviceInstall, WithoutAnInterfaceEveryInstallCountsAsRefused)
     InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, nullptr, kNoProgress);
     EXPECT_THAT(trace.Messages(), Contains(" 2K/XP UpdateDriver() returned: e0000207 ---> GetLastError = 57\n"));
     EXPECT_EQ(ReadRegistryText(kBasedriversKey, "TAVG_PCIE_Install"), "FAILURE");
-    EXPECT_EQ(DevicePassState.installFailed, 1U);
+    EXPECT_TRUE(DevicePassState.installFailed);
 }
 
 TEST_F(DeviceInstall, TheStorageTestIsAskedOnlyAfterAnInstallWithoutErrorAndUntilItSaysYes)
@@ -243,7 +243,7 @@ TEST_F(DeviceInstall, TheStorageTestIsAskedOnlyAfterAnInstallWithoutErrorAndUnti
     ASSERT_THAT(lines, Contains(kAsked));
     EXPECT_EQ(*(std::ranges::find(lines, kAsked) + 1), kDevice);
 
-    DevicePassState.storageAdapterFound = 1;
+    DevicePassState.storageAdapterFound = true;
     EXPECT_THAT(TraceOf(trace, [&] { Install(withoutError); }), Not(Contains(kAsked)));
 }
 
@@ -279,8 +279,8 @@ TEST_F(DeviceInstall, TheLegacyRouteUsesTheLegacyInstallerOnly)
 
 TEST_F(DeviceInstall, TheOlderFamiliesWalkTheirOwnKeyAndNeedNoInterface)
 {
-    // The walk reads "Enum\PCI"; the compatible IDs come from the NT key on the millennium edition, on 98 they are not
-    // read.
+    // The walk reads "Enum\PCI"; on the millennium edition, the compatible IDs come from the NT key; on 98
+    // they are not read.
     const MachineKeyOverride emptyMachine;
     m_kit.Add("Drv", "other.inf", kDevice, "Norda", "$Chicago$");
     CreateRegistryKey("Enum\\PCI\\" + std::string(kDevice));
@@ -301,6 +301,6 @@ TEST_F(DeviceInstall, TheOlderFamiliesWalkTheirOwnKeyAndNeedNoInterface)
         EXPECT_THAT(trace.Messages(),
                     Contains(row.line + std::string(kHardwareId) + ", " + std::string(TextIn(record.infPath)) + "\n"))
             << row.family;
-        EXPECT_EQ(DevicePassState.deviceMatched, 1U) << row.family;
+        EXPECT_TRUE(DevicePassState.deviceMatched) << row.family;
     }
 }

@@ -123,7 +123,7 @@ DWORD WINAPI LockAndAsk(LPCSTR section, LPCSTR key, LPCSTR defaultText, LPSTR bu
 }
 } // namespace
 
-TEST_F(DevicePass, AnInfThatIsLockedDuringOneDevicesPassesServesTheNextDevice)
+TEST_F(DevicePass, AnInfThatIsLockedDuringOneDevicesPassesIsFoundForTheNextDevice)
 {
     InfKit kit;
     const SimulatedDevice device(kDevice);

@@ -32,7 +32,7 @@ TEST_F(DevicePass, FourPassesSearchEverShorterIdsAndThenGiveUp)
     trace.Clear();
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(trace.Messages(), WholePass(kDevice, expected));
-    EXPECT_EQ(DevicePassState.deviceMatched, 0U);
+    EXPECT_FALSE(DevicePassState.deviceMatched);
     EXPECT_TRUE(m_install.calls.empty());
 }
 
@@ -99,7 +99,7 @@ TEST_F(DevicePass, TheDmaEngineInfIsRecognisedInAnyLetterCase)
         const SimulatedDevice device(kDevice);
         TraceCapture trace;
         EXPECT_EQ(Run(), 0U) << name;
-        EXPECT_EQ(DevicePassState.qdatInstalled, 1U) << name;
+        EXPECT_TRUE(DevicePassState.qdatInstalled) << name;
         EXPECT_EQ(TextIn(m_record.infPath), UpperCased(inf)) << name;
         const std::vector<std::string> messages = trace.Messages();
         const auto match = std::ranges::find(messages, "!!FOUND INF MATCH\n");
@@ -187,10 +187,10 @@ TEST_F(DevicePass, TheDmaEngineMarkCountsAnywhereInThePath)
         const std::string inf = kit.Add(directory, file, kDevice);
         EXPECT_EQ(Run(), 0U) << inf;
         EXPECT_EQ(TextIn(m_record.infPath), UpperCased(inf));
-        EXPECT_EQ(DevicePassState.qdatInstalled, 1U) << inf;
+        EXPECT_TRUE(DevicePassState.qdatInstalled) << inf;
     }
     InfKit kit;
     kit.Add("Drv", "qdatdma2.inf", kDevice);
     EXPECT_EQ(Run(), 0U);
-    EXPECT_EQ(DevicePassState.qdatInstalled, 0U);
+    EXPECT_FALSE(DevicePassState.qdatInstalled);
 }

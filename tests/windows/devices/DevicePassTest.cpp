@@ -46,7 +46,7 @@ TEST_F(DevicePass, RejectedDevicesLeaveEverythingAsItWas)
     TraceCapture trace;
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(trace.Messages(), WholePass("none", {}));
-    EXPECT_EQ(DevicePassState.deviceMatched, 0U);
+    EXPECT_FALSE(DevicePassState.deviceMatched);
     EXPECT_EQ(TextIn(m_record.hardwareId), "");
 }
 
@@ -82,9 +82,9 @@ TEST_F(DevicePass, EveryNTFamilyInstallsAMatchOfTheFirstPass)
         EXPECT_EQ(m_install.calls[0].infPath, UpperCased(inf)) << family;
         EXPECT_EQ(m_install.calls[0].hardwareId, "PCI\\" + std::string(kDevice)) << family;
         EXPECT_EQ(m_install.calls[0].flags, 0) << family;
-        EXPECT_EQ(DevicePassState.deviceMatched, 1U) << family;
-        EXPECT_EQ(DevicePassState.qdatInstalled, 0U) << family;
-        EXPECT_EQ(DevicePassState.installFailed, 0U) << family;
+        EXPECT_TRUE(DevicePassState.deviceMatched) << family;
+        EXPECT_FALSE(DevicePassState.qdatInstalled) << family;
+        EXPECT_FALSE(DevicePassState.installFailed) << family;
     }
 }
 
@@ -138,7 +138,7 @@ TEST_F(DevicePass, AnInfPathTooLongForTheRecordLeavesItEmptyAndWithinItsField)
     ASSERT_EQ(m_install.calls.size(), 1U);
     EXPECT_EQ(m_install.calls[0].infPath, "");
     EXPECT_EQ(m_record.reservedOne, DriverInstallRecord{}.reservedOne);
-    EXPECT_EQ(DevicePassState.deviceMatched, 1U);
+    EXPECT_TRUE(DevicePassState.deviceMatched);
 }
 
 TEST_F(DevicePass, AKeyDeletedDuringTheWalkEndsIt)

@@ -29,7 +29,7 @@ std::string SystemPath(const std::string& name)
     return directory.data() + name;
 }
 
-/// A device that the system sees, with everything taken away that binding a driver to it leaves.
+/// A device that the system sees, without anything that an earlier binding of a driver left.
 class BindableDevice
 {
 public:
@@ -108,7 +108,7 @@ struct HelperAnswer
     std::vector<std::string> journal; ///< what a recording double was asked
 };
 
-/// Runs a helper program in `directory`, with the library that lies there or none when it is to find no such library.
+/// Runs a helper program in `directory`, with the library in it, or without one.
 /// It is a new process because a library that is once loaded, as in this one, stays.
 HelperAnswer RunHelperIn(const ScratchDirectory& directory, const std::string& program, const std::string& library)
 {
@@ -168,7 +168,7 @@ TEST(UpdateDriver, TheLibraryIsFreedAgain)
     EXPECT_EQ(GetModuleHandleA("newdev.dll"), nullptr);
 }
 
-TEST(UpdateDriver, WithoutTheLibraryNothingIsTracedAndZeroAnswered)
+TEST(UpdateDriver, WithoutTheLibraryNothingIsTracedAndZeroReturned)
 {
     const LibraryLoading withoutNewdev("newdev", "");
     ASSERT_EQ(LoadLibraryA("newdev.dll"), nullptr);
@@ -180,14 +180,14 @@ TEST(UpdateDriver, WithoutTheLibraryNothingIsTracedAndZeroAnswered)
     EXPECT_EQ(device.Value("Driver"), "<none>");
 }
 
-TEST(UpdateDriver, ARefusedUpdateIsTracedAndAnsweredWithZero)
+TEST(UpdateDriver, ARefusedUpdateIsTracedAndReturnsZero)
 {
     const HelperAnswer answer = RunHelper(kUpdater, "newdev", Exports{{"UpdateDriverForPlugAndPlayDevicesA", 0}});
     EXPECT_EQ(answer.result, 0U);
     EXPECT_THAT(answer.lines, ElementsAre("Morvix: drivers *not* upgraded\n"));
 }
 
-TEST(UpdateDriver, AnyOtherAnswerIsASuccessAndHandedOn)
+TEST(UpdateDriver, AnyOtherResultIsASuccessAndReturned)
 {
     for (const uint32_t platformResult : {1U, 2U, 0x80000000U}) {
         const HelperAnswer answer =
@@ -213,14 +213,14 @@ TEST(UpdateDriver, ARestartThatThePlatformWantsIsNotReported)
     EXPECT_THAT(answer.journal, testing::SizeIs(1));
 }
 
-TEST(UpdateDriver, WithoutTheEntryPointNothingIsTracedAndZeroAnswered)
+TEST(UpdateDriver, WithoutTheEntryPointNothingIsTracedAndZeroReturned)
 {
     const HelperAnswer answer = RunHelper(kUpdater, "newdev", Exports{{"SomethingElse", 1}});
     EXPECT_EQ(answer.result, 0U);
     EXPECT_THAT(answer.lines, IsEmpty());
 }
 
-TEST(ScanForHardwareChanges, ThePlatformsAnswerIsHandedOnAndTheLibraryStaysLoaded)
+TEST(ScanForHardwareChanges, ThePlatformsResultIsReturnedAndTheLibraryStaysLoaded)
 {
     TraceCapture trace;
     const int result = ScanForHardwareChanges();
@@ -237,14 +237,14 @@ TEST(ScanForHardwareChanges, ThePlatformsAnswerIsHandedOnAndTheLibraryStaysLoade
     EXPECT_EQ(result, locate(&root, nullptr, 0) == 0 && reenumerate(root, 0) == 0 ? 1 : 0);
 }
 
-TEST(ScanForHardwareChanges, WithoutTheLibraryItSaysSoAndAnswersZero)
+TEST(ScanForHardwareChanges, WithoutTheLibraryItTracesThatAndReturnsZero)
 {
     const HelperAnswer answer = RunHelper(kScanner, "cfgmgr32", std::nullopt);
     EXPECT_EQ(answer.result, 0U);
     EXPECT_THAT(answer.lines, ElementsAre("Morvix: ScanForHardwareChanges()\n", "Morvix: error with GetProcAddress\n"));
 }
 
-TEST(ScanForHardwareChanges, WithoutEitherEntryPointItSaysSoAndAnswersZero)
+TEST(ScanForHardwareChanges, WithoutEitherEntryPointItTracesThatAndReturnsZero)
 {
     for (const char* present : {"CM_Locate_DevNodeA", "CM_Reenumerate_DevNode"}) {
         const HelperAnswer answer = RunHelper(kScanner, "cfgmgr32", Exports{{present, 0}});
@@ -270,7 +270,7 @@ TEST(ScanForHardwareChanges, ATreeWhoseRootIsNotLocatedIsNotScanned)
     EXPECT_THAT(answer.journal, ElementsAre("CM_Locate_DevNodeA id=none flags=0"));
 }
 
-TEST(ScanForHardwareChanges, OnlyAScanThatWasStartedIsAnsweredWithOne)
+TEST(ScanForHardwareChanges, OnlyAScanThatWasStartedReturnsOne)
 {
     constexpr uint32_t kFailure = 0x13;
     struct Row

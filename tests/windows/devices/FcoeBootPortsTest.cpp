@@ -34,7 +34,7 @@ constexpr char kFirst[] = "VEN_5D1A&DEV_F001";
 constexpr char kSecond[] = "VEN_5D1A&DEV_F002";
 constexpr char kThird[] = "VEN_5D1A&DEV_F003";
 
-/// The machine's own network adapters are led out of the way, so that the enumeration shows only the test's.
+/// Hides the machine's own network adapters, so that the enumeration shows only the test's.
 class FcoeBootPorts : public testing::Test
 {
 protected:
@@ -67,6 +67,28 @@ std::vector<std::string> Questions(const std::string& instanceId, const std::str
             "NORDA_GetFCAndNICProperties " + handle,
             "CloseAdapter " + handle};
 }
+
+/// Two adapters that the library knows by the handles 11 and 12.
+struct TwoAdapters
+{
+    TwoAdapters()
+    {
+        library.Answer("Handle.\\DEVICE\\{A}", "11");
+        library.Answer("Handle.\\DEVICE\\{B}", "12");
+    }
+
+    const RegistryAdapter first{kFirst, "9001", "{A}"};
+    const RegistryAdapter second{kSecond, "9002", "{B}"};
+    const LibraryDouble library = HbaLibrary();
+};
+
+/// What the library is asked about both.
+std::vector<std::string> QuestionsAboutBoth()
+{
+    std::vector<std::string> questions = Questions("{A}", "11");
+    Append(questions, Questions("{B}", "12"));
+    return questions;
+}
 } // namespace
 
 TEST_F(FcoeBootPorts, WithoutAdaptersTheListIsExhausted)
@@ -83,54 +105,49 @@ TEST_F(FcoeBootPorts, WithoutTheLibraryNoAdapterIsABootPort)
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
 }
 
-TEST_F(FcoeBootPorts, RemoteBootAndRemotePageFileAreBootPorts)
+TEST_F(FcoeBootPorts, RemoteBootAndRemotePageFileAreBootPortsAlsoWhenTheCallFails)
 {
     const RegistryAdapter adapter(kFirst, "9001", "{A}");
-    for (const char* flags : {"1", "2", "3"}) {
+    const struct
+    {
+        const char* flags;
+        const char* status;
+        bool isBootPort;
+    } rows[] = {{"1", "0", true},  {"2", "0", true},           {"3", "0", true}, {"0", "0", false},
+                {"4", "0", false}, {"0xFFFFFFFC", "0", false}, {"1", "1", true}, {"2", "1", true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "flags " << row.flags << " status " << row.status);
         const LibraryDouble library = HbaLibrary();
-        library.Answer("Flags", flags);
-        EXPECT_TRUE(AreFCoEBootEnabledPortsPresent()) << flags;
-        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit)) << flags;
+        library.Answer("Status.NORDA_GetFCAndNICProperties", row.status);
+        library.Answer("Flags", row.flags);
+        EXPECT_EQ(AreFCoEBootEnabledPortsPresent(), row.isBootPort);
+        EXPECT_EQ(Messages(), row.isBootPort ? std::vector<std::string>({kEntry, kExit})
+                                             : std::vector<std::string>({kEntry, kExhausted, kExit}));
+        EXPECT_EQ(library.TakeJournal(), Questions("{A}", "7"));
     }
 }
 
-TEST_F(FcoeBootPorts, OtherFlagsAreNoBootPort)
+TEST_F(FcoeBootPorts, EveryAdapterIsAskedAlsoAfterABootPortAndAfterAFailure)
 {
-    const RegistryAdapter adapter(kFirst, "9001", "{A}");
-    for (const char* flags : {"0", "4", "0xFFFFFFFC"}) {
-        const LibraryDouble library = HbaLibrary();
-        library.Answer("Flags", flags);
-        EXPECT_FALSE(AreFCoEBootEnabledPortsPresent()) << flags;
-        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit)) << flags;
-    }
-}
-
-TEST_F(FcoeBootPorts, EveryAdapterIsAskedAlsoAfterOneThatIsABootPort)
-{
-    const RegistryAdapter first(kFirst, "9001", "{A}");
-    const RegistryAdapter second(kSecond, "9002", "{B}");
-    const LibraryDouble library = HbaLibrary();
-    library.Answer("Handle.\\DEVICE\\{A}", "11");
-    library.Answer("Handle.\\DEVICE\\{B}", "12");
-    library.Answer("Flags", "1");
+    const TwoAdapters adapters;
+    adapters.library.Answer("Flags", "1");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
-    std::vector<std::string> expected = Questions("{A}", "11");
-    Append(expected, Questions("{B}", "12"));
-    EXPECT_EQ(library.TakeJournal(), expected);
+    EXPECT_EQ(adapters.library.TakeJournal(), QuestionsAboutBoth());
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit));
+    adapters.library.Answer("Flags", "0");
+    adapters.library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
+    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
+    EXPECT_EQ(adapters.library.TakeJournal(), QuestionsAboutBoth());
+    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
 }
 
 TEST_F(FcoeBootPorts, OneBootPortAmongOthersIsEnough)
 {
-    const RegistryAdapter first(kFirst, "9001", "{A}");
-    const RegistryAdapter second(kSecond, "9002", "{B}");
-    const LibraryDouble library = HbaLibrary();
-    library.Answer("Handle.\\DEVICE\\{A}", "11");
-    library.Answer("Handle.\\DEVICE\\{B}", "12");
-    library.Answer("Flags.11", "2");
+    const TwoAdapters adapters;
+    adapters.library.Answer("Flags.11", "2");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
-    library.Answer("Flags.11", "0");
-    library.Answer("Flags.12", "1");
+    adapters.library.Answer("Flags.11", "0");
+    adapters.library.Answer("Flags.12", "1");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
 }
 
@@ -180,10 +197,10 @@ TEST_F(FcoeBootPorts, InstanceIdOf4096CharactersCountsAsNone)
     const LibraryDouble library = HbaLibrary();
     EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kNoInstanceId, kExhausted, kExit));
-    EXPECT_EQ(library.TakeJournal(), Questions("{B}", "7")) << "the next adapter is asked all the same";
+    EXPECT_EQ(library.TakeJournal(), Questions("{B}", "7")) << "the next adapter is still asked";
 }
 
-TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNoBootPortAndTheNextIsAsked)
+TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNotABootPortAndTheNextIsAsked)
 {
     const RegistryAdapter first(kFirst, "9001", "{A}");
     const RegistryAdapter second(kSecond, "9002", "{B}");
@@ -192,7 +209,7 @@ TEST_F(FcoeBootPorts, AdapterThatTheLibraryDoesNotKnowIsNoBootPortAndTheNextIsAs
     library.Answer("Flags", "1");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
     std::vector<std::string> expected = Questions("{A}", "0");
-    expected.resize(4); // nothing is asked about a handle that there is not
+    expected.resize(4); // without a handle nothing more is asked
     Append(expected, Questions("{B}", "7"));
     EXPECT_EQ(library.TakeJournal(), expected);
 }
@@ -218,7 +235,7 @@ TEST_F(FcoeBootPorts, DebugValuesMakeABootPort)
     EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
 }
 
-TEST_F(FcoeBootPorts, ListThatCannotBeHadIsTraced)
+TEST_F(FcoeBootPorts, ListThatCannotBeOpenedIsTraced)
 {
     EXPECT_FALSE(AreFCoEBootEnabledPortsAmong(INVALID_HANDLE_VALUE));
     EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate any PCI devices"));
@@ -329,34 +346,6 @@ TEST_F(FcoeBootPorts, AListThatCannotBeReadIsDestroyedToo)
     }
     EXPECT_EQ(destroyedList, list.data());
     EXPECT_THAT(Messages(), ElementsAre("Failed to enumerate any PCI devices"));
-}
-
-TEST_F(FcoeBootPorts, AdapterWhosePropertiesFailIsClosedAndTheNextAsked)
-{
-    const RegistryAdapter first(kFirst, "9001", "{A}");
-    const RegistryAdapter second(kSecond, "9002", "{B}");
-    const LibraryDouble library = HbaLibrary();
-    library.Answer("Handle.\\DEVICE\\{A}", "11");
-    library.Answer("Handle.\\DEVICE\\{B}", "12");
-    library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
-    EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
-    std::vector<std::string> expected = Questions("{A}", "11");
-    Append(expected, Questions("{B}", "12"));
-    EXPECT_EQ(library.TakeJournal(), expected);
-    EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
-}
-
-TEST_F(FcoeBootPorts, FlagsThatAFailedCallLeavesCount)
-{
-    const RegistryAdapter adapter(kFirst, "9001", "{A}");
-    for (const char* flags : {"1", "2"}) {
-        const LibraryDouble library = HbaLibrary();
-        library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
-        library.Answer("Flags", flags);
-        EXPECT_TRUE(AreFCoEBootEnabledPortsPresent()) << flags;
-        EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit)) << flags;
-        EXPECT_EQ(library.TakeJournal(), Questions("{A}", "7")) << flags;
-    }
 }
 
 TEST_F(FcoeBootPorts, DriverKeyOf260BytesIsReadWholeAndOneOf261IsNotRead)

@@ -20,10 +20,10 @@ protected:
     ~IScsiAdapter() override { DevicePassState = {}; }
 
     /// Asks the adapter and expects what never changes.
-    uint32_t FoundAfterAsking()
+    bool FoundAfterAsking()
     {
         DevicePassState = {};
-        EXPECT_EQ(IsIScsiAdapter(kTestInstance), 0) << "only the indicator tells what was found";
+        EXPECT_EQ(IsIScsiAdapter(kTestInstance), 0) << "only the indicator shows what was found";
         return DevicePassState.storageAdapterFound;
     }
 
@@ -36,7 +36,7 @@ TEST_F(IScsiAdapter, BootModesTwoAndThreeAreFoundThoughTheResultIsZero)
     for (const uint32_t mode : {2U, 3U}) {
         driver.AnswerBootMode(kTestInstance, mode);
         TraceCapture trace;
-        EXPECT_EQ(FoundAfterAsking(), 1U) << mode;
+        EXPECT_TRUE(FoundAfterAsking()) << mode;
         EXPECT_THAT(trace.Messages(), ElementsAre("Found iSCSI adapter"));
     }
 }
@@ -46,7 +46,7 @@ TEST_F(IScsiAdapter, OtherBootModesAreNotFoundAndNotTraced)
     for (const uint32_t mode : {0U, 1U, 4U, 0xFFFFFFFFU}) {
         driver.AnswerBootMode(kTestInstance, mode);
         TraceCapture trace;
-        EXPECT_EQ(FoundAfterAsking(), 0U) << mode;
+        EXPECT_FALSE(FoundAfterAsking()) << mode;
         EXPECT_THAT(trace.Messages(), IsEmpty());
     }
 }
@@ -63,33 +63,33 @@ TEST_F(IScsiAdapter, IsAskedForItsBootModeWithFourBytes)
 
 TEST_F(IScsiAdapter, OnceFoundNoFurtherAdapterIsAsked)
 {
-    DevicePassState.storageAdapterFound = 1;
+    DevicePassState.storageAdapterFound = true;
     EXPECT_EQ(IsIScsiAdapter(kTestInstance), 1);
     EXPECT_EQ(driver.WhatWasAsked(kTestInstance).opens, 0U);
 }
 
-TEST_F(IScsiAdapter, DriverThatDoesNotKnowTheQuestionIsNoIScsiAdapter)
+TEST_F(IScsiAdapter, DriverThatDoesNotKnowTheQuestionIsNotAnIScsiAdapter)
 {
     // Even when bytes that look like a boot mode come with that status.
     driver.AnswerPrivateRequest(kTestInstance,
                                 {.status = 0xC00000BB, .data = std::string("\2\0\0\0", 4), .length = std::nullopt});
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
     EXPECT_EQ(driver.WhatWasAsked(kTestInstance).privateRequests, 1U);
 }
 
-TEST_F(IScsiAdapter, OtherStatusAndFailedRequestAreNoIScsiAdapter)
+TEST_F(IScsiAdapter, OtherStatusAndFailedRequestAreNotAnIScsiAdapter)
 {
     driver.AnswerPrivateRequest(kTestInstance,
                                 {.status = 0xC0000001, .data = std::string("\2\0\0\0", 4), .length = std::nullopt});
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
     driver.AnswerBootMode(kTestInstance, 2);
     driver.FailPrivateRequest(kTestInstance, 0xC0000001);
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
     driver.FailPrivateRequest(kTestInstance, 0);
     driver.FailDeviceName(kTestInstance, 0xC0000001);
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
     driver.FailDeviceName(kTestInstance, 0);
-    EXPECT_EQ(FoundAfterAsking(), 1U) << "the failures above were the reason";
+    EXPECT_TRUE(FoundAfterAsking()) << "the failures above were the reason";
 }
 
 TEST_F(IScsiAdapter, PrivateDeviceOfANullHandleIsNotAsked)
@@ -97,7 +97,7 @@ TEST_F(IScsiAdapter, PrivateDeviceOfANullHandleIsNotAsked)
     driver.AnswerBootMode(kTestInstance, 2);
     const FileOpens opens(std::string(R"(\\.\)") + kTestPrivateName);
     const CallCount requests("DeviceIoControl");
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
     EXPECT_EQ(opens.Calls().size(), 2U) << "the private device's name was asked for and tried";
     EXPECT_EQ(requests.Calls(), 1U) << "the name was the only question";
 }
@@ -105,20 +105,20 @@ TEST_F(IScsiAdapter, PrivateDeviceOfANullHandleIsNotAsked)
 TEST_F(IScsiAdapter, LengthBeyondTheBufferStillGivesTheBootMode)
 {
     driver.AnswerPrivateRequest(kTestInstance, {.status = 0, .data = std::string("\3\0\0\0", 4), .length = 4096});
-    EXPECT_EQ(FoundAfterAsking(), 1U);
+    EXPECT_TRUE(FoundAfterAsking());
 }
 
 TEST_F(IScsiAdapter, AnswerOfNoBytesIsBootModeZero)
 {
     driver.AnswerPrivateRequest(kTestInstance, {.status = 0, .data = std::string("\2\0\0\0", 4), .length = 0});
-    EXPECT_EQ(FoundAfterAsking(), 0U);
+    EXPECT_FALSE(FoundAfterAsking());
 }
 
 TEST_F(IScsiAdapter, LateAnswersAreWaitedFor)
 {
     driver.AnswerBootMode(kTestInstance, 2);
     driver.AnswerLate(kTestInstance, 100);
-    EXPECT_EQ(FoundAfterAsking(), 1U);
+    EXPECT_TRUE(FoundAfterAsking());
 }
 
 TEST_F(IScsiAdapter, ThousandCallsLeaveNoHandleOpen)
@@ -128,16 +128,16 @@ TEST_F(IScsiAdapter, ThousandCallsLeaveNoHandleOpen)
     EXPECT_TRUE(driver.WaitUntilAllIsClosed(kTestInstance));
 }
 
-TEST(IScsiAdapterWithoutDevice, AbsentDeviceIsNoIScsiAdapter)
+TEST(IScsiAdapterWithoutDevice, AbsentDeviceIsNotAnIScsiAdapter)
 {
     DevicePassState = {};
     TraceCapture trace;
     for (const std::string& instance : {std::string(kTestInstance), std::string(), std::string(4096, 'x')}) {
         SetLastError(0);
         EXPECT_EQ(IsIScsiAdapter(instance), 0);
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE}) << "the device that did not open was asked all the same";
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE}) << "the device that did not open was still asked";
     }
-    EXPECT_EQ(DevicePassState.storageAdapterFound, 0U);
+    EXPECT_FALSE(DevicePassState.storageAdapterFound);
     EXPECT_THAT(trace.Messages(), IsEmpty());
 }
 

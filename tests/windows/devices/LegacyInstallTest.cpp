@@ -122,7 +122,7 @@ TEST_F(LegacyInstall, ADeviceWithoutInstancesRunsNothing)
     EXPECT_FALSE(RegistryKeyExists(kMsiKey));
 }
 
-TEST_F(LegacyInstall, AnInstanceWithoutTheKeyForItsPathIsSkippedWithoutAWord)
+TEST_F(LegacyInstall, AnInstanceWithoutTheKeyForItsPathIsSkippedWithoutATrace)
 {
     for (const char* instance : {"BUS_00", "BUS_01"}) {
         CreateRegistryKey(std::string(kDeviceKey) + "\\" + instance);

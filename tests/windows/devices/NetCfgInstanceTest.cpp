@@ -22,7 +22,7 @@ std::string InstanceIdOf(const std::string& deviceKeyName = kDevice)
     std::array<char, 264> memory;
     memory.fill('#');
     EXPECT_EQ(GetNetCfgInstanceId(deviceKeyName, std::span(memory).first(260)), 0);
-    EXPECT_EQ(std::string(memory.data() + 260, 4), "####") << "bytes behind the output were touched";
+    EXPECT_EQ(std::string(memory.data() + 260, 4), "####") << "bytes after the output were touched";
     return memory.data();
 }
 } // namespace
@@ -36,7 +36,7 @@ TEST(NetCfgInstance, IdOfTheFirstInstanceIsTracedOnEntryAndExit)
                 ElementsAre("Enter -> GetNetCfgInstanceId()\n", kDevice, "Exit -> GetNetCfgInstanceId()\n"));
 }
 
-TEST(NetCfgInstance, FurtherInstancesAreNotLookedAt)
+TEST(NetCfgInstance, FurtherInstancesAreIgnored)
 {
     const RegistryAdapter adapter(kDevice, std::nullopt, std::nullopt);
     const RegistryAdapter other("VEN_5D1A&DEV_9999", "9001", kTestInstance);
@@ -133,7 +133,7 @@ TEST(NetCfgInstance, EmptyValuesAreEmptyIds)
     EXPECT_EQ(InstanceIdOf(), "");
 }
 
-TEST(NetCfgInstance, PathOfMoreThan259CharactersNamesNoKey)
+TEST(NetCfgInstance, PathOfMoreThan259CharactersIsNotOpened)
 {
     // The path of the device's instance is the key name, the PCI key's 33 characters, two backslashes and the instance.
     const std::size_t room = 259 - 33 - 2 - std::string("3&11583659&0&18").size();
@@ -173,7 +173,7 @@ TEST(NetCfgInstance, ValueOfMoreThan260StoredBytesIsNotRead)
     EXPECT_EQ(InstanceIdOf(), "");
 }
 
-TEST(NetCfgInstance, KeysAreOpenedForNoMoreThanIsReadFromThem)
+TEST(NetCfgInstance, KeysAreOpenedOnlyForWhatIsReadFromThem)
 {
     const RegistryAdapter adapter(kDevice, "9001", kTestInstance);
     const RegistryAccess access;

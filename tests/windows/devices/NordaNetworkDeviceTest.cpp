@@ -142,7 +142,7 @@ TEST(NordaNetworkDevice, OnlyTheFirstInstanceIsRead)
     EXPECT_EQ(Accepted(), !firstIsAccepted);
 }
 
-TEST(NordaNetworkDevice, KeysAreOpenedForNoMoreThanIsReadFromThem)
+TEST(NordaNetworkDevice, KeysAreOpenedOnlyForWhatIsReadFromThem)
 {
     const SimulatedDevice device(kDevice);
     const RegistryAccess access;

@@ -84,7 +84,7 @@ TEST_F(PendingUninstall, TheOnlyEntryLeavesAnEmptyList)
     EXPECT_EQ(Stored(), std::string(1, '\0'));
 }
 
-TEST_F(PendingUninstall, AListWithoutTheUninstallerIsLeftAsItIs)
+TEST_F(PendingUninstall, AListWithoutTheUninstallerIsUnchanged)
 {
     SetRegistryList(kKey, kValue, {kOther, R"(\??\C:\Windows\Tavunstl.exe)"});
     TraceCapture trace;
@@ -103,7 +103,7 @@ TEST_F(PendingUninstall, AMissingListIsNotCreated)
     EXPECT_EQ(Stored(), "<none>");
 }
 
-TEST_F(PendingUninstall, AKeyThatCannotBeOpenedIsSaid)
+TEST_F(PendingUninstall, AKeyThatCannotBeOpenedIsTraced)
 {
     const MachineKeyOverride emptyMachine;
     TraceCapture trace;
@@ -112,7 +112,7 @@ TEST_F(PendingUninstall, AKeyThatCannotBeOpenedIsSaid)
                 ElementsAre("Entering isRegEntryTAVUnstl", "Unable to access REG_TAVUNSTL_SESSIONMANAGER Key"));
 }
 
-TEST_F(PendingUninstall, AListThatCannotBeWrittenIsSaidAndStaysAsItIs)
+TEST_F(PendingUninstall, AListThatCannotBeWrittenIsTracedAndUnchanged)
 {
     SetRegistryList(kKey, kValue, {kOther, kUninstaller});
     TraceCapture trace;

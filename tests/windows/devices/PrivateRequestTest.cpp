@@ -120,7 +120,7 @@ TEST(PrivateDevice, NameThatFillsAll252BytesIsTakenWholeAndNotReadPastItsEnd)
     const UniqueFile adapter(OpenAdapterDevice(kTestInstance));
     const UniqueFile device(OpenPrivateDevice(adapter.Get()));
     EXPECT_TRUE(device.IsOpen()) << "the device of exactly this name exists";
-    // Longer answers are cut by the device itself: the buffer has no more room.
+    // Longer answers are cut by the device itself: the buffer is full.
     driver.AnswerDeviceName(kTestInstance, name + "more");
     const UniqueFile again(OpenPrivateDevice(adapter.Get()));
     EXPECT_TRUE(again.IsOpen());

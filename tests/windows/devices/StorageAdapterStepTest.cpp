@@ -48,7 +48,7 @@ TEST_F(StorageAdapterStep, InstalledIScsiBootAdapterIsFoundAfterTheResultIsPoste
 {
     m_driver.AnswerBootMode(kTestInstance, 2);
     const std::vector<std::string> lines = Install({.status = 0, .lastError = 0});
-    EXPECT_EQ(DevicePassState.storageAdapterFound, 1U);
+    EXPECT_TRUE(DevicePassState.storageAdapterFound);
     const auto posted = std::ranges::find(lines, "Enter -> PostInstallRegResult\n");
     const auto found = std::ranges::find(lines, kFound);
     ASSERT_NE(found, lines.end());
@@ -67,7 +67,7 @@ TEST_F(StorageAdapterStep, InstallThatLeavesAnErrorIsNotAsked)
     m_driver.AnswerBootMode(kTestInstance, 2);
     EXPECT_THAT(Install({.status = 0, .lastError = 259}), Not(Contains(kAsked)));
     EXPECT_EQ(m_driver.WhatWasAsked(kTestInstance).opens, 0U);
-    EXPECT_EQ(DevicePassState.storageAdapterFound, 0U);
+    EXPECT_FALSE(DevicePassState.storageAdapterFound);
 }
 
 TEST_F(StorageAdapterStep, AfterOneThatBootsNoFurtherDeviceIsAsked)
@@ -82,7 +82,7 @@ TEST_F(StorageAdapterStep, AfterOneThatBootsNoFurtherDeviceIsAsked)
 TEST_F(StorageAdapterStep, AfterOneThatDoesNotBootTheNextDeviceIsAsked)
 {
     EXPECT_THAT(Install({.status = 0, .lastError = 0}), Contains(kAsked));
-    EXPECT_EQ(DevicePassState.storageAdapterFound, 0U);
+    EXPECT_FALSE(DevicePassState.storageAdapterFound);
     m_driver.AnswerBootMode(kTestInstance, 3);
     EXPECT_THAT(Install({.status = 0, .lastError = 0}), Contains(kFound));
 }
@@ -95,5 +95,5 @@ TEST_F(StorageAdapterStep, InterfaceThatRewritesTheRecordDoesNotChangeWhichDevic
     TraceCapture trace;
     InstallMatchedDevice(InstallRoute::DriverInterface, m_record, kDevice, &install, kNoProgress);
     EXPECT_THAT(trace.Messages(), Contains(kDevice));
-    EXPECT_EQ(DevicePassState.storageAdapterFound, 1U);
+    EXPECT_TRUE(DevicePassState.storageAdapterFound);
 }
