@@ -111,7 +111,7 @@ void WriteAdapters(HtmlWriter& html, const FleetReport& report)
     const std::vector<std::string_view> sections = SectionsOf(report);
     html.Put(
         "<section aria-labelledby=h-adapters><h2 id=h-adapters>Adapters and systems</h2>\n"
-        "<div class=scroll role=region aria-labelledby=h-adapters tabindex=0><table class=grid>\n"
+        "<div class=scroll role=region aria-label=\"Table of adapters and systems\" tabindex=0><table class=grid>\n"
         "<caption>Which driver each adapter gets on each system of the fleet</caption>\n"
         "<thead><tr><th scope=col>Adapter");
     for (const std::string_view section : sections) {

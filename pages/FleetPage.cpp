@@ -99,7 +99,7 @@ void WriteUnknown(HtmlWriter& html, const FleetReport& report)
     }
     html.Put(
         "<section aria-labelledby=h-unknown><h2 id=h-unknown>Machines without an answer</h2>\n"
-        "<div class=scroll role=region aria-labelledby=h-unknown tabindex=0><table class=\"grid list\">"
+        "<div class=scroll role=region aria-label=\"Table of machines without an answer\" tabindex=0><table class=\"grid list\">"
         "<caption>What could not be read, why, and what to do</caption>\n"
         "<thead><tr><th scope=col>Machine<th scope=col>Why, and what to do</thead><tbody>\n");
     for (const FleetUnknown& unknown : report.Unknown()) {
@@ -134,7 +134,7 @@ void WriteFindings(HtmlWriter& html, const std::vector<FleetFinding>& findings)
     }
     html.Put(
         "<section aria-labelledby=h-findings><h2 id=h-findings>Findings in the kit</h2>\n"
-        "<div class=scroll role=region aria-labelledby=h-findings tabindex=0><table class=\"grid list\">"
+        "<div class=scroll role=region aria-label=\"Table of findings\" tabindex=0><table class=\"grid list\">"
         "<caption>What a check of the kit found</caption>\n"
         "<thead><tr><th scope=col>Rule<th scope=col>Where<th scope=col>Harm<th scope=col>Cure</thead><tbody>\n");
     for (const FleetFinding& finding : findings) {

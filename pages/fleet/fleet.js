@@ -111,7 +111,7 @@
         const start = [machine.firstChild.data.trim(), machine.dataset.file, state, system];
         const ways = group.trails.map(({dataset: way}) => [way.key, way.by, way.inf, way.line, way.pass, way.section,
           way.name, way.ver]);
-        for (const way of ways.length ? ways : [[]]) lines.push([...start, ...way]);
+        for (const way of ways.length ? ways : [Array(8).fill("")]) lines.push([...start, ...way]);
       }
     }
     return lines.map((line) => line.map((text) => quoted(text || "")).join(",") + "\r\n").join("");
