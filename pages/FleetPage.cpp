@@ -40,8 +40,8 @@ void WriteHead(HtmlWriter& html, const FleetVerdict& verdict)
 std::string DateText(std::time_t date)
 {
     std::array<char, 32> text{};
-    // The program has one thread here, and the platforms have no call in common that needs none of this.
-    const std::tm* const utc = std::gmtime(&date); // NOLINT(concurrency-mt-unsafe)
+    // Only one thread runs here; what is safe with several has another name on each platform.
+    const std::tm* const utc = std::gmtime(&date);
     return utc != nullptr && std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", utc) != 0 ? text.data() : "";
 }
 
@@ -62,8 +62,8 @@ Markup ShapeOf(FleetMark mark)
 
 void WriteFigure(HtmlWriter& html, FleetMark mark, std::size_t number, std::string_view label, std::string_view meaning)
 {
-    html.Put("<div").Attribute("title", meaning).Put("><dt>").Put(ShapeOf(mark)).Text(label).Put("</dt><dd>");
-    html.Text(Grouped(number)).Put("</dd></div>\n");
+    html.Put("<div><dt>").Put(ShapeOf(mark)).Text(label).Put("</dt><dd>").Text(Grouped(number));
+    html.Put("</dd><dd class=quiet>").Text(meaning).Put("</dd></div>\n");
 }
 
 void WriteHeader(HtmlWriter& html, const FleetReport& report, const FleetPageFacts& facts, const FleetVerdict& verdict)
@@ -99,7 +99,8 @@ void WriteUnknown(HtmlWriter& html, const FleetReport& report)
     }
     html.Put(
         "<section aria-labelledby=h-unknown><h2 id=h-unknown>Machines without an answer</h2>\n"
-        "<div class=scroll role=region aria-label=\"Table of machines without an answer\" tabindex=0><table class=\"grid list\">"
+        "<div class=scroll role=region aria-label=\"Table of machines without an answer\" tabindex=0><table "
+        "class=\"grid list\">"
         "<caption>What could not be read, why, and what to do</caption>\n"
         "<thead><tr><th scope=col>Machine<th scope=col>Why, and what to do</thead><tbody>\n");
     for (const FleetUnknown& unknown : report.Unknown()) {

@@ -16,7 +16,7 @@ constexpr std::size_t kMostNamed = 10;
 constexpr std::array kVerdicts = std::to_array({InfVerdict::NotListed, InfVerdict::Excluded, InfVerdict::OtherSignature,
                                                 InfVerdict::OtherBrand, InfVerdict::ListsDevice});
 
-void WriteField(HtmlWriter& html, Markup label, std::string_view text)
+void WriteField(HtmlWriter& html, const Markup& label, std::string_view text)
 {
     html.Put("<dt>").Put(label).Put("</dt><dd>").Text(text).Put("</dd>");
 }

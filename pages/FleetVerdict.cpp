@@ -20,20 +20,19 @@ struct StateRow
 
 /// One row for each state, in their order.
 constexpr std::array kStates = std::to_array<StateRow>({
-    {FleetState::Loses, FleetMark::Bad, "loses", "Loses a driver", "the old kit has a driver that this kit has not",
+    {FleetState::Loses, FleetMark::Bad, "loses", "Loses a driver", "this kit has no driver where the old kit has one",
      "loses a driver", "lose a driver"},
     {FleetState::BreaksOff, FleetMark::Bad, "breaks-off", "Run breaks off",
-     "the run ends with a fault before every device had its turn", "has a run that breaks off",
+     "the run ends with a fault before every adapter had its turn", "has a run that breaks off",
      "have a run that breaks off"},
     {FleetState::Lacks, FleetMark::Bad, "lacks", "Lacks a driver", "no INF file lists one of its adapters",
      "lacks a driver", "lack a driver"},
     {FleetState::Refused, FleetMark::Bad, "refused", "Refused", "the installer ends before it looks for drivers",
      "is refused by the installer", "are refused by the installer"},
     {FleetState::InDoubt, FleetMark::Doubtful, "in-doubt", "Result in doubt",
-     "every adapter gets a driver, but a result value may not say SUCCESS", "has a doubtful result",
-     "have a doubtful result"},
+     "all drivers, but a result value may not say SUCCESS", "has a doubtful result", "have a doubtful result"},
     {FleetState::Served, FleetMark::Good, "served", "All drivers", "every adapter gets a driver", {}, {}},
-    {FleetState::NoAdapter, FleetMark::None, "no-adapter", "No adapter", "no adapter that Morvix serves", {}, {}},
+    {FleetState::NoAdapter, FleetMark::None, "no-adapter", "No adapter", "nothing that Morvix serves", {}, {}},
 });
 static_assert(kStates.size() == kFleetStates);
 static_assert(std::ranges::is_sorted(kStates, {}, &StateRow::state));

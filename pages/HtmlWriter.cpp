@@ -73,7 +73,7 @@ HtmlWriter& HtmlWriter::Number(std::uint64_t number)
     return *this;
 }
 
-HtmlWriter& HtmlWriter::Attribute(Markup name, std::string_view value)
+HtmlWriter& HtmlWriter::Attribute(const Markup& name, std::string_view value)
 {
     m_out += ' ';
     m_out += name.Text();
@@ -86,10 +86,13 @@ HtmlWriter& HtmlWriter::Attribute(Markup name, std::string_view value)
 std::string Grouped(std::uint64_t number)
 {
     constexpr std::size_t kDigits = 3;
-    std::string text = std::to_string(number);
-    for (std::size_t at = text.size(); at > kDigits;) {
-        at -= kDigits;
-        text.insert(at, ",");
+    const std::string digits = std::to_string(number);
+    std::string text;
+    for (std::size_t at = 0; at < digits.size(); ++at) {
+        if (at != 0 && (digits.size() - at) % kDigits == 0) {
+            text += ',';
+        }
+        text += digits[at];
     }
     return text;
 }

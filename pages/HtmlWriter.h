@@ -11,7 +11,7 @@ class Markup
 {
 public:
     template <std::size_t Size>
-    // NOLINTNEXTLINE(google-explicit-constructor): a literal is markup without further words.
+    // cppcheck-suppress noExplicitConstructor ; a literal is markup without further words
     consteval Markup(const char (&literal)[Size]) : m_text(literal, Size - 1)
     {
     }
@@ -33,7 +33,7 @@ public:
     /// @param out  Must outlive the writer.
     explicit HtmlWriter(std::string& out) : m_out(out) {}
 
-    HtmlWriter& Put(Markup markup)
+    HtmlWriter& Put(const Markup& markup)
     {
         m_out += markup.Text();
         return *this;
@@ -46,7 +46,7 @@ public:
     /// Digits alone, for names and attributes.
     HtmlWriter& Number(std::uint64_t number);
     /// An attribute with a blank before it.
-    HtmlWriter& Attribute(Markup name, std::string_view value);
+    HtmlWriter& Attribute(const Markup& name, std::string_view value);
 
 private:
     std::string& m_out;

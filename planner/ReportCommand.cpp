@@ -90,5 +90,8 @@ ExitCode Run(const ReportCommand& command)
     report.Finish();
     output.Write(FleetPage(report, FactsOf(command, *kit)));
     output.Say(kit->Remarks());
+    if (oldKit) {
+        output.Say(oldKit->Remarks());
+    }
     return output.Finish(ExitCode::Clean);
 }
