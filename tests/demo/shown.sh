@@ -29,7 +29,7 @@ differs() {
     inf="$kit\\${inf//\//\\}"
     jq "$1" "$plan" >"$build_dir/docs/other-plan.json"
     agrees_with_plan "$plan" "$device" "$kit" "$inf" "$pass" || return 1
-    ! agrees_with_plan "$build_dir/docs/other-plan.json" "$device" "$kit" "$inf" "$pass"
+    ! agrees_with_plan "$build_dir/docs/other-plan.json" "$device" "$kit" "$inf" "$pass" >/dev/null
 }
 any_difference_counts() {
     differs '.machines[0].devices[0].match.pass = 3' && differs '.machines[0].devices[0].match.inf = "Drv/Win7x64/other.inf"' &&
