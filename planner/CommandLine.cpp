@@ -78,6 +78,7 @@ public:
         AddPlan();
         AddExplain();
         AddDiff();
+        AddReport();
     }
 
     Request Parse(int argc, const char* const* argv)
@@ -153,7 +154,7 @@ private:
 
     static void AddOutputOptions(CLI::App& app, OutputOptions& output)
     {
-        app.add_option("--output", output.file, "write there instead of standard output")->type_name("FILE");
+        app.add_option("-o,--output", output.file, "write there instead of standard output")->type_name("FILE");
         app.add_flag("--quiet", output.quiet, "no progress and no warnings, errors only");
     }
 
@@ -204,9 +205,23 @@ private:
         AddOutputOptions(app, m_diff.output);
     }
 
+    void AddReport()
+    {
+        CLI::App& app = AddCommand("report", "One page about the machines of a fleet, as HTML.",
+                                   "[options] KIT MACHINE...", m_report);
+        app.add_option("KIT", m_report.kit.folder)->required();
+        app.add_option("MACHINE", m_report.machines)->required();
+        app.add_option("--old", m_report.oldKit.folder, "say which machines lose a driver of this kit")
+            ->type_name("KIT");
+        AddWishes(app, m_report.wish);
+        AddKitOptions(app, {&m_report.kit, &m_report.oldKit});
+        AddOutputOptions(app, m_report.output);
+    }
+
     PlanCommand m_plan;
     ExplainCommand m_explain;
     DiffCommand m_diff;
+    ReportCommand m_report;
     Request m_request;
     CLI::App m_app;
 };

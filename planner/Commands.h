@@ -48,6 +48,16 @@ struct DiffCommand
     OutputOptions output;
 };
 
+struct ReportCommand
+{
+    KitOptions kit;
+    KitOptions oldKit; ///< without a folder nothing is compared
+    PlanWish wish;
+    std::vector<std::string> machines;
+    OutputOptions output;
+};
+
 [[nodiscard]] ExitCode Run(const PlanCommand& command);
 [[nodiscard]] ExitCode Run(const ExplainCommand& command);
 [[nodiscard]] ExitCode Run(const DiffCommand& command);
+[[nodiscard]] ExitCode Run(const ReportCommand& command);

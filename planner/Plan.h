@@ -23,6 +23,7 @@ struct JudgedInf
 {
     uint32_t inf = 0; ///< place in SearchOutcome::infs
     InfVerdict verdict = InfVerdict::NotListed;
+    bool operator==(const JudgedInf&) const = default;
 };
 
 struct PassNotes
@@ -30,6 +31,7 @@ struct PassNotes
     int number = 1;
     std::string searchId;
     std::vector<JudgedInf> judged;
+    bool operator==(const PassNotes&) const = default;
 };
 
 /// The line of an INF that lists a device.
@@ -44,6 +46,7 @@ struct Match
     std::string modelSection;
     std::string description;
     std::string driverVersion; ///< "DriverVer" of the INF as it is written there; empty when there is none
+    bool operator==(const Match&) const = default;
 };
 
 /// The value that the installer would write after an install, and what decides between success and failure.
@@ -53,6 +56,7 @@ struct Report
     std::string expects;                   ///< pattern in the system's driver directory, with its leading backslash
     std::optional<std::string> copiedFile; ///< the first file that the INF copies there and that fits
     bool copiesAreKnown = false;           ///< whether the INF's lists of copied files could be followed
+    bool operator==(const Report&) const = default;
 };
 
 /// The search for one device. It depends on the kit, the system, the options and the device's name alone, so machines
@@ -73,6 +77,7 @@ struct SearchOutcome
     SearchVerdict verdict = SearchVerdict::NoInf;
     int lastPass = 1;         ///< the pass that ended the search
     bool isDmaEngine = false; ///< the INF is that of the DMA engines
+    bool operator==(const SearchOutcome&) const = default;
 };
 
 /// What has gone to the driver store after a device of a run.

@@ -8,6 +8,7 @@ _morvix_kit() {
         [plan]="$common --require-driver --json --ndjson --trace"
         [explain]="$common --why-not"
         [diff]="$common --json"
+        [report]="$common --old"
     )
     COMPREPLY=()
     case $previous in
@@ -20,7 +21,7 @@ _morvix_kit() {
         --setup-dir | --map | --why-not) ;;
         *)
             if ((COMP_CWORD == 1)); then
-                mapfile -t COMPREPLY < <(compgen -W 'plan explain diff --help --version' -- "$current")
+                mapfile -t COMPREPLY < <(compgen -W 'plan explain diff report --help --version' -- "$current")
             elif [[ $current == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]-}" -- "$current")
             else

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The Debian packages that building and testing need, and how the missing ones are installed.
+# What building and testing need, nearly all of it Debian packages, and how what is missing is installed.
 # Sourced after common.sh.
 # shellcheck disable=SC2154
 
@@ -32,7 +32,11 @@ packages=(
     ansible ansible-lint jq libxml2-utils
     # the diagrams of the documents, and the plot of the benchmark
     graphviz gnuplot-nox
+    # the browser that pages are tested in, and the reader of what it prints
+    chromium-headless-shell poppler-utils
 )
+# Some distributions' nodejs brings npm itself and does not go together with Debian's package of it.
+command -v npm >/dev/null || packages+=(npm)
 
 # Fills `missing` with the packages that are not installed.
 find_missing_packages() {
@@ -92,4 +96,20 @@ install_missing_packages() {
     fi
     find_missing_packages
     ((${#missing[@]} == 0)) || fail "still missing after the installation: ${missing[*]} (see $log)"
+}
+
+# What judges whether a page can be used by everybody comes from npm alone: one library, its bytes fixed by the lock file.
+install_page_checks() {
+    local folder=$build_dir/page-checks wanted=$repo/tests/pages log=$build_dir/setup.log
+    if [[ -s $folder/node_modules/axe-core/axe.min.js ]] && cmp -s "$wanted/package-lock.json" "$folder/package-lock.json"; then
+        return 0
+    fi
+    rm -rf -- "$folder"
+    mkdir -p -- "$folder"
+    cp -- "$wanted"/package{,-lock}.json "$folder/"
+    if ! (cd -- "$folder" && npm ci --cache "$folder/cache" --ignore-scripts --no-audit --no-fund) >"$log" 2>&1 </dev/null; then
+        rm -rf -- "$folder"
+        fail "npm could not install what pages are checked with: $(grep -m 1 -iE 'err' "$log") (see $log)"
+    fi
+    rm -rf -- "$folder/cache"
 }

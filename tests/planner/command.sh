@@ -64,7 +64,7 @@ write_export fleet/C.reg 5.2 WinNT "$gigabit_card"
 # --- help ------------------------------------------------------------------------------------------------------------
 fits_a_screen() {
     local command
-    for command in '' plan explain diff; do
+    for command in '' plan explain diff report; do
         # shellcheck disable=SC2086
         ends_with 0 $command --help || return 1
         [[ $(wc -l <out) -le 23 && $(wc -L <out) -le 80 && ! -s err ]] || { cat out; return 1; }
@@ -80,7 +80,7 @@ options_of() {
 man_and_completions_agree() {
     local command option
     mandoc -T lint -W warning "$repo/planner/morvix-kit.1" || return 1
-    for command in plan explain diff; do
+    for command in plan explain diff report; do
         for option in $(options_of "$command"); do
             grep -qE "^\.It Fl -${option#--}( |\$)" "$repo/planner/morvix-kit.1" ||
                 { printf 'the man page lacks %s\n' "$option"; return 1; }
@@ -96,7 +96,7 @@ man_and_completions_agree() {
         ) || return 1
     done
     diff <(grep -oE '^\.It Fl -[a-z-]+' "$repo/planner/morvix-kit.1" | sed 's/.*Fl -/--/' | sort) \
-        <({ options_of plan; options_of explain; options_of diff; printf '%s\n' --version; } | sort -u)
+        <({ options_of plan; options_of explain; options_of diff; options_of report; printf '%s\n' --version; } | sort -u)
 }
 promise "man page and completions have the options of the help, and no others" man_and_completions_agree
 
@@ -144,6 +144,12 @@ output_goes_to_a_file() {
     ends_with 0 plan kit PC7.reg && cp out expected && ends_with 0 plan kit PC7.reg --output file && [[ ! -s out ]] && cmp expected file
 }
 promise "--output writes the same to a file" output_goes_to_a_file
+report_is_one_page() {
+    ends_with 0 report kit PC7.reg fleet -o page.html && [[ ! -s out && ! -s err ]] && grep -q 'Of 4 machines, 1 lacks a driver;' page.html &&
+        ends_with 0 report kit PC7.reg fleet && cmp out page.html && ends_with 0 report less fleet --old kit &&
+        grep -q 'Of 3 machines, 1 loses a driver and 1 lacks a driver;' out
+}
+promise "report writes one page, and with --old says who loses a driver" report_is_one_page
 # on_terminal ARGUMENT...: leaves in ./screen what the program prints on a terminal.
 on_terminal() { TERM=xterm run_limited 120 script -qec "$(printf '%q ' "$program" "$@")" screen >/dev/null </dev/null; }
 colours_are_for_terminals() {
@@ -185,8 +191,14 @@ broken_machines_are_named() {
     done
     [[ $(jq -r 'select(.machines[].outcome == "ok") | 1' out | wc -l) == 100 ]]
 }
+report_names_broken_machines() {
+    ends_with 3 report kit broken nothing.reg -o page.html && grep -q 'Of 104 machines, 4 could not be read;' page.html &&
+        grep -q '<code>broken/cut.reg</code>' page.html && grep -q '<code>nothing.reg</code>' page.html && grep -q 'nothing.reg' err &&
+        ends_with 2 report kit fleet --old nokit && says 'nokit: no such folder'
+}
 promise "three broken machines among many are named on standard error, the others answered, exit code 3" broken_machines_are_named
 missing_machines_are_named() { ends_with 3 plan kit nothing.reg PC7.reg && grep -q 'nothing.reg' err && grep -q ngea63x64.inf out; }
+promise "report names the machines that it could not read, and ends with 3" report_names_broken_machines
 promise "a machine that is not there is named, the others answered" missing_machines_are_named
 control_characters_stay_out() {
     write_export hostile.reg 6.2 WinNT $'VEN_5D1A&DEV_1\e]0;owned\a\e[2J&REV_01'
