@@ -12,21 +12,22 @@
 #include "RegistryTree.h"
 #include "WantedKeys.h"
 
-/// Reads a registry export block by block and keeps the keys that a description of a machine needs. Its own damage is
-/// reported and skipped; what is whole is read.
+/// Reads a registry export block by block and keeps the keys that a description of a machine needs. Damaged
+/// parts are reported and skipped; the rest is read.
 class ExportReader
 {
 public:
     /// @param source     Name of the file for the diagnostics.
     /// @param mostBytes  How much is kept; what comes after that is left out.
     explicit ExportReader(std::string source, std::size_t mostBytes = RegistryTree::kMostBytes);
+    ~ExportReader() = default;
     ExportReader(const ExportReader&) = delete;
     ExportReader& operator=(const ExportReader&) = delete;
 
     void Feed(std::string_view bytes);
     void Finish();
 
-    /// @return true when the file is no export; reading on is of no use.
+    /// @return true when the file is not an export; reading further is pointless.
     [[nodiscard]] bool IsRefused() const { return m_isRefused; }
     [[nodiscard]] const RegistryTree& Tree() const { return m_tree; }
     [[nodiscard]] const std::vector<Diagnostic>& Diagnostics() const { return m_diagnostics; }
@@ -58,7 +59,7 @@ private:
     bool m_sawHeader = false;
     bool m_wideHex = true;
 
-    // The key whose values are read; null while keys are skipped that are not needed.
+    // The key whose values are read; null while unneeded keys are skipped.
     RegistryKey* m_key = nullptr;
     const WantedKey* m_wanted = nullptr;
     std::u16string m_valueName;

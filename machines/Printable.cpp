@@ -7,7 +7,7 @@
 #include "StoredText.h"
 
 namespace {
-constexpr std::size_t kMostBytes = 200;
+constexpr std::size_t kMostShownBytes = 200;
 
 void AppendEscape(std::string& text, unsigned char byte)
 {
@@ -49,7 +49,7 @@ std::string Printable(std::string_view text)
 {
     std::string printable;
     while (!text.empty()) {
-        if (printable.size() > kMostBytes) {
+        if (printable.size() > kMostShownBytes) {
             return printable + "...";
         }
         const std::size_t length = CharacterLength(text);
@@ -73,5 +73,5 @@ std::string Printable(std::string_view text)
 
 std::string Printable(std::u16string_view text)
 {
-    return Printable(ToUtf8(text.substr(0, kMostBytes + 1)));
+    return Printable(ToUtf8(text.substr(0, kMostShownBytes + 1)));
 }

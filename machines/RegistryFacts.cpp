@@ -50,9 +50,9 @@ std::optional<VersionNumbers> VersionIn(std::string_view text)
 }
 
 template <class T>
-Fact<T> Unknown(std::string why)
+Fact<T> Unknown(const std::string& why)
 {
-    return {.value = std::nullopt, .from = std::move(why)};
+    return {.value = std::nullopt, .from = why};
 }
 
 std::string NotUnderstood(const Fact<std::string>& text)

@@ -48,6 +48,7 @@ void CheckFamily(const std::string& name)
 {
     if (!FindServedFamily(name)) {
         std::vector<std::string> names;
+        names.reserve(kServedFamilies.size());
         for (const ServedFamily& family : kServedFamilies) {
             names.push_back("\"" + std::string(family.name) + "\"");
         }

@@ -4,18 +4,9 @@
 #include <optional>
 
 #include "EqualsIgnoringCase.h"
+#include "Trimmed.h"
 
 namespace {
-std::string_view Trimmed(std::string_view text)
-{
-    constexpr std::string_view kAround = " \t\"";
-    const std::size_t first = text.find_first_not_of(kAround);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kAround) - first + 1);
-}
-
 std::string_view WithoutComment(std::string_view text)
 {
     return text.substr(0, text.find(';'));

@@ -18,9 +18,10 @@ struct SearchTerms
     OSCode system = osUNSUPPORTED;
     std::string family;
     uint32_t codePage = 0; ///< of the machine's 8-bit calls
-    bool scanAll = false;  ///< excluded INF files are searched all the same
+    bool scanAll = false;  ///< excluded INF files are searched too
 
-    friend auto operator<=>(const SearchTerms&, const SearchTerms&) = default;
+    // The comparison with 0 that the checker finds is the compiler's.
+    friend auto operator<=>(const SearchTerms&, const SearchTerms&) = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// The two texts that a search writes, and the search that writes to them.
@@ -29,6 +30,7 @@ class KitQuestion
 public:
     /// @param stored  File names that went to the driver store in this run.
     KitQuestion(FolderKitSource& source, SearchLog& log, const SearchTerms& terms, std::vector<std::string>& stored);
+    ~KitQuestion() = default;
     KitQuestion(const KitQuestion&) = delete;
     KitQuestion& operator=(const KitQuestion&) = delete;
 

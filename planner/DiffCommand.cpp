@@ -5,7 +5,7 @@
 #include "Sources.h"
 
 namespace {
-struct Answer
+struct MachineDifference
 {
     MachineDiff diff;
     std::vector<Diagnostic> diagnostics;
@@ -33,14 +33,14 @@ ExitCode Run(const DiffCommand& command)
     DiffSummary summary;
     std::size_t done = 0;
     output.Write(command.json ? DiffJsonHead(*oldKit, *newKit) : std::string());
-    DoInOrder<Answer>(
+    DoInOrder<MachineDifference>(
         machines.sources.size(),
         [&](std::size_t index) {
             const Machine machine = ReadMachine(machines.sources[index]);
             const MachinePlan old = before.Plan(machine);
-            return Answer{.diff = DiffOf(old, after.Plan(machine)), .diagnostics = old.diagnostics};
+            return MachineDifference{.diff = DiffOf(old, after.Plan(machine)), .diagnostics = old.diagnostics};
         },
-        [&](Answer&& answer) {
+        [&](MachineDifference&& answer) {
             const std::string text =
                 command.json ? (done == 0 ? "" : ",") + DiffJsonMachine(answer.diff, oldKit->Paths(), newKit->Paths())
                              : DiffText(answer.diff, oldKit->Paths(), newKit->Paths(), output.Style());

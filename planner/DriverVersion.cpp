@@ -4,17 +4,9 @@
 #include <cstddef>
 #include <limits>
 
-namespace {
-std::string_view Trimmed(std::string_view text)
-{
-    constexpr std::string_view kBlanks = " \t\"";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+#include "Trimmed.h"
 
+namespace {
 /// @return the numbers between the separators; no value when something else is there or there are too many.
 template <std::size_t Most>
 std::optional<std::array<uint32_t, Most>> NumbersIn(std::string_view text, char separator, std::size_t least)

@@ -34,6 +34,7 @@ public:
     [[nodiscard]] std::string Names(const std::vector<std::string>& paths) const
     {
         std::vector<std::string> names;
+        names.reserve(paths.size());
         for (const std::string& path : paths) {
             names.push_back(Name(path));
         }
@@ -51,6 +52,7 @@ private:
 std::string AllPrintable(const std::vector<std::string>& texts)
 {
     std::vector<std::string> shown;
+    shown.reserve(texts.size());
     for (const std::string& text : texts) {
         shown.push_back("\"" + Printable(text) + "\"");
     }

@@ -57,7 +57,7 @@ private:
 };
 
 /// A kit in a folder of this machine, as an installer in it would see it. Every file and folder is read once, when it
-/// is asked for first, and kept; the object serves any number of threads.
+/// is first asked for, and kept. Any number of threads may use the object.
 class KitFolder
 {
 public:
@@ -68,6 +68,7 @@ public:
         std::vector<FolderMap> maps;
     };
     KitFolder(Place place, ProfileDialect dialect);
+    ~KitFolder() = default;
     KitFolder(const KitFolder&) = delete;
     KitFolder& operator=(const KitFolder&) = delete;
 

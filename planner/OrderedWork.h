@@ -56,7 +56,7 @@ public:
         if (m_failure != nullptr) {
             std::rethrow_exception(m_failure);
         }
-        Answer answer = *std::move(slot);
+        Answer answer = std::move(*slot);
         slot.reset();
         ++m_taken;
         m_changed.notify_all();

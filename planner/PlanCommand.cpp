@@ -8,7 +8,7 @@
 
 namespace {
 /// One machine's answer.
-struct Answer
+struct PlannedMachine
 {
     std::string text;
     std::vector<Diagnostic> diagnostics;
@@ -52,9 +52,9 @@ public:
         return m_command.format == PlanFormat::Json ? PlanJsonTail() + "\n" : std::string();
     }
 
-    [[nodiscard]] Answer AnswerFor(const Machine& machine) const
+    [[nodiscard]] PlannedMachine AnswerFor(const Machine& machine) const
     {
-        Answer answer;
+        PlannedMachine answer;
         std::string trace;
         const MachinePlan plan = m_planner.Plan(machine, m_command.format == PlanFormat::Trace ? &trace : nullptr);
         answer.lacksDriver = LacksDriver(plan);
@@ -110,9 +110,9 @@ ExitCode Run(const PlanCommand& command)
     bool lacksDriver = false;
     std::size_t done = 0;
     output.Write(printer.Head());
-    DoInOrder<Answer>(
+    DoInOrder<PlannedMachine>(
         count, [&](std::size_t index) { return printer.AnswerFor(ReadMachine(machines.sources[index])); },
-        [&](Answer&& answer) {
+        [&](PlannedMachine&& answer) {
             if (done != 0) {
                 output.Write(printer.Between());
             }

@@ -48,7 +48,7 @@ std::vector<std::string> SearchedFiles(FolderKitSource& source, const SearchOutc
     return files;
 }
 
-/// @return a file of the kit that is meant and is in none of the searched folders.
+/// @return the file of that name when it is in the kit but in none of the searched folders.
 std::optional<std::string> FindElsewhere(const KitFolder& kit, const std::string& asked)
 {
     std::error_code error;
@@ -243,6 +243,7 @@ std::string WhyNot(const MachinePlan& plan, const DevicePlan& device, std::strin
     }
     if (fitting.size() > 1) {
         std::vector<std::string> names;
+        names.reserve(fitting.size());
         for (const std::string& path : fitting) {
             names.push_back(Printable(paths.NameOf(path)));
         }

@@ -225,7 +225,8 @@ std::optional<Profile::Entry> Profile::FindEntry(std::string_view section, std::
 /// Slots for `count` names, at most half of them used. The number of slots is a power of two.
 std::vector<uint32_t> Profile::EmptySlots(std::size_t count)
 {
-    return std::vector<uint32_t>(std::bit_ceil(count * 2 + 1), kNone);
+    std::vector<uint32_t> slots(std::bit_ceil(count * 2 + 1), kNone);
+    return slots;
 }
 
 void Profile::AddSectionToIndex(std::size_t section)
@@ -271,7 +272,7 @@ std::size_t Profile::HashOf(std::string_view name, std::size_t seed) const
 {
     std::size_t hash = seed;
     for (const char c : name) {
-        // Bytes beyond ASCII, and bytes that end a pair, may or may not be letters: they do not take part.
+        // Bytes beyond ASCII, and bytes that end a pair, may or may not be letters: they are left out.
         const auto byte = static_cast<unsigned char>(c);
         const bool upper = byte >= 'A' && byte <= 'Z';
         hash = (hash ^ (byte < 0x80 ? byte + (upper ? 0x20U : 0U) : 0x80U)) * kHashFactor;
