@@ -84,7 +84,7 @@ struct SearchOutcome
 struct StoreState
 {
     /// As the installer remembers them in this run. Devices for which nothing is stored share the list of the device
-    /// before.
+    /// before. Null in a plan that is traced.
     std::shared_ptr<const std::vector<std::string>> all;
     std::vector<std::string> now; ///< INF file names that go there for this device, in order
 };

@@ -206,6 +206,7 @@ TEST(Export, ReadsEveryKindOfValueAsAnEightBitCallReturnsIt)
         {"hex(7):", 7, ""},
         {Hex(3, std::string("a\0b\0", 4)), 3, std::string("a\0b\0", 4)},
         {"HEX:0A,fF , 1;x", 3, "\x0A\xFF\x01"},
+        {"hex:0a,0B,1,0c, 0d ,0e,0f,", 3, "\x0A\x0B\x01\x0C\x0D\x0E\x0F"},
         {"hex:01,\\ \r\n  02,\\\r\n\t03", 3, "\x01\x02\x03"},
         {"dword:1", 4, std::string("\1\0\0\0", 4)},
         {"dword:DEADbeef", 4, "\xEF\xBE\xAD\xDE"},
@@ -222,6 +223,18 @@ TEST(Export, ReadsEveryKindOfValueAsAnEightBitCallReturnsIt)
         EXPECT_EQ((EightBitValue{row.type, row.bytes}), instance.compatibleIds.value_or(EightBitValue{99, "none"}))
             << row.data;
         EXPECT_EQ("after", TextIn(instance.setupClass.value_or(EightBitValue{}))) << row.data;
+    }
+}
+
+TEST(Export, CharactersWhoseLowByteIsADigitAreNoDigits)
+{
+    // U+0130 and U+0131.
+    for (const std::string digits : {"\xC4\xB0\xC4\xB1", "0\xC4\xB1",
+                                     "\xC4\xB0"
+                                     "1"}) {
+        const std::string text =
+            "\xEF\xBB\xBF" + kExportHeader + DeviceKey(kCardName, "1") + "\"CompatibleIDs\"=hex:" + digits + ",00\r\n";
+        EXPECT_EQ("PC7.reg:4: the value \"CompatibleIDs\" cannot be read; export it again\n", Remarks(ReadText(text)));
     }
 }
 

@@ -129,6 +129,18 @@ TEST_F(PlannerTest, EachInfThatQualifiesGoesToTheDriverStoreOncePerRunAndName)
     EXPECT_EQ(SearchVerdict::NoInf, plan.devices[2].search->verdict);
 }
 
+TEST_F(PlannerTest, DevicesForWhichNothingIsStoredShareTheListOfTheDeviceBefore)
+{
+    m_folder.Write("Morvix.ini", SetupIni(""));
+    m_folder.Write("Drv/a.inf", Inf({.ids = {kCard}}));
+    m_folder.Write("Drv/b.inf", Inf({.ids = {kOtherCard}}));
+    const MachinePlan plan = Plan(MachineWithCards({kCard, kCard, kOtherCard}));
+    ASSERT_EQ(3U, plan.devices.size());
+    EXPECT_EQ(plan.devices[0].store->all, plan.devices[1].store->all);
+    EXPECT_EQ("a.inf ", Names(*plan.devices[1].store->all));
+    EXPECT_EQ("a.inf b.inf ", Names(*plan.devices[2].store->all));
+}
+
 TEST_F(PlannerTest, ARunWithATraceStoresTheSame)
 {
     m_folder.Write("Morvix.ini", SetupIni("InfDir=More\r\n"));
