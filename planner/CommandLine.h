@@ -11,6 +11,6 @@ struct PrintedAnswer
     std::string text;
     ExitCode code = ExitCode::Clean; ///< Usage: the text says what is wrong and goes to standard error
 };
-using Request = std::variant<PlanCommand, ExplainCommand, DiffCommand, PrintedAnswer>;
+using Request = std::variant<PlanCommand, ExplainCommand, DiffCommand, CheckCommand, RulesCommand, PrintedAnswer>;
 
 [[nodiscard]] Request ParseCommandLine(int argc, const char* const* argv);
