@@ -27,7 +27,7 @@ std::vector<std::string> SystemsToCheck(KitReading& reading, const CheckWish& wi
 }
 } // namespace
 
-KitFindings CheckKit(KitFolder& kit, KitFolder* /*other*/, const CheckWish& wish)
+KitFindings CheckKit(KitFolder& kit, KitFolder* other, const CheckWish& wish)
 {
     KitReading reading(kit, wish.codePage);
     FindingList findings(kit);
@@ -41,11 +41,18 @@ KitFindings CheckKit(KitFolder& kit, KitFolder* /*other*/, const CheckWish& wish
             CheckSectionNames(check, on);
             CheckModelSections(check, on);
             CheckOrder(check, on);
+            CheckPackages(check, on);
+            CheckFileNames(check, on);
         }
     }
     CheckUnsearchedInfs(check);
     CheckUnnamedSections(check);
     CheckAcceptedDevices(check);
+    CheckStaleFiles(check);
+    if (other != nullptr) {
+        KitReading otherReading(*other, wish.codePage);
+        CheckReaders(check, otherReading);
+    }
     return {.systems = check.systems, .findings = findings.Sorted()};
 }
 

@@ -109,16 +109,16 @@ void WriteResult(JsonWriter& json, const Finding& finding, const std::string& fi
 }
 
 /// @return the places of the findings that are reported: all, or the worst of them, in their order.
-std::vector<std::size_t> ReportedFindings(const std::vector<Finding>& findings)
+std::vector<std::size_t> ReportedFindings(const std::vector<Finding>& findings, std::size_t most)
 {
     std::vector<std::size_t> places(findings.size());
     for (std::size_t place = 0; place < places.size(); ++place) {
         places[place] = place;
     }
-    if (places.size() > kMostSarifResults) {
+    if (places.size() > most) {
         std::ranges::stable_sort(places, std::ranges::greater{},
                                  [&findings](std::size_t place) { return RuleOf(findings[place]).severity; });
-        places.resize(kMostSarifResults);
+        places.resize(most);
         std::ranges::sort(places);
     }
     return places;
@@ -166,7 +166,8 @@ std::string FindingJson(const KitFindings& found, const KitFolder& kit, std::str
     return out;
 }
 
-std::string FindingSarif(const KitFindings& found, std::string_view version, const std::filesystem::path& root)
+std::string FindingSarif(const KitFindings& found, std::string_view version, const std::filesystem::path& root,
+                         std::size_t most)
 {
     std::string out;
     JsonWriter json(out);
@@ -186,7 +187,7 @@ std::string FindingSarif(const KitFindings& found, std::string_view version, con
     json.Key("columnKind").Text("utf16CodeUnits");
     json.Key("results").BeginArray();
     const std::vector<std::string> prints = FingerprintsOf(found.findings);
-    for (const std::size_t place : ReportedFindings(found.findings)) {
+    for (const std::size_t place : ReportedFindings(found.findings, most)) {
         WriteResult(json, found.findings[place], prints[place], root);
     }
     json.EndArray().EndObject().EndArray().EndObject();

@@ -20,6 +20,7 @@ inline constexpr std::size_t kMostSarifResults = 25000;
 /// @param version  Of this program.
 /// @param root     Folder that paths are relative to, such as a repository's; files outside of it are named below the
 ///                 kit.
+/// @param most     Of results.
 /// @return the findings as SARIF 2.1.0; when there are more than the most, the worst of them.
 [[nodiscard]] std::string FindingSarif(const KitFindings& found, std::string_view version,
-                                       const std::filesystem::path& root);
+                                       const std::filesystem::path& root, std::size_t most = kMostSarifResults);

@@ -124,8 +124,8 @@ std::string RulesDocument()
         "| ID | severity | finds |\n|---|---|---|\n";
     for (const Rule& rule : AllRules()) {
         const std::string id = IdOf(rule);
-        out += "| [" + id + "](#" + id + ") | " + std::string(NameOf(rule.severity)) + " | " + std::string(rule.name) +
-               " |\n";
+        out += "| [" + id + "](#mk" + std::to_string(rule.number) + ") | " + std::string(NameOf(rule.severity)) +
+               " | " + std::string(rule.name) + " |\n";
     }
     for (const Rule& rule : AllRules()) {
         const std::string id = IdOf(rule);

@@ -24,7 +24,7 @@ std::map<std::string, std::string> AllSectionNames(KitReading& reading)
 {
     std::map<std::string, std::string> names;
     for (const std::string& system : SystemSections()) {
-        for (const std::string& name : reading.On(system).sectionNames) {
+        for (const std::string& name : reading.IniOn(system).sectionNames) {
             if (!name.empty()) {
                 names.try_emplace(UpperAscii(name), name);
             }
@@ -64,7 +64,7 @@ std::vector<std::string> NamedDirectories(KitReading& reading)
 {
     std::vector<std::string> directories;
     for (const std::string& system : SystemSections()) {
-        const SystemReading& on = reading.On(system);
+        const SystemReading& on = reading.IniOn(system);
         for (const MarkedLine& marked : on.LinesWith(kDirectoryMarker)) {
             directories.push_back(reading.Resolve(on, marked.value));
         }
@@ -166,7 +166,7 @@ void CheckUnnamedSections(const KitCheck& check)
                 }
                 const std::vector<ModelEntry>& entries = met.inf->EntriesOf(section);
                 const auto only = std::ranges::find_if(entries, [&listed](const ModelEntry& entry) {
-                    return entry.ServesDevice() && !listed.contains(*entry.found);
+                    return entry.servesDevice && !listed.contains(*entry.found);
                 });
                 if (only != entries.end()) {
                     check.Add(205, met.inf->Path(), met.inf->PlaceOfSection(section),

@@ -7,11 +7,6 @@
 #include "InfModelLine.h"
 #include "SetupModels.h"
 
-bool ModelEntry::ServesDevice() const
-{
-    return found && IsOfAcceptedVendor(*found) && IsSearched(*found);
-}
-
 InfFacts::InfFacts(std::string path, FolderKitSource& source)
     : m_path(std::move(path)), m_source(source), m_text(source.File(m_path).Text()), m_setup(m_text)
 {
@@ -59,6 +54,7 @@ std::vector<ModelEntry> InfFacts::ReadEntries(const std::string& section) const
         model.isRead = number < read->LineCount();
         if (model.isRead && read->HasHardwareId(number)) {
             model.found = UpperAscii(read->HardwareId(number));
+            model.servesDevice = IsOfAcceptedVendor(*model.found) && IsSearched(*model.found);
         }
         if (line != lines.end() && line->section == *found && line->entry == index) {
             model.line = &*line;

@@ -28,8 +28,7 @@ struct ModelEntry
     {
         return line == nullptr ? std::string_view() : line->Field(0);
     }
-    /// @return true when the installer finds an ID of an accepted vendor here that a pass searches.
-    [[nodiscard]] bool ServesDevice() const;
+    bool servesDevice = false; ///< the installer finds an ID of an accepted vendor here that a pass searches
 };
 
 class InfFacts

@@ -1,6 +1,7 @@
 #include "KitReading.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "EqualsIgnoringCase.h"
 #include "InfDirectory.h"
@@ -13,6 +14,18 @@ namespace {
 constexpr std::size_t kFirstSectionBytes = 4096;
 /// An ID that no device has: files are judged by what does not depend on a device.
 const std::string kNoDevice = "-";
+
+/// Notices when a file goes to the driver store.
+class StoreWatch final : public SilentLog
+{
+public:
+    void Store(const std::string& /*infPath*/, const std::string& /*sourceDirectory*/) override { m_stored = true; }
+    /// @return whether one did since this was asked before.
+    bool Take() { return std::exchange(m_stored, false); }
+
+private:
+    bool m_stored = false;
+};
 
 bool LiesBelow(std::string_view path, std::string_view folder)
 {
@@ -79,7 +92,7 @@ SearchTerms KitReading::TermsOf(const PlannedSystem& system) const
     return {.system = system.code, .family = system.family, .codePage = m_codePage, .scanAll = false};
 }
 
-const SystemReading& KitReading::On(const std::string& section)
+SystemReading& KitReading::ReadingOf(const std::string& section)
 {
     const auto [found, isNew] = m_systems.try_emplace(section);
     SystemReading& reading = found->second;
@@ -87,6 +100,20 @@ const SystemReading& KitReading::On(const std::string& section)
         std::string problem;
         reading.system = ChooseSystem({}, {.section = section, .family = {}}, problem).value_or(PlannedSystem{});
         ReadIni(reading);
+    }
+    return reading;
+}
+
+const SystemReading& KitReading::IniOn(const std::string& section)
+{
+    return ReadingOf(section);
+}
+
+const SystemReading& KitReading::On(const std::string& section)
+{
+    SystemReading& reading = ReadingOf(section);
+    if (!reading.hasMetInfs) {
+        reading.hasMetInfs = true;
         MeetInfs(reading);
     }
     return reading;
@@ -118,9 +145,9 @@ void KitReading::ReadIni(SystemReading& reading)
 
 void KitReading::MeetInfs(SystemReading& reading)
 {
-    SilentLog silent;
+    StoreWatch watch;
     std::vector<std::string> stored;
-    const KitQuestion question(m_source, silent, TermsOf(reading.system), stored);
+    const KitQuestion question(m_source, watch, TermsOf(reading.system), stored);
     const InfSearchRules rules = ReadSearchRules(question.Search(), reading.excludes);
     std::vector<std::string> seen;
     for (std::size_t number = 0; number < reading.directories.size(); ++number) {
@@ -135,13 +162,12 @@ void KitReading::MeetInfs(SystemReading& reading)
             if (!m_source.File(path).Mark().opened) {
                 continue;
             }
-            const std::size_t before = stored.size();
             const InfVerdict verdict = JudgeInf(question.Search(), kNoDevice, entry.name, directory, rules);
             const bool qualifies = verdict == InfVerdict::NotListed || verdict == InfVerdict::ListsDevice;
             reading.infs.push_back({.inf = &Inf(path),
                                     .directory = number,
                                     .passedOver = qualifies ? std::nullopt : std::optional(verdict),
-                                    .isStored = stored.size() != before});
+                                    .isStored = watch.Take()});
         }
     }
 }

@@ -48,6 +48,7 @@ struct SystemReading
     std::vector<std::string> excludes;
     std::vector<std::string> sectionNames;
     std::vector<MetInf> infs; ///< in the order of the search, each file once
+    bool hasMetInfs = false;
 
     [[nodiscard]] bool HasSection() const { return place.line != 0; }
     [[nodiscard]] std::vector<MarkedLine> LinesWith(std::string_view marker) const;
@@ -69,6 +70,8 @@ public:
 
     /// @param section  Of Morvix.ini. Read when it is asked for first; valid as long as the object.
     [[nodiscard]] const SystemReading& On(const std::string& section);
+    /// The same without the INF files.
+    [[nodiscard]] const SystemReading& IniOn(const std::string& section);
     [[nodiscard]] InfFacts& Inf(const std::string& path);
 
     /// @return the directory of a line, made absolute as the installer does it.
@@ -83,6 +86,7 @@ public:
     [[nodiscard]] SearchTerms TermsOf(const PlannedSystem& system) const;
 
 private:
+    SystemReading& ReadingOf(const std::string& section);
     void ReadIni(SystemReading& reading);
     void MeetInfs(SystemReading& reading);
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <compare>
+#include <iterator>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -38,6 +39,12 @@ public:
 
     [[nodiscard]] const MetInf& MetOf(const Listing& listing) const { return m_on.infs[listing.met]; }
     [[nodiscard]] const std::unordered_map<std::string_view, std::vector<Listing>>& All() const { return m_all; }
+    /// @return the IDs of a device, without its sub-system, that have a revision.
+    [[nodiscard]] std::vector<std::string> RevisionsOf(const std::string& device) const
+    {
+        const auto found = m_revisions.find(device);
+        return found == m_revisions.end() ? std::vector<std::string>() : found->second;
+    }
     [[nodiscard]] const std::vector<Listing>* Of(const std::string& id) const
     {
         const auto found = m_all.find(id);
@@ -49,10 +56,13 @@ private:
     {
         for (const std::string& section : m_on.sectionNames) {
             for (const ModelEntry& entry : m_on.infs[place].inf->EntriesOf(section)) {
-                if (!entry.ServesDevice()) {
+                if (!entry.servesDevice) {
                     continue;
                 }
                 std::vector<Listing>& listings = m_all[*entry.found];
+                if (listings.empty() && entry.found->find("&SUBSYS") == std::string::npos) {
+                    AddRevision(*entry.found);
+                }
                 if (listings.empty() || listings.back().met != place) {
                     listings.push_back({.met = place, .entry = &entry});
                 }
@@ -60,8 +70,16 @@ private:
         }
     }
 
+    void AddRevision(const std::string& id)
+    {
+        if (const std::size_t revision = id.find("&REV"); revision != std::string::npos) {
+            m_revisions[id.substr(0, revision)].push_back(id);
+        }
+    }
+
     const SystemReading& m_on;
     std::unordered_map<std::string_view, std::vector<Listing>> m_all;
+    std::unordered_map<std::string, std::vector<std::string>> m_revisions;
 };
 
 bool IsOlder(const InfFacts& inf, const InfFacts& other)
@@ -132,8 +150,13 @@ void CheckShorterIds(const Listings& all, const std::string& id, const Listing& 
     for (int pass = kFirstSearchPass; pass <= kLastSearchPass; ++pass) {
         shorter.insert(PlanPass(id, pass).searchId);
     }
+    if (id.find("&SUBSYS") != std::string::npos && id.find("&REV") == std::string::npos) {
+        // A device with this sub-system can have any of these revisions, which are searched later.
+        std::ranges::copy(all.RevisionsOf(PlanPass(id, kLastSearchPass).searchId),
+                          std::inserter(shorter, shorter.end()));
+    }
     for (const std::string& general : shorter) {
-        const std::vector<Listing>* const listings = general.size() < id.size() ? all.Of(general) : nullptr;
+        const std::vector<Listing>* const listings = general != id ? all.Of(general) : nullptr;
         if (listings == nullptr || listings->front().met == winner.met) {
             continue;
         }
@@ -198,7 +221,7 @@ void CheckSectionsOfSetup(const KitCheck& check, const SystemReading& on, const 
             const bool isKnown = std::ranges::any_of(bySetup, [&](const std::vector<std::string>& sections) {
                 return IdsOfSetup(*met.inf, sections).contains(entry.found.value_or(std::string()));
             });
-            if (entry.ServesDevice() && !isKnown) {
+            if (entry.servesDevice && !isKnown) {
                 const std::vector<std::string>& taken = bySetup.front();
                 check.Add(405, met.inf->Path(), entry.place,
                           *entry.found + " is found in [" + section + "]; set-up takes " +

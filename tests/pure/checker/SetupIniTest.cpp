@@ -55,9 +55,12 @@ TEST(SetupIniRules, MissingSectionsAndNamesAreFound)
         {"names beyond 259 characters",
          {{"Morvix.ini", Ini("InfSectionName=Norda.NTamd64," + std::string(246, 'x') + ",y\nInfDir=Drv\n")}},
          {"MK104 Morvix.ini:2:16", "MK205 Morvix.ini:2:16"}},
-        {"names of 259 characters in quotation marks",
-         {{"Morvix.ini", Ini("InfSectionName=\"" + std::string(246, ',') + "Norda.NTamd64\"\nInfDir=Drv\n")}},
+        {"names of 258 characters in quotation marks",
+         {{"Morvix.ini", Ini("InfSectionName=\"" + std::string(245, ',') + "Norda.NTamd64\"\nInfDir=Drv\n")}},
          {}},
+        {"names of 259 characters in quotation marks, of which Wine loses one",
+         {{"Morvix.ini", Ini("InfSectionName=\"" + std::string(246, ',') + "Norda.NTamd64\"\nInfDir=Drv\n")}},
+         {"MK601 Morvix.ini:1:2"}},
     });
 }
 
