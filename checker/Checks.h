@@ -1,12 +1,18 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "FindingList.h"
 #include "KitReading.h"
 
 /// The groups of rules. Each looks at a kit on one system, or at the kit as a whole.
+
+[[nodiscard]] inline std::string InBrackets(std::string_view section)
+{
+    return "[" + std::string(section) + "]";
+}
 
 /// A kit that is being checked.
 struct KitCheck

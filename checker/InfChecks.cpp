@@ -13,11 +13,6 @@
 // The findings about INF files as a whole: whether they are searched, qualify, and have the sections that are named.
 
 namespace {
-std::string InBrackets(std::string_view name)
-{
-    return "[" + std::string(name) + "]";
-}
-
 /// @return the names of the model sections that Morvix.ini names for any system, as they are written, by their names in
 ///         upper case.
 std::map<std::string, std::string> AllSectionNames(KitReading& reading)

@@ -10,11 +10,6 @@
 // The findings about the lines of model sections.
 
 namespace {
-std::string InBrackets(std::string_view name)
-{
-    return "[" + std::string(name) + "]";
-}
-
 /// Later sections of the name, which set-up merges into the first.
 void CheckRepeatedSection(const KitCheck& check, InfFacts& inf, const std::string& section, const std::string& system)
 {
@@ -57,8 +52,7 @@ LineFinding JudgeFirstId(const ModelEntry& entry)
         return {.rule = 207, .what = id + " begins or ends after what is read of a line"};
     }
     if (entry.found != id) {
-        const std::string found = entry.found ? "as " + *entry.found : "not at all";
-        return {.rule = 304, .what = id + " is compared " + found};
+        return {.rule = 304, .what = id + (entry.found ? " is compared as " + *entry.found : " is not compared at all")};
     }
     if (!IsSearched(id)) {
         return {.rule = 303, .what = id + " is searched in no pass"};

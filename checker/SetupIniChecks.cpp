@@ -12,11 +12,6 @@
 namespace {
 constexpr std::string_view kSectionNamesKey = "InfSectionName";
 
-std::string InBrackets(std::string_view name)
-{
-    return "[" + std::string(name) + "]";
-}
-
 /// A key without the equals sign that its marker ends with.
 std::string_view KeyOf(std::string_view marker)
 {
