@@ -52,7 +52,8 @@ LineFinding JudgeFirstId(const ModelEntry& entry)
         return {.rule = 207, .what = id + " begins or ends after what is read of a line"};
     }
     if (entry.found != id) {
-        return {.rule = 304, .what = id + (entry.found ? " is compared as " + *entry.found : " is not compared at all")};
+        return {.rule = 304,
+                .what = id + (entry.found ? " is compared as " + *entry.found : " is not compared at all")};
     }
     if (!IsSearched(id)) {
         return {.rule = 303, .what = id + " is searched in no pass"};
