@@ -14,8 +14,6 @@ constexpr std::size_t kValueBytes = 260;
 constexpr std::size_t kFirstSectionBytes = 260;
 constexpr std::size_t kMostSectionBytes = 32767;
 constexpr std::size_t kExcludeSectionBytes = 1024;
-constexpr std::string_view kDirectoryMarker = "InfDir=";
-constexpr std::string_view kExcludeMarker = "InfExclude=";
 constexpr char kSectionFailed[] = "GetPrivateProfileSection() failed";
 constexpr bool kWithTrailingSlash = true;
 

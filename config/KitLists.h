@@ -1,12 +1,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KitSearch.h"
 
 /// What the setup INI "Morvix.ini" says: which directories hold the INF files of a system, which INF files to leave
 /// out, and which model sections count. Nothing here fails: what is missing reads as empty.
+
+/// What makes a line of a system's section name a directory or an INF file to leave out, wherever it is in the line.
+inline constexpr std::string_view kDirectoryMarker = "InfDir=";
+inline constexpr std::string_view kExcludeMarker = "InfExclude=";
 
 /// @return the full path of the setup INI of a program in `setupDir`.
 [[nodiscard]] std::string SetupIniIn(const std::string& setupDir);

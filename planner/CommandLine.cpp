@@ -1,6 +1,8 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -80,6 +82,8 @@ public:
         AddExplain();
         AddDiff();
         AddReport();
+        AddCheck();
+        AddRules();
     }
 
     Request Parse(int argc, const char* const* argv)
@@ -112,7 +116,7 @@ private:
         return app;
     }
 
-    static void AddKitOptions(CLI::App& app, const std::vector<KitOptions*>& kits)
+    static void AddPlaceOptions(CLI::App& app, const std::vector<KitOptions*>& kits)
     {
         const auto forEach = [kits](const auto& set) {
             for (KitOptions* const kit : kits) {
@@ -132,11 +136,18 @@ private:
                "where a folder of the machine is here")
             ->type_name("'D:\\=DIR'")
             ->allow_extra_args(false);
+    }
+
+    static void AddKitOptions(CLI::App& app, const std::vector<KitOptions*>& kits)
+    {
+        AddPlaceOptions(app, kits);
         app.add_option_function<std::string>(
                "--reader",
-               [forEach](const std::string& reader) {
+               [kits](const std::string& reader) {
                    const ProfileDialect dialect = DialectOf(reader);
-                   forEach([dialect](KitOptions& kit) { kit.reader = dialect; });
+                   for (KitOptions* const kit : kits) {
+                       kit->reader = dialect;
+                   }
                },
                "read INI files as windows does, or as wine does")
             ->type_name("WHICH");
@@ -219,10 +230,80 @@ private:
         AddOutputOptions(app, m_report.output);
     }
 
+    /// An option whose value is one of a few words.
+    template <class Value>
+    static void AddChoice(CLI::App& app, const char* name, Value& value,
+                          const std::vector<std::pair<std::string, Value>>& choices, const char* help)
+    {
+        app.add_option_function<std::string>(
+               name,
+               [name, &value, choices](const std::string& word) {
+                   const auto chosen =
+                       std::ranges::find(choices, word, [](const auto& choice) { return choice.first; });
+                   if (chosen == choices.end()) {
+                       std::vector<std::string> words;
+                       std::ranges::transform(choices, std::back_inserter(words),
+                                              [](const auto& choice) { return choice.first; });
+                       throw CLI::ValidationError(name, word + " is none of " + Joined(words));
+                   }
+                   value = chosen->second;
+               },
+               help)
+            ->type_name("WHICH");
+    }
+
+    void AddCheck()
+    {
+        CLI::App& app =
+            AddCommand("check", "Whether a kit is sound: what its users would run into.", "[options] KIT", m_check);
+        app.add_option("KIT", m_check.kit.folder)->required();
+        app.add_option_function<std::vector<std::string>>(
+               "--system",
+               [this](const std::vector<std::string>& sections) {
+                   for (const std::string& section : sections) {
+                       if (section == "all") {
+                           m_check.systems = SystemSections();
+                           return;
+                       }
+                       CheckSystem(section);
+                       m_check.systems.push_back(section);
+                   }
+               },
+               "check for this system, or for all")
+            ->type_name("SECTION|all")
+            ->allow_extra_args(false);
+        AddChoice<CheckReader>(
+            app, "--reader", m_check.reader,
+            {{"windows", CheckReader::Windows}, {"wine", CheckReader::Wine}, {"both", CheckReader::Both}},
+            "read INI files as windows, wine or both do");
+        AddPlaceOptions(app, {&m_check.kit});
+        AddChoice<CheckFormat>(
+            app, "--format", m_check.format,
+            {{"text", CheckFormat::Text}, {"json", CheckFormat::Json}, {"sarif", CheckFormat::Sarif}},
+            "text, json, or sarif (2.1.0)");
+        app.add_option("--baseline", m_check.baseline, "leave out the findings accepted there")->type_name("FILE");
+        app.add_option("--write-baseline", m_check.writeBaseline, "accept all findings of today")->type_name("FILE");
+        AddChoice<Severity>(app, "--fail-on", m_check.failOn,
+                            {{"error", Severity::Error}, {"warning", Severity::Warning}, {"note", Severity::Note}},
+                            "exit 1 from this severity on (error)");
+        AddOutputOptions(app, m_check.output);
+    }
+
+    void AddRules()
+    {
+        CLI::App& app =
+            AddCommand("rules", "The rules of check, or one of them with examples.", "[options] [ID]", m_rules);
+        app.add_option("ID", m_rules.id);
+        app.add_flag("--markdown", m_rules.markdown, "all rules as a document");
+        AddOutputOptions(app, m_rules.output);
+    }
+
     PlanCommand m_plan;
     ExplainCommand m_explain;
     DiffCommand m_diff;
     ReportCommand m_report;
+    CheckCommand m_check;
+    RulesCommand m_rules;
     Request m_request;
     CLI::App m_app;
 };

@@ -11,6 +11,7 @@ struct PrintedAnswer
     std::string text;
     ExitCode code = ExitCode::Clean; ///< Usage: the text says what is wrong and goes to standard error
 };
-using Request = std::variant<PlanCommand, ExplainCommand, DiffCommand, ReportCommand, PrintedAnswer>;
+using Request =
+    std::variant<PlanCommand, ExplainCommand, DiffCommand, ReportCommand, CheckCommand, RulesCommand, PrintedAnswer>;
 
 [[nodiscard]] Request ParseCommandLine(int argc, const char* const* argv);

@@ -57,7 +57,42 @@ struct ReportCommand
     OutputOptions output;
 };
 
+enum class CheckReader
+{
+    Windows,
+    Wine,
+    Both, ///< as Windows reads, and where Wine would read differently
+};
+
+enum class CheckFormat
+{
+    Text,
+    Json,
+    Sarif,
+};
+
+struct CheckCommand
+{
+    KitOptions kit;
+    std::vector<std::string> systems; ///< sections of Morvix.ini; empty: see CheckWish
+    CheckReader reader = CheckReader::Both;
+    CheckFormat format = CheckFormat::Text;
+    std::string baseline;      ///< file of accepted findings; empty for none
+    std::string writeBaseline; ///< where to write the findings as accepted ones; empty for nowhere
+    Severity failOn = Severity::Error;
+    OutputOptions output;
+};
+
+struct RulesCommand
+{
+    std::string id; ///< empty: all rules are listed
+    bool markdown = false;
+    OutputOptions output;
+};
+
 [[nodiscard]] ExitCode Run(const PlanCommand& command);
 [[nodiscard]] ExitCode Run(const ExplainCommand& command);
 [[nodiscard]] ExitCode Run(const DiffCommand& command);
 [[nodiscard]] ExitCode Run(const ReportCommand& command);
+[[nodiscard]] ExitCode Run(const CheckCommand& command);
+[[nodiscard]] ExitCode Run(const RulesCommand& command);

@@ -25,51 +25,62 @@ std::vector<std::string_view> PartsOf(std::string_view list)
     }
 }
 
-/// Hands every line of every section of the name to `use`: set-up merges sections of one name.
-/// @return false when there is no such section.
-template <class Use>
-bool ForEachLine(const Profile& inf, std::string_view sectionName, Use use)
-{
-    bool found = false;
-    for (std::size_t section = 0; section < inf.SectionCount(); ++section) {
-        if (!EqualsIgnoringCase(inf.SectionName(section), sectionName)) {
-            continue;
-        }
-        found = true;
-        for (std::size_t index = 0; index < inf.EntryCount(section); ++index) {
-            use(inf.EntryAt(section, index));
-        }
-    }
-    return found;
-}
-
 /// The parts that a system of the NT family tries after an install section's name, the first that exists wins.
 std::vector<std::string> Decorations(OSCode system)
 {
-    const std::string_view section = RowOf(system).sectionKey;
-    const std::string processor = section.ends_with("32E") ? "amd64" : section.ends_with("64") ? "ia64" : "x86";
-    return {".NT" + processor, ".NT", ""};
+    return {".NT" + std::string(ProcessorOf(system)), ".NT", ""};
 }
 
 /// @return the folder of the files of a list, as "DestinationDirs" gives it: a number and perhaps a folder below.
-std::string DestinationOf(const Profile& inf, std::string_view listName)
+std::string DestinationOf(const SetupInf& inf, std::string_view listName)
 {
-    std::string named;
-    std::string general;
-    ForEachLine(inf, "DestinationDirs", [&](const Profile::Entry& entry) {
-        if (!entry.value) {
-            return;
-        }
-        if (EqualsIgnoringCase(entry.name, listName)) {
-            named = WithoutComment(*entry.value);
-        } else if (EqualsIgnoringCase(entry.name, "DefaultDestDir")) {
-            general = WithoutComment(*entry.value);
-        }
-    });
-    return named.empty() ? general : named;
+    const SetupInf::Line* line = listName.empty() ? nullptr : inf.FindLine("DestinationDirs", listName);
+    if (line == nullptr || line->Field(0).empty()) {
+        line = inf.FindLine("DestinationDirs", "DefaultDestDir");
+    }
+    if (line == nullptr) {
+        return {};
+    }
+    const std::string_view below = line->Field(1);
+    return std::string(line->Field(0)) + (below.empty() ? "" : ",") + std::string(below);
 }
 
-bool IsDriverDirectory(std::string_view destination)
+void AddList(const SetupInf& inf, const SetupInf::Line& copies, std::string_view list, CopiedFiles& copied)
+{
+    if (list.starts_with('@')) {
+        const std::string name(list.substr(1));
+        copied.files.push_back(
+            {.name = name, .source = name, .destination = DestinationOf(inf, ""), .place = copies.place});
+        return;
+    }
+    const std::string destination = DestinationOf(inf, list);
+    for (const SetupInf::Line& line : inf.LinesOf(list)) {
+        if (const std::string_view name = line.Field(0); !name.empty()) {
+            const std::string_view source = line.Field(1).empty() ? name : line.Field(1);
+            copied.files.push_back({.name = std::string(name),
+                                    .source = std::string(source),
+                                    .destination = destination,
+                                    .place = line.place});
+        }
+    }
+}
+
+void AddSection(const SetupInf& inf, const std::string& section, CopiedFiles& copied)
+{
+    const std::vector<SetupInf::Line>& lines = inf.LinesOf(section);
+    copied.place = lines.empty() ? ProfilePlace() : lines.front().place;
+    for (const SetupInf::Line& line : lines) {
+        copied.namesOtherInfs |= EqualsIgnoringCase(line.key, "Include") || EqualsIgnoringCase(line.key, "Needs");
+        if (EqualsIgnoringCase(line.key, "CopyFiles")) {
+            for (const std::string& list : line.fields) {
+                AddList(inf, line, list, copied);
+            }
+        }
+    }
+}
+} // namespace
+
+bool CopiedFile::GoesToDriverDirectory() const
 {
     const std::vector<std::string_view> parts = PartsOf(destination);
     const std::string_view below = parts.size() > 1 ? parts[1] : std::string_view();
@@ -77,43 +88,39 @@ bool IsDriverDirectory(std::string_view destination)
            (parts[0] == "10" && EqualsIgnoringCase(below, R"(system32\drivers)"));
 }
 
-void AddList(const Profile& inf, std::string_view list, std::vector<std::string>& files)
+bool CopiedFile::StaysInDriverStore() const
 {
-    if (list.starts_with('@')) {
-        if (IsDriverDirectory(DestinationOf(inf, ""))) {
-            files.emplace_back(list.substr(1));
-        }
-        return;
-    }
-    if (!IsDriverDirectory(DestinationOf(inf, list))) {
-        return;
-    }
-    ForEachLine(inf, list, [&files](const Profile::Entry& entry) {
-        const std::string_view name = PartsOf(WithoutComment(entry.name)).front();
-        if (!name.empty()) {
-            files.emplace_back(name);
-        }
-    });
+    return PartsOf(destination).front() == "13";
 }
-} // namespace
 
-CopiedFiles FilesCopiedBy(const Profile& inf, std::string_view installSection, OSCode system)
+CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection, OSCode system)
 {
     CopiedFiles copied;
     for (const std::string& decoration : Decorations(system)) {
-        copied.known = ForEachLine(inf, std::string(installSection) + decoration, [&](const Profile::Entry& entry) {
-            if (!entry.value || !EqualsIgnoringCase(entry.name, "CopyFiles")) {
-                return;
-            }
-            for (const std::string_view list : PartsOf(WithoutComment(*entry.value))) {
-                AddList(inf, list, copied.inDriverDirectory);
-            }
-        });
+        const std::string section = std::string(installSection) + decoration;
+        copied.known = inf.HasSection(section);
         if (copied.known) {
+            AddSection(inf, section, copied);
             break;
         }
     }
+    for (const CopiedFile& file : copied.files) {
+        if (file.GoesToDriverDirectory()) {
+            copied.inDriverDirectory.push_back(file.name);
+        }
+    }
     return copied;
+}
+
+CopiedFiles FilesCopiedBy(const Profile& inf, std::string_view installSection, OSCode system)
+{
+    return FilesCopiedBy(SetupInf(inf), installSection, system);
+}
+
+std::string_view ProcessorOf(OSCode system)
+{
+    const std::string_view section = RowOf(system).sectionKey;
+    return section.ends_with("32E") ? "amd64" : section.ends_with("64") ? "ia64" : "x86";
 }
 
 std::string InstallSectionOf(std::string_view modelValue)

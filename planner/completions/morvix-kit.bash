@@ -9,11 +9,22 @@ _morvix_kit() {
         [explain]="$common --why-not"
         [diff]="$common --json"
         [report]="$common --old"
+        [check]='--system --reader --setup-dir --map --format --baseline --write-baseline --fail-on --output --quiet --help'
+        [rules]='--markdown --output --quiet --help'
     )
     COMPREPLY=()
     case $previous in
-        --system) mapfile -t COMPREPLY < <(compgen -W "$systems" -- "$current") ;;
-        --reader) mapfile -t COMPREPLY < <(compgen -W 'windows wine' -- "$current") ;;
+        --system)
+            [[ ${COMP_WORDS[1]} != check ]] || systems+=' all'
+            mapfile -t COMPREPLY < <(compgen -W "$systems" -- "$current")
+            ;;
+        --reader)
+            local readers='windows wine'
+            [[ ${COMP_WORDS[1]} != check ]] || readers+=' both'
+            mapfile -t COMPREPLY < <(compgen -W "$readers" -- "$current")
+            ;;
+        --format) mapfile -t COMPREPLY < <(compgen -W 'text json sarif' -- "$current") ;;
+        --fail-on) mapfile -t COMPREPLY < <(compgen -W 'error warning note' -- "$current") ;;
         --family)
             local IFS=$'\n'
             mapfile -t COMPREPLY < <(compgen -W $'Windows\\ Vista\nWindows\\ Whistler\nWindows\\ 2000\nWindows\\ 98\nWindows\\ Millenium' -- "$current")
@@ -21,7 +32,7 @@ _morvix_kit() {
         --setup-dir | --map | --why-not) ;;
         *)
             if ((COMP_CWORD == 1)); then
-                mapfile -t COMPREPLY < <(compgen -W 'plan explain diff report --help --version' -- "$current")
+                mapfile -t COMPREPLY < <(compgen -W 'plan explain diff report check rules --help --version' -- "$current")
             elif [[ $current == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]-}" -- "$current")
             else

@@ -24,6 +24,8 @@ packages=(
     nlohmann-json3-dev bsdutils
     # the checks of a release: a token in software, and schemas
     softhsm2 python3-jsonschema python3-yaml
+    # the check of the hook definition
+    pre-commit
     # checks of the sources
     clang-format clang-tidy cppcheck shellcheck gcovr python3
     # what judges and reports the test scripts

@@ -44,7 +44,9 @@ valid_json() { python3 -m json.tool "$1" >/dev/null; }
 
 # follows SCHEMA FILE: a document, or one on each line.
 follows() {
-    python3 - "$repo/docs/schemas/$1" "$2" <<'END'
+    local schema=$repo/docs/schemas/$1
+    [[ -e $schema ]] || schema=$tests/$1
+    python3 - "$schema" "$2" <<'END'
 import json, sys, jsonschema
 schema = json.load(open(sys.argv[1]))
 jsonschema.Draft202012Validator.check_schema(schema)
@@ -64,7 +66,7 @@ write_export fleet/C.reg 5.2 WinNT "$gigabit_card"
 # --- help ------------------------------------------------------------------------------------------------------------
 fits_a_screen() {
     local command
-    for command in '' plan explain diff report; do
+    for command in '' plan explain diff report check rules; do
         # shellcheck disable=SC2086
         ends_with 0 $command --help || return 1
         [[ $(wc -l <out) -le 23 && $(wc -L <out) -le 80 && ! -s err ]] || { cat out; return 1; }
@@ -80,7 +82,7 @@ options_of() {
 man_and_completions_agree() {
     local command option
     mandoc -T lint -W warning "$repo/planner/morvix-kit.1" || return 1
-    for command in plan explain diff report; do
+    for command in plan explain diff report check rules; do
         for option in $(options_of "$command"); do
             grep -qE "^\.It Fl -${option#--}( |\$)" "$repo/planner/morvix-kit.1" ||
                 { printf 'the man page lacks %s\n' "$option"; return 1; }
@@ -96,7 +98,7 @@ man_and_completions_agree() {
         ) || return 1
     done
     diff <(grep -oE '^\.It Fl -[a-z-]+' "$repo/planner/morvix-kit.1" | sed 's/.*Fl -/--/' | sort) \
-        <({ options_of plan; options_of explain; options_of diff; options_of report; printf '%s\n' --version; } | sort -u)
+        <({ options_of plan; options_of explain; options_of diff; options_of report; options_of check; options_of rules; printf '%s\n' --version; } | sort -u)
 }
 promise "man page and completions have the options of the help, and no others" man_and_completions_agree
 
@@ -175,6 +177,73 @@ trace_is_the_device_pass() {
         [[ $(tail -n 1 out) == 'Morvix: ************ finished enumerating registry for devices' ]]
 }
 promise "--trace is the device pass from its first to its last line" trace_is_the_device_pass
+
+# --- check -----------------------------------------------------------------------------------------------------------
+# The drivers are built elsewhere; what they are named, the INF files say.
+cp -r -- kit kit-complete
+for inf in kit-complete/Drv/*/*.inf; do
+    sed -n 's/^ServiceBinary = %12%.\([a-z0-9.]*\).*/\1/p' "$inf" | while read -r driver; do printf x >"${inf%/*}/$driver"; done
+done
+cp -r -- kit checked
+sed -i 's/^InfDir=Drv.Win8x64/InfDir=..\\Drv\\Win8x64/' checked/Morvix.ini
+check_ends_by_severity() {
+    ends_with 1 check checked --system Win832E && grep -q 'error MK105' out && ends_with 0 check kit-complete --system Win832E &&
+        ends_with 1 check kit-complete --fail-on warning && ends_with 2 check kit --fail-on never &&
+        says 'error, warning, note' && ends_with 2 check kit --system Win95 && says Win732E && ends_with 2 check nokit &&
+        ends_with 2 check kit --format xml && says 'text, json, sarif' && ends_with 2 check kit --reader other
+}
+baseline_accepts() {
+    ends_with 1 check checked --write-baseline accepted.txt && ends_with 0 check checked --baseline accepted.txt --fail-on note &&
+        grep -q '^0 errors, 0 warnings, 0 notes, [1-9][0-9]* accepted before' out || return 1
+    sed -i '1i ; a line above' checked/Morvix.ini
+    ends_with 0 check checked --baseline accepted.txt --fail-on note && printf 'InfDir=.\\other\n' >>checked/Morvix.ini &&
+        ends_with 1 check checked --baseline accepted.txt && ends_with 2 check checked --baseline none.txt && says none.txt &&
+        printf 'x\n' >broken.txt && ends_with 2 check checked --baseline broken.txt && says 'line 1'
+}
+promise "check --baseline leaves out what was accepted, wherever its line has moved, and nothing else" baseline_accepts
+promise "check ends with 1 from the severity of --fail-on on" check_ends_by_severity
+check_formats() {
+    ends_with 1 check checked --format json && follows morvix-check-1.json out &&
+        ends_with 1 check checked --format sarif && follows sarif.json out &&
+        [[ $(jq '.runs[0] as $run | all($run.results[]; .ruleId == $run.tool.driver.rules[.ruleIndex].id)' out) == true ]] &&
+        [[ $(jq -r '.runs[0].results[] | select(.ruleId == "MK105") | .locations[].physicalLocation.artifactLocation.uri' out |
+            sort -u) == checked/Morvix.ini ]]
+}
+promise "check writes JSON by its schema, and of SARIF what services take" check_formats
+sample_kit_is_sound() {
+    ends_with 0 check kit-complete --baseline "$repo/kit/accepted-findings.txt" --fail-on note &&
+        grep -qx '0 errors, 0 warnings, 0 notes, 15 accepted before on 7 systems' out && [[ ! -s err ]]
+}
+promise "the sample kit has no findings but that it is not signed" sample_kit_is_sound
+rules_are_explained() {
+    ends_with 0 rules && [[ $(grep -c '^MK[1-9]' out) == 40 ]] && ends_with 0 rules mk102 && grep -q '518' out &&
+        ends_with 2 rules MK999 && says 'no rule' && ends_with 0 rules --markdown && cmp out "$repo/docs/RULES.md"
+}
+promise "rules lists all rules, explains one, and writes docs/RULES.md" rules_are_explained
+hooks_are_valid() {
+    pre-commit validate-manifest "$repo/.pre-commit-hooks.yaml" &&
+        sed 's/^- id/- name/' "$repo/.pre-commit-hooks.yaml" >hooks.yaml && ! pre-commit validate-manifest hooks.yaml >/dev/null 2>&1
+}
+promise "the hook definition is valid" hooks_are_valid
+# A workflow's linter is no Debian package: what is looked at is the form, and that the command line is one.
+workflow_is_one() {
+    local command
+    command=$(python3 - "$repo/docs/examples/check-kit.yml" <<'END'
+import sys, yaml
+flow = yaml.safe_load(open(sys.argv[1]))
+assert set(flow) == {"name", True, "permissions", "env", "jobs"}, flow.keys()
+for job in flow["jobs"].values():
+    assert set(job) == {"runs-on", "steps"}
+    for step in job["steps"]:
+        assert set(step) <= {"name", "if", "uses", "run", "with", "env"} and ("uses" in step) != ("run" in step), step
+        if step.get("run", "").startswith("./morvix-kit "):
+            print(step["run"].removeprefix("./morvix-kit "))
+END
+    ) || return 1
+    # shellcheck disable=SC2086
+    ends_with 1 $command && [[ -s morvix-kit.sarif ]] && follows sarif.json morvix-kit.sarif
+}
+promise "the example of a workflow has the form of one, and its command works" workflow_is_one
 
 # --- bad input -------------------------------------------------------------------------------------------------------
 broken_machines_are_named() {

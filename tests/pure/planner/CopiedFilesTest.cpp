@@ -47,6 +47,14 @@ TEST(CopiedFiles, OfSectionsWithOneNameAreMergedAsSetUpDoes)
     EXPECT_EQ("a.sys b.sys ", Copied("[Nic.ndi]\r\nCopyFiles=L\r\n[L]\r\na.sys\r\n[l]\r\nb.sys\r\n" + kToDrivers));
 }
 
+TEST(CopiedFiles, AreReadAsSetUpReadsThem)
+{
+    EXPECT_EQ("a.sys b.sys ", Copied("[Nic.ndi]\r\nCopyFiles = One, \\ ; goes on\r\n %Two%\r\n[One]\r\na.sys\r\n"
+                                     "[Two]\r\n\"b.sys\"\r\n[Strings]\r\nTwo = \"Two\"\r\n" +
+                                     kToDrivers));
+    EXPECT_EQ("a;b.sys ", Copied("[Nic.ndi]\r\nCopyFiles=One\r\n[One]\r\n\"a;b.sys\"\r\n" + kToDrivers));
+}
+
 TEST(CopiedFiles, FitAPatternWhateverTheLetterCase)
 {
     EXPECT_TRUE(FitsPattern("ngea63.SYS", "NGEA*.sys"));
