@@ -67,7 +67,7 @@ std::vector<MarkedLine> SystemReading::LinesWith(std::string_view marker) const
 {
     std::vector<MarkedLine> marked;
     for (const IniLine& line : lines) {
-        if (const auto value = ValueBehindLast(line.text, marker)) {
+        if (const auto value = ValueAfterLast(line.text, marker)) {
             marked.push_back({.line = &line, .value = std::string(*value)});
         }
     }

@@ -144,7 +144,7 @@ private:
     {
         for (const IniLine& line : m_on.lines) {
             for (const std::string_view marker : {kDirectoryMarker, kExcludeMarker}) {
-                const auto value = ValueBehindLast(line.text, marker);
+                const auto value = ValueAfterLast(line.text, marker);
                 if (value && line.text.size() != marker.size() + value->size()) {
                     Add(109, line.place, line.text + " counts as " + std::string(marker) + std::string(*value));
                 } else if (!value && EqualsIgnoringCase(line.name, KeyOf(marker))) {

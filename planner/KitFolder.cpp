@@ -210,7 +210,7 @@ std::vector<Diagnostic> KitFolder::Remarks() const
     return remarks;
 }
 
-const KitFile& FolderKitSource::File(const std::string& path)
+const KitFile& FolderKitSource::File(const std::string& path) const
 {
     if (m_lastFile == nullptr || path != m_lastPath) {
         m_lastFile = &m_folder.File(path, m_codePage);

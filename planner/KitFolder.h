@@ -142,13 +142,13 @@ public:
     [[nodiscard]] std::optional<FileStamp> StampOf(const std::string& file) override;
     [[nodiscard]] std::unique_ptr<InfListing> List(const std::string& directoryPath) override;
 
-    [[nodiscard]] const KitFile& File(const std::string& path);
+    [[nodiscard]] const KitFile& File(const std::string& path) const;
     [[nodiscard]] KitFolder& Folder() const { return m_folder; }
 
 private:
     KitFolder& m_folder;
     uint32_t m_codePage;
     // The file of the last question: a search asks each one several times in a row.
-    std::string m_lastPath;
-    const KitFile* m_lastFile = nullptr;
+    mutable std::string m_lastPath;
+    mutable const KitFile* m_lastFile = nullptr;
 };
