@@ -101,9 +101,9 @@ function(morvix_room_libraries suffix name)
   endif()
   set(flags morvix_flags)
   set(own_flags morvix_product)
-  # Test programs ask for the copies that they need.
+  # Test programs ask for the copies that they need, and fuzz targets for the rooms.
   set(on_request "")
-  if(suffix)
+  if(suffix OR MORVIX_FUZZ)
     set(on_request EXCLUDE_FROM_ALL)
   endif()
   if(suffix STREQUAL "_checked")
