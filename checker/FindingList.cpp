@@ -13,7 +13,7 @@ void FindingList::Add(int rule, const std::string& path, const ProfilePlace& pla
     if (isNew) {
         m_findings.push_back({.rule = rule,
                               .file = m_folder.Paths().NameOf(path),
-                              .here = m_folder.Paths().Find(path).value_or(std::filesystem::path()),
+                              .here = m_files.Find(path).value_or(std::filesystem::path()),
                               .line = line,
                               .column = column,
                               .what = what,

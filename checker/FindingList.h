@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "CheckKit.h"
+#include "FoundFiles.h"
 #include "Profile.h"
 
 /// Collects findings. One that several systems share is one finding.
 class FindingList
 {
 public:
-    explicit FindingList(KitFolder& folder) : m_folder(folder) {}
+    explicit FindingList(KitFolder& folder) : m_folder(folder), m_files(folder.Paths()) {}
 
     /// @param path    Of the file on the machine.
     /// @param place   Line 0 counts as the file's beginning.
@@ -26,6 +27,7 @@ public:
 
 private:
     KitFolder& m_folder;
+    FoundFiles m_files;
     std::vector<Finding> m_findings;
     std::map<std::tuple<int, std::string, uint32_t, uint32_t, std::string>, std::size_t> m_known;
 };

@@ -58,6 +58,7 @@ std::vector<ModelEntry> InfFacts::ReadEntries(const std::string& section) const
         }
         if (line != lines.end() && line->section == *found && line->entry == index) {
             model.line = &*line;
+            model.setupId = ComparedId(model.HardwareId());
         }
     }
     if (const std::size_t count = read->LineCount(); count != 0 && count < entries.size()) {

@@ -21,6 +21,7 @@ struct ModelEntry
     bool isRead = false;                  ///< it lies before the cut of a long section
     std::optional<std::string> found;     ///< the ID that the installer compares, in upper case
     const SetupInf::Line* line = nullptr; ///< the line of set-up that begins here; null within a continued one
+    std::string setupId;                  ///< the first ID of that line in the form that is compared
 
     /// @return the hardware ID as set-up reads it; empty when there is none.
     [[nodiscard]] std::string_view HardwareId() const { return line == nullptr ? std::string_view() : line->Field(1); }

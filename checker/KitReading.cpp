@@ -83,6 +83,7 @@ KitReading::KitReading(KitFolder& folder, uint32_t codePage)
     : m_folder(folder),
       m_codePage(codePage),
       m_source(folder, codePage),
+      m_files(folder.Paths()),
       m_setupIni(SetupIniIn(folder.Where().setupDir))
 {
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "FoundFiles.h"
 #include "InfFacts.h"
 #include "SystemChoice.h"
 
@@ -65,6 +66,7 @@ public:
 
     [[nodiscard]] KitFolder& Folder() { return m_folder; }
     [[nodiscard]] FolderKitSource& Source() { return m_source; }
+    [[nodiscard]] FoundFiles& Files() { return m_files; }
     [[nodiscard]] const std::string& SetupIni() const { return m_setupIni; }
     [[nodiscard]] const Profile& SetupIniText() const { return m_source.File(m_setupIni).Text(); }
 
@@ -93,6 +95,7 @@ private:
     KitFolder& m_folder;
     uint32_t m_codePage;
     FolderKitSource m_source;
+    FoundFiles m_files;
     std::string m_setupIni;
     std::map<std::string, SystemReading> m_systems;
     std::map<std::string, std::unique_ptr<InfFacts>> m_infs;

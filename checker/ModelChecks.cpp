@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <optional>
 #include <set>
+#include <unordered_set>
 
 #include "Checks.h"
 #include "EqualsIgnoringCase.h"
@@ -19,8 +21,11 @@ void CheckRepeatedSection(const KitCheck& check, InfFacts& inf, const std::strin
     };
     const std::optional<std::size_t> found = inf.Text().FindSection(section);
     for (const SetupInf::Line& line : inf.Setup().LinesOf(section)) {
+        if (line.section == found) {
+            continue;
+        }
         const std::string id = ComparedId(line.Field(1));
-        if (line.section != found && IsOfAcceptedVendor(id) && !isListed(id)) {
+        if (IsOfAcceptedVendor(id) && !isListed(id)) {
             check.Add(206, inf.Path(), inf.Text().SectionPlace(line.section),
                       "a second section " + InBrackets(section) + " lists " + id, system);
             return;
@@ -37,8 +42,11 @@ struct LineFinding
 
 LineFinding JudgeFirstId(const ModelEntry& entry)
 {
+    const std::string& id = entry.setupId;
+    if (entry.servesDevice && entry.found == id) {
+        return {};
+    }
     const std::string hardwareId(entry.HardwareId());
-    const std::string id = ComparedId(hardwareId);
     if (UpperAscii(hardwareId).starts_with("VEN_") && hardwareId.find('\\') == std::string::npos) {
         return {.rule = 302, .what = hardwareId + " has no bus"};
     }
@@ -64,16 +72,7 @@ LineFinding JudgeFirstId(const ModelEntry& entry)
 class LineChecks
 {
 public:
-    LineChecks(const KitCheck& check, const SystemReading& on) : m_check(check), m_on(on)
-    {
-        for (const MetInf& met : on.infs) {
-            for (const std::string& section : on.sectionNames) {
-                for (const ModelEntry& entry : SectionOf(met, section)) {
-                    m_found.insert(entry.found.value_or(std::string()));
-                }
-            }
-        }
-    }
+    LineChecks(const KitCheck& check, const SystemReading& on) : m_check(check), m_on(on) {}
 
     void Run()
     {
@@ -88,10 +87,30 @@ public:
     }
 
 private:
-    static const std::vector<ModelEntry>& SectionOf(const MetInf& met, const std::string& section)
+    /// @return all IDs that the installer compares on the system. Few kits have a line that asks for them.
+    [[nodiscard]] const std::unordered_set<std::string_view>& FoundIds()
     {
-        static const std::vector<ModelEntry> kNone;
-        return met.Qualifies() ? met.inf->EntriesOf(section) : kNone;
+        if (!m_found) {
+            m_found.emplace();
+            for (const MetInf& met : m_on.infs) {
+                for (const std::string& section : m_on.sectionNames) {
+                    AddFoundIds(met, section);
+                }
+            }
+        }
+        return *m_found;
+    }
+
+    void AddFoundIds(const MetInf& met, const std::string& section)
+    {
+        if (!met.Qualifies()) {
+            return;
+        }
+        for (const ModelEntry& entry : met.inf->EntriesOf(section)) {
+            if (entry.found) {
+                m_found->insert(*entry.found);
+            }
+        }
     }
 
     void Add(const InfFacts& inf, int rule, const ModelEntry& entry, const std::string& what) const
@@ -108,15 +127,14 @@ private:
                 continue;
             }
             if (!entry.isRead) {
-                const std::string id = ComparedId(entry.HardwareId());
-                if (!saidCut && IsOfAcceptedVendor(id)) {
-                    Add(inf, 207, entry, id + " lies after the cut of " + InBrackets(section));
+                if (!saidCut && IsOfAcceptedVendor(entry.setupId)) {
+                    Add(inf, 207, entry, entry.setupId + " lies after the cut of " + InBrackets(section));
                     saidCut = true;
                 }
                 continue;
             }
             const LineFinding finding = JudgeFirstId(entry);
-            if (finding.rule == 305 && !otherVendors.insert(ComparedId(entry.HardwareId()).substr(0, 8)).second) {
+            if (finding.rule == 305 && !otherVendors.insert(entry.setupId.substr(0, 8)).second) {
                 continue;
             }
             if (finding.rule != 0) {
@@ -126,12 +144,12 @@ private:
         }
     }
 
-    void CheckFollowingIds(const InfFacts& inf, const ModelEntry& entry) const
+    void CheckFollowingIds(const InfFacts& inf, const ModelEntry& entry)
     {
         const std::vector<std::string>& fields = entry.line->fields;
         for (std::size_t field = 2; field < fields.size(); ++field) {
             const std::string id = ComparedId(fields[field]);
-            if (IsOfAcceptedVendor(id) && IsSearched(id) && !m_found.contains(id)) {
+            if (IsOfAcceptedVendor(id) && IsSearched(id) && !FoundIds().contains(id)) {
                 Add(inf, 301, entry, id + " comes after another ID");
             }
         }
@@ -139,7 +157,7 @@ private:
 
     const KitCheck& m_check;
     const SystemReading& m_on;
-    std::set<std::string> m_found; ///< all IDs that the installer compares on the system
+    std::optional<std::unordered_set<std::string_view>> m_found; ///< when it was asked for
 };
 } // namespace
 

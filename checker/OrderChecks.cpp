@@ -2,6 +2,7 @@
 #include <compare>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <unordered_map>
 
@@ -187,9 +188,13 @@ void CheckSameNames(const KitCheck& check, const SystemReading& on)
     }
 }
 
-/// @return the IDs that set-up finds in the INF on one product of the system.
-std::set<std::string> IdsOfSetup(const InfFacts& inf, const std::vector<std::string>& sections)
+/// @return the IDs that set-up finds in the INF on any product of a system.
+std::set<std::string> IdsOfSetup(const InfFacts& inf, const std::vector<std::vector<std::string>>& sectionsByProduct)
 {
+    std::set<std::string> sections;
+    for (const std::vector<std::string>& ofProduct : sectionsByProduct) {
+        sections.insert(ofProduct.begin(), ofProduct.end());
+    }
     std::set<std::string> ids;
     for (const std::string& section : sections) {
         for (const SetupInf::Line& line : inf.Setup().LinesOf(section)) {
@@ -208,6 +213,7 @@ void CheckSectionsOfSetup(const KitCheck& check, const SystemReading& on, const 
     for (const SetupSystem& product : ProductsOf(on.system.code, on.system.facts)) {
         bySetup.push_back(SectionsOfSetup(met.inf->Setup(), product));
     }
+    std::optional<std::set<std::string>> ids;
     for (const std::string& section : on.sectionNames) {
         const auto takes = [&section](const std::vector<std::string>& sections) {
             return std::ranges::any_of(
@@ -217,11 +223,11 @@ void CheckSectionsOfSetup(const KitCheck& check, const SystemReading& on, const 
         if (entries.empty() || std::ranges::any_of(bySetup, takes)) {
             continue;
         }
+        if (!ids) {
+            ids = IdsOfSetup(*met.inf, bySetup);
+        }
         for (const ModelEntry& entry : entries) {
-            const bool isKnown = std::ranges::any_of(bySetup, [&](const std::vector<std::string>& sections) {
-                return IdsOfSetup(*met.inf, sections).contains(entry.found.value_or(std::string()));
-            });
-            if (entry.servesDevice && !isKnown) {
+            if (entry.servesDevice && !ids->contains(*entry.found)) {
                 const std::vector<std::string>& taken = bySetup.front();
                 check.Add(405, met.inf->Path(), entry.place,
                           *entry.found + " is found in [" + section + "]; set-up takes " +
@@ -260,8 +266,8 @@ void CheckAcceptedDevices(const KitCheck& check)
             const bool counts = met.Qualifies() || *met.passedOver == InfVerdict::Excluded;
             return counts && std::ranges::any_of(on.sectionNames, [&](const std::string& section) {
                        return std::ranges::any_of(met.inf->EntriesOf(section), [id](const ModelEntry& entry) {
-                           return entry.found &&
-                                  (*entry.found == id || entry.found->starts_with(std::string(id) + "&"));
+                           return entry.found && entry.found->starts_with(id) &&
+                                  (entry.found->size() == id.size() || (*entry.found)[id.size()] == '&');
                        });
                    });
         });

@@ -140,8 +140,8 @@ private:
         if (!compressed.empty()) {
             compressed.back() = '_';
         }
-        const MachinePaths& paths = m_check.reading.Folder().Paths();
-        return path.empty() || paths.Find(directory + std::string(path)) || paths.Find(directory + compressed);
+        FoundFiles& files = m_check.reading.Files();
+        return path.empty() || files.Find(directory + std::string(path)) || files.Find(directory + compressed);
     }
 
     void CheckSource(const CopiedFile& file) const

@@ -1,7 +1,9 @@
 #include <cstdlib>
 #include <ctime>
 #include <optional>
+#include <set>
 
+#include "CheckKit.h"
 #include "Commands.h"
 #include "Diff.h"
 #include "FleetPage.h"
@@ -28,15 +30,36 @@ std::optional<std::time_t> DateFromEnvironment()
     return *end == '\0' && seconds >= 0 ? std::optional(static_cast<std::time_t>(seconds)) : std::nullopt;
 }
 
-FleetPageFacts FactsOf(const ReportCommand& command, const KitFolder& kit)
+/// @return what a check of the kit finds for these systems.
+std::vector<FleetFinding> FindingsOf(KitFolder& kit, const std::set<std::string>& systems)
 {
+    if (systems.empty()) {
+        return {};
+    }
+    std::vector<FleetFinding> findings;
+    const CheckWish wish{.systems = {systems.begin(), systems.end()}};
+    for (const Finding& finding : CheckKit(kit, nullptr, wish).findings) {
+        const Rule& rule = RuleOf(finding);
+        findings.push_back({.id = IdOf(rule),
+                            .severity = rule.severity,
+                            .file = finding.file,
+                            .line = finding.line,
+                            .harm = std::string(rule.harm),
+                            .cure = std::string(rule.cure)});
+    }
+    return findings;
+}
+
+FleetPageFacts FactsOf(const ReportCommand& command, KitFolder& kit, const std::set<std::string>& systems)
+{
+    std::vector<FleetFinding> findings = FindingsOf(kit, systems);
     return {.kit = command.kit.folder,
             .oldKit = command.oldKit.folder,
             .setupDir = kit.Where().setupDir,
             .reader = kit.Dialect() == ProfileDialect::Wine ? "wine" : "windows",
             .date = DateFromEnvironment(),
             .kitRemarks = kit.Remarks(),
-            .findings = {}};
+            .findings = std::move(findings)};
 }
 } // namespace
 
@@ -67,6 +90,7 @@ ExitCode Run(const ReportCommand& command)
     if (compares) {
         before.emplace(*oldKit, command.wish);
     }
+    std::set<std::string> systems;
     std::size_t done = 0;
     DoInOrder<Answer>(
         machines.sources.size(),
@@ -80,6 +104,9 @@ ExitCode Run(const ReportCommand& command)
         },
         [&](Answer&& answer) {
             output.Say(answer.plan.diagnostics);
+            if (!answer.plan.system.section.empty()) {
+                systems.insert(answer.plan.system.section);
+            }
             if (answer.diff) {
                 report.Add(std::move(answer.plan), *answer.diff, oldKit->Paths());
             } else {
@@ -88,7 +115,7 @@ ExitCode Run(const ReportCommand& command)
             output.ShowProgress(++done, machines.sources.size());
         });
     report.Finish();
-    output.Write(FleetPage(report, FactsOf(command, *kit)));
+    output.Write(FleetPage(report, FactsOf(command, *kit, systems)));
     output.Say(kit->Remarks());
     if (oldKit) {
         output.Say(oldKit->Remarks());

@@ -215,6 +215,14 @@ sample_kit_is_sound() {
         grep -qx '0 errors, 0 warnings, 0 notes, 15 accepted before on 7 systems' out && [[ ! -s err ]]
 }
 promise "the sample kit has no findings but that it is not signed" sample_kit_is_sound
+# findings_on_page: the rules of the findings on the page in ./out.
+findings_on_page() { { grep -oE '<code>MK[0-9]+</code>' out || true; } | sort -u | tr -d '\n'; }
+report_shows_findings() {
+    ends_with 0 report checked PC7.reg && [[ $(findings_on_page) == *'<code>MK105</code>'* ]] &&
+        ends_with 0 report checked fleet/A.reg && [[ $(findings_on_page) != *'<code>MK105</code>'* ]] &&
+        ends_with 0 report kit-complete PC7.reg fleet && [[ $(findings_on_page) == '<code>MK505</code>' ]]
+}
+promise "report shows the findings of the kit for the machines' systems; of the sample kit, that it is not signed" report_shows_findings
 rules_are_explained() {
     ends_with 0 rules && [[ $(grep -c '^MK[1-9]' out) == 40 ]] && ends_with 0 rules mk102 && grep -q '518' out &&
         ends_with 2 rules MK999 && says 'no rule' && ends_with 0 rules --markdown && cmp out "$repo/docs/RULES.md"
