@@ -8,7 +8,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kStrings = "Strings";
 
-std::string_view Trimmed(std::string_view text)
+std::string_view WithoutBlanks(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(kBlanks);
     return first == std::string_view::npos ? std::string_view()
@@ -54,7 +54,7 @@ std::string TextOfEntry(const Profile::Entry& entry)
         text += '=';
         text += *entry.value;
     }
-    return std::string(Trimmed(std::string_view(text).substr(0, FindOutsideQuotes(text, ';'))));
+    return std::string(WithoutBlanks(std::string_view(text).substr(0, FindOutsideQuotes(text, ';'))));
 }
 
 /// @return true for a line that the next one belongs to.
@@ -148,9 +148,9 @@ std::vector<SetupInf::Line> SetupInf::ReadSection(std::size_t section) const
 SetupInf::Line SetupInf::Split(std::string_view text) const
 {
     Line line;
-    const auto plain = [this](std::string_view part) { return WithoutQuotes(Replaced(Trimmed(part))); };
+    const auto plain = [this](std::string_view part) { return WithoutQuotes(Replaced(WithoutBlanks(part))); };
     if (const std::size_t equals = FindOutsideQuotes(text, '='); equals != std::string_view::npos) {
-        line.key = WithoutQuotes(Trimmed(text.substr(0, equals)));
+        line.key = WithoutQuotes(WithoutBlanks(text.substr(0, equals)));
         text.remove_prefix(equals + 1);
     }
     for (;;) {
@@ -178,7 +178,7 @@ std::string SetupInf::Replaced(std::string_view text) const
         const auto found = name.empty() ? std::nullopt : m_text->FindEntry(kStrings, name);
         if (found && found->value) {
             const std::string_view value = *found->value;
-            replaced += Trimmed(value.substr(0, FindOutsideQuotes(value, ';')));
+            replaced += WithoutBlanks(value.substr(0, FindOutsideQuotes(value, ';')));
         } else {
             replaced += name.empty() ? std::string_view("%") : text.substr(start, end - start + 1);
         }

@@ -30,10 +30,9 @@ bool EndsWithPath(std::string_view path, std::string_view part)
 bool Contains(std::string_view text, std::string_view part)
 {
     // The ranges' own search does not compile with the fuzz targets' compiler.
-    const auto found = std::search(text.begin(), text.end(), part.begin(), part.end(), [](char a, char b) {
-        return EqualsIgnoringCase({&a, 1}, {&b, 1});
-    });
-    return found != text.end() || part.empty();
+    return part.empty() || std::search(text.begin(), text.end(), part.begin(), part.end(), [](char a, char b) {
+                               return EqualsIgnoringCase({&a, 1}, {&b, 1});
+                           }) != text.end();
 }
 
 /// The INF files of the searched folders, as full paths on the machine, in the order of the search.
