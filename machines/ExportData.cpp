@@ -22,13 +22,15 @@ constexpr std::optional<uint8_t> DigitOf(char16_t unit)
 }
 
 constexpr uint8_t kNoDigit = 0xFF;
-constexpr std::array kDigits = [] {
+constexpr std::array<uint8_t, 256> MakeDigits()
+{
     std::array<uint8_t, 256> digits{};
     for (std::size_t unit = 0; unit < digits.size(); ++unit) {
         digits[unit] = DigitOf(static_cast<char16_t>(unit)).value_or(kNoDigit);
     }
     return digits;
-}();
+}
+constexpr std::array kDigits = MakeDigits();
 
 /// @return the number of 1 to 8 hexadecimal digits; no value for anything else.
 std::optional<uint32_t> NumberOf(std::u16string_view digits)

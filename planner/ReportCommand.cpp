@@ -37,7 +37,7 @@ std::vector<FleetFinding> FindingsOf(KitFolder& kit, const std::set<std::string>
         return {};
     }
     std::vector<FleetFinding> findings;
-    const CheckWish wish{.systems = {systems.begin(), systems.end()}};
+    const CheckWish wish{.systems = std::vector<std::string>(systems.begin(), systems.end())};
     for (const Finding& finding : CheckKit(kit, nullptr, wish).findings) {
         const Rule& rule = RuleOf(finding);
         findings.push_back({.id = IdOf(rule),
