@@ -1,7 +1,7 @@
 #include "RuleTables.h"
 
 namespace {
-constexpr auto kRules = std::to_array<Rule>({
+constexpr auto kInfRules = std::to_array<Rule>({
     {
         .number = 201,
         .severity = Severity::Warning,
@@ -152,5 +152,5 @@ constexpr auto kRules = std::to_array<Rule>({
 
 std::span<const Rule> RulesOfInfs()
 {
-    return kRules;
+    return kInfRules;
 }

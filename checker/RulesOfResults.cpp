@@ -1,7 +1,7 @@
 #include "RuleTables.h"
 
 namespace {
-constexpr auto kRules = std::to_array<Rule>({
+constexpr auto kResultRules = std::to_array<Rule>({
     {
         .number = 401,
         .severity = Severity::Warning,
@@ -183,5 +183,5 @@ constexpr auto kRules = std::to_array<Rule>({
 
 std::span<const Rule> RulesOfResults()
 {
-    return kRules;
+    return kResultRules;
 }

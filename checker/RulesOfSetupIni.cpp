@@ -1,7 +1,7 @@
 #include "RuleTables.h"
 
 namespace {
-constexpr auto kRules = std::to_array<Rule>({
+constexpr auto kSetupIniRules = std::to_array<Rule>({
     {
         .number = 101,
         .severity = Severity::Error,
@@ -173,5 +173,5 @@ constexpr auto kRules = std::to_array<Rule>({
 
 std::span<const Rule> RulesOfSetupIni()
 {
-    return kRules;
+    return kSetupIniRules;
 }
