@@ -41,6 +41,8 @@ nothing_names_the_build_folder() { ! grep -rlaF -- "$repo" "$work/symbols" "$wor
 
 start_work release
 other=$build_dir/package-release-elsewhere/in/another/folder
+# A run of this test alone has not built it.
+run_limited 1500 "$repo/scripts/build" tool >"$work/tool.log" 2>&1 || fail "morvix-kit cannot be built (see $work/tool.log)"
 make_tool_packages "$build_dir/tool/planner/morvix-kit" "$build_dir/windows/planner/morvix-kit.exe" "$work/tool"
 make_release "$build_dir/windows" "$work/release" "$work/tool"/*
 promise "a release builds from the sources alone, in another folder" release_elsewhere
