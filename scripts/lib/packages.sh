@@ -111,7 +111,8 @@ install_page_checks() {
     cp -- "$wanted"/package{,-lock}.json "$folder/"
     if ! (cd -- "$folder" && npm ci --cache "$folder/cache" --ignore-scripts --no-audit --no-fund) >"$log" 2>&1 </dev/null; then
         rm -rf -- "$folder"
-        fail "npm could not install what pages are checked with: $(grep -m 1 -iE 'err' "$log") (see $log)"
+        say "npm could not install what pages are checked with, so that test will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
+        return 0
     fi
     rm -rf -- "$folder/cache"
 }
