@@ -322,7 +322,8 @@ def main(arguments):
         for mutation in read_mutations(Sources()):
             print(mutation.describe())
     elif arguments == ["suites"]:
-        print(*sorted(set(SUITES.values())))
+        tests = {test for mutation in read_mutations(Sources()) for test in mutation.tests}
+        print(*sorted({test.partition(":")[0] for test in tests if test.startswith(LANES["pure"])}))
     elif len(arguments) == 2 and arguments[0] == "apply":
         apply(pathlib.Path(arguments[1]))
     elif len(arguments) >= 4 and arguments[0] == "run" and arguments[3] in LANES:
