@@ -38,7 +38,6 @@ SUITES = {
     "devices": "pure_devices",
     "installer": "pure_installer",
     "installer/base": "pure_base",
-    "netinst": "pure_netinst",
     "packaging/actions": "pure_actions",
 }
 
