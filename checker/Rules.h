@@ -16,7 +16,7 @@ struct Rule
     std::string_view name; ///< a few words, for lists
     std::string_view harm; ///< what happens to the kit's users, one sentence
     std::string_view cure; ///< what its author does about it, one sentence
-    std::string_view why;  ///< the rule of the installer behind it
+    std::string_view why;  ///< what the installer does that makes it so
     std::string_view bad;  ///< lines of a kit that yield the finding; a text where lines cannot show it
     std::string_view good; ///< the same lines without it
 };

@@ -25,7 +25,7 @@ std::string DescriptionKeyOf(const KitSearch& search, const ModelSection& sectio
 {
     const std::size_t walked = match ? *match + 1 : section.LineCount();
     if (walked != 0) {
-        // Only the first bounded copy of a process has an effect: one step for a section stands for all its copies.
+        // Only the first bounded copy of a process has an effect, so one step for each section is enough.
         search.log.Reached(SearchStep::DescriptionCopied);
     }
     std::string key;

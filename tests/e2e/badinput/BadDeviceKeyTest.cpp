@@ -244,7 +244,7 @@ TEST_F(BadDevices, WithDamagedListsOfCompatibleIdsAreTakenOrLeftAndNoneHidesTheN
     const std::vector<Row> rows = {
         {REG_MULTI_SZ, Wide(kAccepted), true},                            // no terminator at all
         {REG_MULTI_SZ, terminated, true},                                 // not the list's own
-        {REG_MULTI_SZ, terminated + '\0', true},                          // an odd byte behind it
+        {REG_MULTI_SZ, terminated + '\0', true},                          // an odd byte after it
         {REG_MULTI_SZ, Wide(kAccepted).substr(0, 43), false},             // half a character is missing
         {REG_MULTI_SZ, "", false},                                        // nothing
         {REG_MULTI_SZ, std::string(1, 'P'), false},                       // one byte

@@ -120,7 +120,7 @@ TEST_F(FleetPageTest, APageAllowsItsOwnStyleAndScriptAndNothingElse)
     EXPECT_THAT(page, Not(HasSubstr(" style=")));
 }
 
-TEST_F(FleetPageTest, TheWayOfADeviceIsTold)
+TEST_F(FleetPageTest, TheWayOfADeviceIsShown)
 {
     m_report.Add(PlanOf("PC7", {Device(kCard, Found("a.inf"))}));
     const std::string page = Page();

@@ -73,13 +73,13 @@ struct TwoAdapters
 {
     TwoAdapters()
     {
-        library.Answer("Handle.\\DEVICE\\{A}", "11");
-        library.Answer("Handle.\\DEVICE\\{B}", "12");
+        hba.Answer("Handle.\\DEVICE\\{A}", "11");
+        hba.Answer("Handle.\\DEVICE\\{B}", "12");
     }
 
     const RegistryAdapter first{kFirst, "9001", "{A}"};
     const RegistryAdapter second{kSecond, "9002", "{B}"};
-    const LibraryDouble library = HbaLibrary();
+    const LibraryDouble hba = HbaLibrary();
 };
 
 /// What the library is asked about both.
@@ -130,24 +130,24 @@ TEST_F(FcoeBootPorts, RemoteBootAndRemotePageFileAreBootPortsAlsoWhenTheCallFail
 TEST_F(FcoeBootPorts, EveryAdapterIsAskedAlsoAfterABootPortAndAfterAFailure)
 {
     const TwoAdapters adapters;
-    adapters.library.Answer("Flags", "1");
+    adapters.hba.Answer("Flags", "1");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
-    EXPECT_EQ(adapters.library.TakeJournal(), QuestionsAboutBoth());
+    EXPECT_EQ(adapters.hba.TakeJournal(), QuestionsAboutBoth());
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kExit));
-    adapters.library.Answer("Flags", "0");
-    adapters.library.Answer("Status.NORDA_GetFCAndNICProperties", "1");
+    adapters.hba.Answer("Flags", "0");
+    adapters.hba.Answer("Status.NORDA_GetFCAndNICProperties", "1");
     EXPECT_FALSE(AreFCoEBootEnabledPortsPresent());
-    EXPECT_EQ(adapters.library.TakeJournal(), QuestionsAboutBoth());
+    EXPECT_EQ(adapters.hba.TakeJournal(), QuestionsAboutBoth());
     EXPECT_THAT(Messages(), ElementsAre(kEntry, kExhausted, kExit));
 }
 
 TEST_F(FcoeBootPorts, OneBootPortAmongOthersIsEnough)
 {
     const TwoAdapters adapters;
-    adapters.library.Answer("Flags.11", "2");
+    adapters.hba.Answer("Flags.11", "2");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
-    adapters.library.Answer("Flags.11", "0");
-    adapters.library.Answer("Flags.12", "1");
+    adapters.hba.Answer("Flags.11", "0");
+    adapters.hba.Answer("Flags.12", "1");
     EXPECT_TRUE(AreFCoEBootEnabledPortsPresent());
 }
 
