@@ -123,15 +123,15 @@ std::size_t ExportLines::TakeLines(std::string_view bytes, bool fileEnds)
         if (line.empty()) {
             return taken;
         }
-        const std::size_t mark = m_searched == 0 && !m_skipsRest ? FollowMark(line) : 0;
+        // A line has one mark, in whatever blocks it comes.
+        const std::size_t mark = m_isInLine ? 0 : FollowMark(line);
         LineEnd end;
         // Of a wide line the last bytes are searched again: an end may lie across the blocks.
         if (!FindEnd(line.substr(mark), m_searched, end)) {
-            if (mark != 0) {
-                taken += mark;
-            }
-            return taken;
+            m_isInLine = true;
+            return taken + mark;
         }
+        m_isInLine = false;
         m_searched = 0;
         Emit(line.substr(mark, end.length), false, end.isShifted);
         taken += mark + end.next;

@@ -68,6 +68,7 @@ private:
     std::string m_rest;         // the line that is not complete yet
     std::size_t m_searched = 0; // bytes of m_rest without an end of line
     std::size_t m_number = 0;
+    bool m_isInLine = false;  // its beginning was read, its end was not
     bool m_skipsRest = false; // of a line that was too long
     bool m_endsInsideCharacter = false;
 };

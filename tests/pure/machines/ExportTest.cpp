@@ -75,8 +75,8 @@ TEST(Export, IsTheSameInBlocksOfAnySize)
 {
     const std::string text = kExportHeader + Device(kCardName, kId) + "[" + kPciKey +
                              "\\X\\1]\n\"Class\"=\"a\r\nb\"\r\n" + "nonsense\r\n" + Device("VEN_1", "b");
-    for (const std::string& bytes :
-         {Utf16(text), text, Utf16(text) + Utf16(text), Utf16(text) + "REGEDIT4\r\n" + text}) {
+    for (const std::string& bytes : {Utf16(text), text, Utf16(text) + Utf16(text), Utf16(text) + "REGEDIT4\r\n" + text,
+                                     text + "\xEF\xBB\xBF\xFF\xFE;nonsense\r\n" + text}) {
         const std::string expected = Describe(ReadText(bytes));
         EXPECT_THAT(expected, HasSubstr("VEN_1"));
         for (const std::size_t size : {1U, 2U, 3U, 5U, 7U, 8U, 9U, 64U, 1001U}) {
