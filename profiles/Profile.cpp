@@ -28,6 +28,8 @@ std::string_view WithoutSpacesAtEnd(std::string_view text)
 }
 
 constexpr std::size_t kHashSeed = 0xCBF29CE484222325U;
+/// A hash table costs about as much as this many searches of the section, and most sections are asked for few names.
+constexpr uint32_t kQuestionsWithoutIndex = 6;
 constexpr std::size_t kHashFactor = 0x100000001B3U;
 } // namespace
 
@@ -39,7 +41,34 @@ Profile::Profile(std::string bytes, const CodePage& codePage, ProfileDialect dia
         throw std::length_error("a profile of more than 512 MB");
     }
     m_fileBytes = static_cast<uint32_t>(m_text.size());
-    ProfileParser(*this).Parse();
+    m_encoding = EncodingOf(m_text, m_rules);
+    if (IsSingleByte()) {
+        const SingleByteText text{m_text};
+        m_sections = ProfileParser(*this, text, nullptr).FindSections();
+        m_lines = std::make_unique<Lines[]>(m_sections.size());
+    } else {
+        ReadDecoded();
+    }
+    IndexSections();
+}
+
+/// What reads differently in the code page is added to the text, so everything is read before anybody can ask.
+void Profile::ReadDecoded()
+{
+    const DecodedText text = DecodeProfile(m_text, m_encoding, *m_codePage);
+    ProfileParser parser(*this, text, &m_text);
+    m_sections = parser.FindSections();
+    m_lines = std::make_unique<Lines[]>(m_sections.size());
+    for (std::size_t section = 0; section < m_sections.size(); ++section) {
+        std::call_once(m_lines[section].read, [&] { m_lines[section].lines = parser.ReadLines(m_sections[section]); });
+    }
+    std::call_once(m_lineStartsFound, [&] { m_lineStarts = parser.FindLineStarts(); });
+    m_text.shrink_to_fit();
+}
+
+bool Profile::IsSingleByte() const
+{
+    return m_encoding == ProfileEncoding::CodePage && m_codePage->IsSingleByte();
 }
 
 uint32_t Profile::ReadString(const char* section, const char* key, const char* defaultText,
@@ -187,9 +216,12 @@ bool Profile::IsListed(const Line& line) const
 
 std::span<const Profile::Line> Profile::LinesOf(std::size_t section) const
 {
-    const std::size_t first = m_sections[section].firstLine;
-    const std::size_t next = section + 1 < m_sections.size() ? m_sections[section + 1].firstLine : m_lines.size();
-    return std::span<const Line>(m_lines).subspan(first, next - first);
+    Lines& lines = m_lines[section];
+    std::call_once(lines.read, [&] {
+        const SingleByteText text{std::string_view(m_text)};
+        lines.lines = ProfileParser(*this, text, nullptr).ReadLines(m_sections[section]);
+    });
+    return lines.lines;
 }
 
 std::optional<std::size_t> Profile::FindSection(std::string_view name) const
@@ -210,8 +242,16 @@ const Profile::Line* Profile::FindLine(std::string_view section, std::string_vie
     if (!found) {
         return nullptr;
     }
-    const uint32_t line = m_lineSlots[LineSlot(*found, key)];
-    return line == kNone ? nullptr : &m_lines[line];
+    const std::span<const Line> lines = LinesOf(*found);
+    Lines& indexed = m_lines[*found];
+    if (indexed.questions.fetch_add(1, std::memory_order_relaxed) < kQuestionsWithoutIndex) {
+        const auto line = std::ranges::find_if(
+            lines, [&](const Line& each) { return each.canBeAsked && SameName(TextOf(each.name), key); });
+        return line == lines.end() ? nullptr : &*line;
+    }
+    std::call_once(indexed.indexed, [&] { IndexLines(indexed); });
+    const uint32_t line = indexed.slots[LineSlot(indexed, key)];
+    return line == kNone ? nullptr : &lines[line];
 }
 
 std::optional<Profile::Entry> Profile::FindEntry(std::string_view section, std::string_view key) const
@@ -229,48 +269,54 @@ std::vector<uint32_t> Profile::EmptySlots(std::size_t count)
     return slots;
 }
 
-void Profile::AddSectionToIndex(std::size_t section)
+void Profile::IndexSections()
 {
-    uint32_t& slot = m_sectionSlots[SectionSlot(TextOf(m_sections[section].name))];
-    slot = std::min(slot, static_cast<uint32_t>(section));
+    m_sectionSlots = EmptySlots(m_sections.size());
+    for (uint32_t section = 0; section < m_sections.size(); ++section) {
+        if (m_sections[section].canBeAsked) {
+            uint32_t& slot = m_sectionSlots[SectionSlot(TextOf(m_sections[section].name))];
+            slot = std::min(slot, section);
+        }
+    }
 }
 
-void Profile::AddLineToIndex(std::size_t section, std::size_t line)
+void Profile::IndexLines(Lines& lines) const
 {
-    uint32_t& slot = m_lineSlots[LineSlot(section, TextOf(m_lines[line].name))];
-    slot = std::min(slot, static_cast<uint32_t>(line));
+    lines.slots = EmptySlots(lines.lines.size());
+    for (uint32_t line = 0; line < lines.lines.size(); ++line) {
+        if (lines.lines[line].canBeAsked) {
+            uint32_t& slot = lines.slots[LineSlot(lines, TextOf(lines.lines[line].name))];
+            slot = std::min(slot, line);
+        }
+    }
 }
 
 /// @return the slot with the first section of this name, or the empty one for it.
 std::size_t Profile::SectionSlot(std::string_view name) const
 {
     const std::size_t mask = m_sectionSlots.size() - 1;
-    std::size_t slot = HashOf(name, kHashSeed) & mask;
+    std::size_t slot = HashOf(name) & mask;
     while (m_sectionSlots[slot] != kNone && !SameName(TextOf(m_sections[m_sectionSlots[slot]].name), name)) {
         slot = (slot + 1) & mask;
     }
     return slot;
 }
 
-/// @return the slot with the first line of this name in the section, or the empty one for it.
-std::size_t Profile::LineSlot(std::size_t section, std::string_view name) const
+/// @return the slot with the first line of this name, or the empty one for it.
+std::size_t Profile::LineSlot(const Lines& lines, std::string_view name) const
 {
-    const std::span<const Line> lines = LinesOf(section);
-    const auto isSame = [&](const Line& line) {
-        return &line >= lines.data() && &line < lines.data() + lines.size() && SameName(TextOf(line.name), name);
-    };
-    const std::size_t mask = m_lineSlots.size() - 1;
-    std::size_t slot = HashOf(name, (kHashSeed ^ section) * kHashFactor) & mask;
-    while (m_lineSlots[slot] != kNone && !isSame(m_lines[m_lineSlots[slot]])) {
+    const std::size_t mask = lines.slots.size() - 1;
+    std::size_t slot = HashOf(name) & mask;
+    while (lines.slots[slot] != kNone && !SameName(TextOf(lines.lines[lines.slots[slot]].name), name)) {
         slot = (slot + 1) & mask;
     }
     return slot;
 }
 
 /// FNV-1a over the name with ASCII letters in lower case; the low bits depend on all of it.
-std::size_t Profile::HashOf(std::string_view name, std::size_t seed) const
+std::size_t Profile::HashOf(std::string_view name) const
 {
-    std::size_t hash = seed;
+    std::size_t hash = kHashSeed;
     for (const char c : name) {
         // Bytes beyond ASCII, and bytes that end a pair, may or may not be letters: they are left out.
         const auto byte = static_cast<unsigned char>(c);
@@ -346,19 +392,23 @@ Profile::Entry Profile::EntryOf(const Line& line) const
 
 ProfilePlace Profile::PlaceOf(uint32_t offset) const
 {
+    std::call_once(m_lineStartsFound, [this] {
+        const SingleByteText text{std::string_view(m_text)};
+        m_lineStarts = ProfileParser(*this, text, nullptr).FindLineStarts();
+    });
     // A place after the last character belongs to the last line.
     const auto next = std::ranges::upper_bound(m_lineStarts, offset);
     const auto line = static_cast<std::size_t>(next - m_lineStarts.begin());
     const uint32_t start = *(next - 1);
     std::string_view before = TextOf({start, offset - start});
     std::size_t column = 1;
-    if (m_encoding == Encoding::Utf16 || m_encoding == Encoding::Utf16BigEndian) {
+    if (m_encoding == ProfileEncoding::Utf16 || m_encoding == ProfileEncoding::Utf16BigEndian) {
         column += before.size() / 2;
     } else {
         ProfileUnits units;
         while (!before.empty()) {
-            before.remove_prefix(m_encoding == Encoding::Utf8 ? DecodeUtf8Character(before, units)
-                                                              : m_codePage->DecodeCharacter(before, units));
+            before.remove_prefix(m_encoding == ProfileEncoding::Utf8 ? DecodeUtf8Character(before, units)
+                                                                     : m_codePage->DecodeCharacter(before, units));
         }
         column += units.size();
     }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -22,8 +25,17 @@ struct ProfilePlace
     bool operator==(const ProfilePlace&) const = default;
 };
 
-/// An INI or INF file, read as the platform's private-profile functions read it. The object is parsed once and never
-/// changes: any number of threads may ask it at the same time. A question about a single-byte file allocates nothing.
+enum class ProfileEncoding
+{
+    CodePage,
+    Utf8,
+    Utf16,
+    Utf16BigEndian
+};
+
+/// An INI or INF file, read as the platform's private-profile functions read it. Any number of threads may ask the
+/// object at the same time. The lines of a section are read when they are first asked for, because a search asks for
+/// few sections of a file; from then on a question about a single-byte file allocates nothing.
 class Profile
 {
 public:
@@ -68,6 +80,7 @@ public:
     [[nodiscard]] std::optional<Entry> FindEntry(std::string_view section, std::string_view key) const;
 
 private:
+    template <class Text>
     friend class ProfileParser;
 
     static constexpr uint32_t kNone = UINT32_MAX;
@@ -81,7 +94,9 @@ private:
     {
         Text name;
         uint32_t offset = kNone; ///< of the name in the file; none for the lines before the first section
-        uint32_t firstLine = 0;
+        std::size_t begin = 0;   ///< of its lines, in units
+        std::size_t end = 0;     ///< of its lines, in units
+        bool canBeAsked = false; ///< a question can hold the name
     };
     struct Line
     {
@@ -89,13 +104,15 @@ private:
         Text value; ///< at kNone: no equals sign
         uint32_t nameOffset = 0;
         uint32_t valueOffset = 0;
+        bool canBeAsked = false;
     };
-    enum class Encoding
+    struct Lines
     {
-        CodePage,
-        Utf8,
-        Utf16,
-        Utf16BigEndian
+        std::once_flag read;
+        std::vector<Line> lines;
+        std::atomic<uint32_t> questions = 0; ///< for a line by its name
+        std::once_flag indexed;
+        std::vector<uint32_t> slots; ///< hash table of the first line of each name
     };
 
     [[nodiscard]] std::string_view TextOf(Text text) const
@@ -103,7 +120,7 @@ private:
         return std::string_view(m_text).substr(text.at, text.size);
     }
     [[nodiscard]] std::span<const Line> LinesOf(std::size_t section) const;
-    [[nodiscard]] std::size_t HashOf(std::string_view name, std::size_t seed) const;
+    [[nodiscard]] std::size_t HashOf(std::string_view name) const;
     [[nodiscard]] bool SameName(std::string_view left, std::string_view right) const;
     /// These two take names as AsAsked gives them.
     [[nodiscard]] std::optional<std::size_t> SectionOf(std::string_view name) const;
@@ -120,19 +137,21 @@ private:
     void PutLine(const Line& line, SectionAnswer& answer) const;
     uint32_t AnswerValue(std::string_view value, std::span<char> buffer) const;
     static std::vector<uint32_t> EmptySlots(std::size_t count);
-    void AddSectionToIndex(std::size_t section);
-    void AddLineToIndex(std::size_t section, std::size_t line);
+    void ReadDecoded();
+    void IndexSections();
+    void IndexLines(Lines& lines) const;
     [[nodiscard]] std::size_t SectionSlot(std::string_view name) const;
-    [[nodiscard]] std::size_t LineSlot(std::size_t section, std::string_view name) const;
+    [[nodiscard]] std::size_t LineSlot(const Lines& lines, std::string_view name) const;
+    [[nodiscard]] bool IsSingleByte() const;
 
     const CodePage* m_codePage;
     DialectRules m_rules;
-    Encoding m_encoding = Encoding::CodePage;
+    ProfileEncoding m_encoding = ProfileEncoding::CodePage;
     uint32_t m_fileBytes = 0;
     std::string m_text; ///< the file, and after it the lines that read differently in the code page
     std::vector<Section> m_sections;
-    std::vector<Line> m_lines;
-    std::vector<uint32_t> m_lineStarts;
-    std::vector<uint32_t> m_sectionSlots; ///< hash tables of the first section, and first key, of each name
-    std::vector<uint32_t> m_lineSlots;
+    std::vector<uint32_t> m_sectionSlots; ///< hash table of the first section of each name
+    std::unique_ptr<Lines[]> m_lines;     ///< of each section
+    mutable std::once_flag m_lineStartsFound;
+    mutable std::vector<uint32_t> m_lineStarts;
 };

@@ -1,144 +1,150 @@
 #include "ProfileParser.h"
 
 #include <algorithm>
-#include <numeric>
-#include <string_view>
+#include <type_traits>
 
 namespace {
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::string_view kBigEndianMark = "\xFE\xFF";
 
-bool EndsLine(char16_t unit)
+template <class Unit>
+bool EndsLine(Unit unit)
 {
-    return unit == u'\r' || unit == u'\n';
-}
-} // namespace
-
-void ProfileParser::Parse()
-{
-    FindEncoding();
-    DecodeFile();
-    m_profile.m_sections.emplace_back();
-    m_sectionsAsked.push_back(m_profile.m_rules.linesBeforeFirstSection);
-    std::size_t begin = 0;
-    while (begin < m_units.size()) {
-        m_profile.m_lineStarts.push_back(m_offsets[begin]);
-        std::size_t end = begin;
-        while (end < m_units.size() && !EndsLine(m_units[end])) {
-            ++end;
-        }
-        ReadLine({begin, end});
-        const bool pair = end + 1 < m_units.size() && m_units[end] == u'\r' && m_units[end + 1] == u'\n';
-        begin = end + (pair ? 2 : 1);
-    }
-    BuildIndex();
-    m_profile.m_text.shrink_to_fit();
-    m_profile.m_lines.shrink_to_fit();
-    m_profile.m_sections.shrink_to_fit();
-    m_profile.m_lineStarts.shrink_to_fit();
+    return unit == Unit{'\r'} || unit == Unit{'\n'};
 }
 
-void ProfileParser::FindEncoding()
+template <class Unit>
+bool IsBlank(Unit unit)
 {
-    using Encoding = Profile::Encoding;
-    const std::string_view file = m_profile.m_text;
-    if (file.starts_with(kUtf16Mark)) {
-        m_profile.m_encoding = Encoding::Utf16;
-    } else if (m_profile.m_rules.readsBigEndian && file.starts_with(kBigEndianMark)) {
-        m_profile.m_encoding = Encoding::Utf16BigEndian;
-    } else if (m_profile.m_rules.readsUtf8Mark && file.starts_with(kUtf8Mark)) {
-        m_profile.m_encoding = Encoding::Utf8;
-    }
+    return IsProfileBlank(static_cast<std::make_unsigned_t<Unit>>(unit));
 }
 
-void ProfileParser::DecodeFile()
+void DecodeUtf16(std::string_view file, bool bigEndian, const CodePage& codePage, DecodedText& text)
 {
-    using Encoding = Profile::Encoding;
-    m_units.reserve(m_profile.m_text.size());
-    m_offsets.reserve(m_profile.m_text.size() + 1);
-    const bool utf8 = m_profile.m_encoding == Encoding::Utf8;
-    if (!utf8 && m_profile.m_encoding != Encoding::CodePage) {
-        DecodeUtf16();
-        return;
-    }
-    const std::string_view file = m_profile.m_text;
-    if (!utf8 && m_profile.m_codePage->IsSingleByte()) {
-        m_units.resize(file.size());
-        std::ranges::transform(file, m_units.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
-        m_offsets.resize(file.size() + 1);
-        std::iota(m_offsets.begin(), m_offsets.end(), 0U);
-        return;
-    }
-    std::size_t at = utf8 ? kUtf8Mark.size() : 0;
-    while (at < file.size()) {
-        const std::size_t before = m_units.size();
-        const std::string_view rest = file.substr(at);
-        const std::size_t bytes =
-            utf8 ? DecodeUtf8Character(rest, m_units) : m_profile.m_codePage->DecodeCharacter(rest, m_units);
-        for (std::size_t unit = before; unit < m_units.size(); ++unit) {
-            if (utf8) {
-                m_units[unit] = m_profile.m_codePage->UnitOfUtf16(m_units[unit]);
-            }
-            m_offsets.push_back(static_cast<uint32_t>(at));
-        }
-        at += bytes;
-    }
-    m_offsets.push_back(static_cast<uint32_t>(at));
-}
-
-void ProfileParser::DecodeUtf16()
-{
-    const std::string_view file = m_profile.m_text;
-    const bool bigEndian = m_profile.m_encoding == Profile::Encoding::Utf16BigEndian;
     std::size_t at = kUtf16Mark.size();
     for (; at < file.size(); at += 2) {
         const unsigned first = static_cast<unsigned char>(file[at]);
         // The platform reads one byte beyond a file of odd size. Here that byte is a NUL.
         const unsigned second = at + 1 < file.size() ? static_cast<unsigned char>(file[at + 1]) : 0;
         const unsigned utf16 = bigEndian ? first * 256 + second : second * 256 + first;
-        m_units.push_back(m_profile.m_codePage->UnitOfUtf16(static_cast<char16_t>(utf16)));
-        m_offsets.push_back(static_cast<uint32_t>(at));
+        text.units.push_back(codePage.UnitOfUtf16(static_cast<char16_t>(utf16)));
+        text.offsets.push_back(static_cast<uint32_t>(at));
     }
-    m_offsets.push_back(static_cast<uint32_t>(std::min(at, file.size())));
+    text.offsets.push_back(static_cast<uint32_t>(std::min(at, file.size())));
+}
+} // namespace
+
+DecodedText DecodeProfile(std::string_view file, ProfileEncoding encoding, const CodePage& codePage)
+{
+    DecodedText text;
+    text.units.reserve(file.size());
+    text.offsets.reserve(file.size() + 1);
+    const bool utf8 = encoding == ProfileEncoding::Utf8;
+    if (!utf8 && encoding != ProfileEncoding::CodePage) {
+        DecodeUtf16(file, encoding == ProfileEncoding::Utf16BigEndian, codePage, text);
+        return text;
+    }
+    std::size_t at = utf8 ? kUtf8Mark.size() : 0;
+    while (at < file.size()) {
+        const std::size_t before = text.units.size();
+        const std::string_view rest = file.substr(at);
+        const std::size_t bytes =
+            utf8 ? DecodeUtf8Character(rest, text.units) : codePage.DecodeCharacter(rest, text.units);
+        for (std::size_t unit = before; unit < text.units.size(); ++unit) {
+            if (utf8) {
+                text.units[unit] = codePage.UnitOfUtf16(text.units[unit]);
+            }
+            text.offsets.push_back(static_cast<uint32_t>(at));
+        }
+        at += bytes;
+    }
+    text.offsets.push_back(static_cast<uint32_t>(at));
+    return text;
 }
 
-void ProfileParser::ReadLine(Range line)
+ProfileEncoding EncodingOf(std::string_view file, const DialectRules& rules)
 {
-    line = Trimmed(line);
-    if (line.first < line.last && !ReadSectionName(line)) {
-        ReadEntry(line);
+    if (file.starts_with(kUtf16Mark)) {
+        return ProfileEncoding::Utf16;
     }
+    if (rules.readsBigEndian && file.starts_with(kBigEndianMark)) {
+        return ProfileEncoding::Utf16BigEndian;
+    }
+    return rules.readsUtf8Mark && file.starts_with(kUtf8Mark) ? ProfileEncoding::Utf8 : ProfileEncoding::CodePage;
 }
 
-bool ProfileParser::ReadSectionName(Range line)
+template <class Text>
+std::vector<Profile::Section> ProfileParser<Text>::FindSections()
 {
-    if (m_units[line.first] != u'[') {
-        return false;
+    std::vector<Profile::Section> sections(1);
+    sections.front().canBeAsked = m_profile.m_rules.linesBeforeFirstSection;
+    std::size_t at = m_units.find(Unit{'['});
+    while (at != UnitsView::npos) {
+        const std::optional<std::size_t> start = LineStart(at);
+        const std::optional<Range> name = start ? SectionNameAt(at) : std::nullopt;
+        if (name) {
+            sections.back().end = *start;
+            Profile::Section section;
+            section.offset = m_text.OffsetOf(name->first);
+            section.name = Store(*name);
+            section.canBeAsked = CanBeAsked(*name);
+            section.begin = LineEnd(at);
+            sections.push_back(section);
+        }
+        // What follows in the line begins no section.
+        at = m_units.find(Unit{'['}, name ? sections.back().begin : at + 1);
     }
+    sections.back().end = m_units.size();
+    return sections;
+}
+
+template <class Text>
+std::optional<typename ProfileParser<Text>::Range> ProfileParser<Text>::SectionNameAt(std::size_t bracket) const
+{
     const DialectRules& rules = m_profile.m_rules;
-    Range name{line.first + 1, line.last};
-    const auto text = UnitsOf(name);
-    const std::size_t bracket = rules.nameEndsAtLastBracket ? text.rfind(u']') : text.find(u']');
-    if (bracket != ProfileUnitsView::npos) {
-        name.last = name.first + bracket;
+    Range name{bracket + 1, Trimmed({bracket, LineEnd(bracket)}).last};
+    const UnitsView text = UnitsOf(name);
+    const std::size_t end = rules.nameEndsAtLastBracket ? text.rfind(Unit{']'}) : text.find(Unit{']'});
+    if (end != UnitsView::npos) {
+        name.last = name.first + end;
     } else if (!rules.unclosedNameBeginsSection) {
-        return false;
+        return std::nullopt;
     }
-    name = UpToNul(Trimmed(name));
-    Profile::Section section;
-    section.offset = m_offsets[name.first];
-    section.firstLine = static_cast<uint32_t>(m_profile.m_lines.size());
-    section.name = Store(name);
-    m_profile.m_sections.push_back(section);
-    m_sectionsAsked.push_back(CanBeAsked(name));
-    m_afterNameless = false;
-    return true;
+    return UpToNul(Trimmed(name));
 }
 
-void ProfileParser::ReadEntry(Range line)
+template <class Text>
+std::vector<Profile::Line> ProfileParser<Text>::ReadLines(const Profile::Section& section)
 {
-    const std::size_t equals = Find(line, u'=');
+    std::vector<Profile::Line> lines;
+    m_afterNameless = false;
+    m_hasNuls = Find({section.begin, section.end}, '\0') != section.end;
+    for (std::size_t begin = section.begin; begin < section.end;) {
+        const std::size_t end = LineEnd(begin);
+        const Range line = Trimmed({begin, end});
+        if (line.first < line.last) {
+            ReadEntry(line, lines);
+        }
+        begin = NextLine(end);
+    }
+    return lines;
+}
+
+template <class Text>
+std::vector<uint32_t> ProfileParser<Text>::FindLineStarts() const
+{
+    std::vector<uint32_t> starts;
+    for (std::size_t begin = 0; begin < m_units.size(); begin = NextLine(LineEnd(begin))) {
+        starts.push_back(m_text.OffsetOf(begin));
+    }
+    return starts;
+}
+
+template <class Text>
+void ProfileParser<Text>::ReadEntry(Range line, std::vector<Profile::Line>& lines)
+{
+    const std::size_t equals = Find(line, '=');
     const Range whole = Trimmed({line.first, equals});
     const Range name = UpToNul(whole);
     // Of several lines without a name that follow each other only the first counts.
@@ -148,13 +154,13 @@ void ProfileParser::ReadEntry(Range line)
     }
     m_afterNameless = name.first == name.last;
     Profile::Line entry;
-    entry.nameOffset = m_offsets[name.first];
+    entry.nameOffset = m_text.OffsetOf(name.first);
     entry.value.at = Profile::kNone;
     if (equals == line.last) {
         entry.name = Store(name);
     } else {
         const Range value = UpToNul(Trimmed({equals + 1, line.last}));
-        entry.valueOffset = m_offsets[value.first];
+        entry.valueOffset = m_text.OffsetOf(value.first);
         // The parts are stored as one text, so that the line can be shown as it is.
         const bool asIs = IsStoredAsIs({line.first, value.last});
         const auto store = [this, asIs](Range part) { return asIs ? InFile(part) : Append(part); };
@@ -162,90 +168,114 @@ void ProfileParser::ReadEntry(Range line)
         store({name.last, value.first});
         entry.value = store(value);
     }
-    m_profile.m_lines.push_back(entry);
-    m_linesAsked.push_back(CanBeAsked(name));
+    entry.canBeAsked = CanBeAsked(name);
+    lines.push_back(entry);
 }
 
-ProfileParser::Range ProfileParser::Trimmed(Range range) const
+/// @return where the line of `unit` begins; none unless only blanks come before it
+template <class Text>
+std::optional<std::size_t> ProfileParser<Text>::LineStart(std::size_t unit) const
 {
-    while (range.first < range.last && IsProfileBlank(m_units[range.first])) {
+    while (unit > 0 && !EndsLine(m_units[unit - 1])) {
+        --unit;
+        if (!IsBlank(m_units[unit])) {
+            return std::nullopt;
+        }
+    }
+    return unit;
+}
+
+/// @return the place of the character that ends the line of `unit`, or the file's end
+template <class Text>
+std::size_t ProfileParser<Text>::LineEnd(std::size_t unit) const
+{
+    const Range line{unit, Find({unit, m_units.size()}, '\n')};
+    return Find(line, '\r');
+}
+
+template <class Text>
+std::size_t ProfileParser<Text>::NextLine(std::size_t end) const
+{
+    const bool pair = end + 1 < m_units.size() && m_units[end] == Unit{'\r'} && m_units[end + 1] == Unit{'\n'};
+    return end + (pair ? 2 : 1);
+}
+
+template <class Text>
+typename ProfileParser<Text>::Range ProfileParser<Text>::Trimmed(Range range) const
+{
+    while (range.first < range.last && IsBlank(m_units[range.first])) {
         ++range.first;
     }
-    while (range.last > range.first && IsProfileBlank(m_units[range.last - 1])) {
+    while (range.last > range.first && IsBlank(m_units[range.last - 1])) {
         --range.last;
     }
     return range;
 }
 
-ProfileParser::Range ProfileParser::UpToNul(Range range) const
+template <class Text>
+typename ProfileParser<Text>::Range ProfileParser<Text>::UpToNul(Range range) const
 {
-    return {range.first, Find(range, u'\0')};
+    return m_hasNuls ? Range{range.first, Find(range, '\0')} : range;
 }
 
-std::size_t ProfileParser::Find(Range range, char16_t unit) const
+template <class Text>
+std::size_t ProfileParser<Text>::Find(Range range, char unit) const
 {
-    return range.first + std::min(UnitsOf(range).find(unit), range.last - range.first);
+    return range.first + std::min(UnitsOf(range).find(static_cast<Unit>(unit)), range.last - range.first);
 }
 
-ProfileUnitsView ProfileParser::UnitsOf(Range range) const
+template <class Text>
+typename ProfileParser<Text>::UnitsView ProfileParser<Text>::UnitsOf(Range range) const
 {
-    return ProfileUnitsView(m_units).substr(range.first, range.last - range.first);
+    return m_units.substr(range.first, range.last - range.first);
 }
 
-bool ProfileParser::CanBeAsked(Range range) const
+template <class Text>
+bool ProfileParser<Text>::CanBeAsked(Range range) const
 {
-    // A file in a code page of single bytes holds nothing that a question cannot hold.
-    if (m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte()) {
-        return true;
+    if constexpr (std::is_same_v<Text, DecodedText>) {
+        return std::ranges::all_of(UnitsOf(range),
+                                   [this](char16_t unit) { return m_profile.m_codePage->CanBeAsked(unit); });
     }
-    return std::ranges::all_of(UnitsOf(range),
-                               [this](char16_t unit) { return m_profile.m_codePage->CanBeAsked(unit); });
+    // A file in a code page of single bytes holds nothing that a question cannot hold.
+    return true;
 }
 
 /// @return true when the file holds the text of the range as the code page has it.
-bool ProfileParser::IsStoredAsIs(Range range)
+template <class Text>
+bool ProfileParser<Text>::IsStoredAsIs(Range range)
 {
-    if (m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte()) {
-        return true;
+    if constexpr (std::is_same_v<Text, DecodedText>) {
+        m_encoded.clear();
+        m_profile.m_codePage->Encode(UnitsOf(range), m_encoded);
+        return m_profile.TextOf(InFile(range)) == m_encoded;
     }
-    m_encoded.clear();
-    m_profile.m_codePage->Encode(UnitsOf(range), m_encoded);
-    return m_profile.TextOf(InFile(range)) == m_encoded;
+    return true;
 }
 
-Profile::Text ProfileParser::InFile(Range range) const
+template <class Text>
+Profile::Text ProfileParser<Text>::InFile(Range range) const
 {
-    const uint32_t first = m_offsets[range.first];
-    return {first, m_offsets[range.last] - first};
+    const uint32_t first = m_text.OffsetOf(range.first);
+    return {first, m_text.OffsetOf(range.last) - first};
 }
 
-Profile::Text ProfileParser::Store(Range range)
+template <class Text>
+Profile::Text ProfileParser<Text>::Store(Range range)
 {
     return IsStoredAsIs(range) ? InFile(range) : Append(range);
 }
 
-Profile::Text ProfileParser::Append(Range range)
+template <class Text>
+Profile::Text ProfileParser<Text>::Append(Range range)
 {
-    const std::size_t at = m_profile.m_text.size();
-    m_profile.m_codePage->Encode(UnitsOf(range), m_profile.m_text);
-    return {static_cast<uint32_t>(at), static_cast<uint32_t>(m_profile.m_text.size() - at)};
+    if constexpr (std::is_same_v<Text, DecodedText>) {
+        const std::size_t at = m_appended->size();
+        m_profile.m_codePage->Encode(UnitsOf(range), *m_appended);
+        return {static_cast<uint32_t>(at), static_cast<uint32_t>(m_appended->size() - at)};
+    }
+    return InFile(range);
 }
 
-void ProfileParser::BuildIndex()
-{
-    m_profile.m_sectionSlots = Profile::EmptySlots(m_profile.m_sections.size());
-    for (std::size_t section = 0; section < m_profile.m_sections.size(); ++section) {
-        if (m_sectionsAsked[section]) {
-            m_profile.AddSectionToIndex(section);
-        }
-    }
-    m_profile.m_lineSlots = Profile::EmptySlots(m_profile.m_lines.size());
-    for (std::size_t section = 0; section < m_profile.m_sections.size(); ++section) {
-        const std::size_t first = m_profile.m_sections[section].firstLine;
-        for (std::size_t line = first; line < first + m_profile.LinesOf(section).size(); ++line) {
-            if (m_linesAsked[line]) {
-                m_profile.AddLineToIndex(section, line);
-            }
-        }
-    }
-}
+template class ProfileParser<SingleByteText>;
+template class ProfileParser<DecodedText>;

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Profile.h"
@@ -14,15 +16,50 @@
     return (unit >= 0x09 && unit <= 0x0D) || unit == 0x20 || unit == 0x1A;
 }
 
-/// Fills a profile whose m_text is the file.
+/// The text of a file in a code page of single bytes: the bytes themselves.
+struct SingleByteText
+{
+    std::string_view units;
+
+    [[nodiscard]] static uint32_t OffsetOf(std::size_t unit) { return static_cast<uint32_t>(unit); }
+};
+
+/// The text of any other file.
+struct DecodedText
+{
+    ProfileUnits units;
+    std::vector<uint32_t> offsets; ///< of each unit in the file, and of its end
+
+    [[nodiscard]] uint32_t OffsetOf(std::size_t unit) const { return offsets[unit]; }
+};
+
+/// @return how a file is read: its mark decides, as far as the rules know it
+[[nodiscard]] ProfileEncoding EncodingOf(std::string_view file, const DialectRules& rules);
+
+[[nodiscard]] DecodedText DecodeProfile(std::string_view file, ProfileEncoding encoding, const CodePage& codePage);
+
+/// Finds the sections of a file, and reads the lines of one section. It changes nothing but `appended`.
+/// @tparam Text  SingleByteText or DecodedText
+template <class Text>
 class ProfileParser
 {
 public:
-    explicit ProfileParser(Profile& profile) : m_profile(profile) {}
+    /// @param profile   knows the encoding, the code page and the rules; its m_text begins with the file
+    /// @param text      outlives the object
+    /// @param appended  the profile's m_text, for lines that read differently in the code page; null for single bytes
+    ProfileParser(const Profile& profile, const Text& text, std::string* appended)
+        : m_profile(profile), m_text(text), m_units(text.units), m_appended(appended)
+    {
+    }
 
-    void Parse();
+    [[nodiscard]] std::vector<Profile::Section> FindSections();
+    [[nodiscard]] std::vector<Profile::Line> ReadLines(const Profile::Section& section);
+    [[nodiscard]] std::vector<uint32_t> FindLineStarts() const;
 
 private:
+    using Unit = typename decltype(Text::units)::value_type;
+    using UnitsView = std::basic_string_view<Unit>;
+
     /// A piece of the file, in units.
     struct Range
     {
@@ -30,29 +67,30 @@ private:
         std::size_t last; ///< the one after it
     };
 
-    void FindEncoding();
-    void DecodeFile();
-    void DecodeUtf16();
-    void ReadLine(Range line);
-    bool ReadSectionName(Range line);
-    void ReadEntry(Range line);
-    void BuildIndex();
+    [[nodiscard]] std::optional<Range> SectionNameAt(std::size_t bracket) const;
+    void ReadEntry(Range line, std::vector<Profile::Line>& lines);
 
+    [[nodiscard]] std::optional<std::size_t> LineStart(std::size_t unit) const;
+    [[nodiscard]] std::size_t LineEnd(std::size_t unit) const;
+    [[nodiscard]] std::size_t NextLine(std::size_t end) const;
     [[nodiscard]] Range Trimmed(Range range) const;
     [[nodiscard]] Range UpToNul(Range range) const;
-    [[nodiscard]] std::size_t Find(Range range, char16_t unit) const;
-    [[nodiscard]] ProfileUnitsView UnitsOf(Range range) const;
+    [[nodiscard]] std::size_t Find(Range range, char unit) const;
+    [[nodiscard]] UnitsView UnitsOf(Range range) const;
     [[nodiscard]] bool CanBeAsked(Range range) const;
     [[nodiscard]] bool IsStoredAsIs(Range range);
     [[nodiscard]] Profile::Text InFile(Range range) const;
     Profile::Text Store(Range range);
     Profile::Text Append(Range range);
 
-    Profile& m_profile;
-    ProfileUnits m_units;
-    std::vector<uint32_t> m_offsets; ///< of each unit in the file, and of its end
+    const Profile& m_profile;
+    const Text& m_text;
+    UnitsView m_units;
+    std::string* m_appended;
     std::string m_encoded;
-    std::vector<bool> m_sectionsAsked; ///< whether a question can hold the name
-    std::vector<bool> m_linesAsked;
+    bool m_hasNuls = true;        ///< in the section that is read
     bool m_afterNameless = false; ///< the line before this one of the section has an empty name
 };
+
+extern template class ProfileParser<SingleByteText>;
+extern template class ProfileParser<DecodedText>;

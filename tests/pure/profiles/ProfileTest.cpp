@@ -171,6 +171,26 @@ TEST(Profile, OnlyTheFirstOfRepeatedSectionsAndKeysIsFound)
     EXPECT_EQ(file.Lines("A"), "k=1|k=2|");
 }
 
+TEST(Profile, AnAnswerStaysTheSameHoweverOftenItIsAskedFor)
+{
+    const File file("[A]\nk=1\nK=2\nother\nlast=3\n[B]\nk=4\n");
+    for (int question = 0; question < 20; ++question) {
+        EXPECT_EQ(file.Value("A", "k"), "1") << question;
+        EXPECT_EQ(file.Value("A", "LAST"), "3") << question;
+        EXPECT_EQ(file.Value("A", "other"), "-") << question;
+        EXPECT_EQ(file.Value("A", "missing"), "-") << question;
+        EXPECT_EQ(file.Value("B", "k"), "4") << question;
+    }
+}
+
+TEST(Profile, ABracketBeginsASectionOnlyAfterBlanksAtTheBeginningOfALine)
+{
+    const File file("[A]\nk=[B]\n\t [C] [D]\nx[E]\n[[F]\n");
+    EXPECT_EQ(file.String(nullptr, nullptr, "").bytes, "A\0C] [D\0[F\0\0"s);
+    EXPECT_EQ(file.Lines("A"), "k=[B]|");
+    EXPECT_EQ(file.Lines("C] [D"), "x[E]|");
+}
+
 TEST(Profile, LinesWithoutAnEqualsSignAreMissingFromKeysAndPresentInSections)
 {
     const File file("[A]\nline\nk=1\n");
