@@ -1,9 +1,16 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string_view>
 
 #include "DescribeMachine.h"
+
+struct FileCloser
+{
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Reads an export to its end. An error of the file itself refuses the machine.
 /// @param file   Open for reading bytes; it stays open.

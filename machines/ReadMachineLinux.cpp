@@ -1,6 +1,5 @@
 #include <array>
 #include <cerrno>
-#include <memory>
 #include <string_view>
 
 #include "CodePages.h"
@@ -10,12 +9,6 @@
 #include "ReadMachine.h"
 
 namespace {
-struct FileCloser
-{
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
-
 Machine Refuse(const MachineOrigin& origin, std::string what, std::string cure)
 {
     return RefusedMachine(origin, {{.severity = Severity::Error,

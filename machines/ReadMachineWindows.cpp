@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cerrno>
-#include <memory>
 #include <string_view>
 
 #include "CodePages.h"
@@ -11,14 +10,6 @@
 #include "ReadExport.h"
 #include "ReadLive.h"
 #include "ReadMachine.h"
-
-namespace {
-struct FileCloser
-{
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-using UniqueStream = std::unique_ptr<std::FILE, FileCloser>;
-} // namespace
 
 Machine ReadMachine(const MachineSource& source, const ReadingOptions& options)
 {
@@ -33,7 +24,7 @@ Machine ReadMachine(const MachineSource& source, const ReadingOptions& options)
         return ReadLive(origin);
     }
     const bool isInput = source.place == MachineSource::Place::StandardInput;
-    const UniqueStream opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rb"));
+    const UniqueFile opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rb"));
     if (!isInput && !opened) {
         return RefusedMachine(origin, {FileRemark(source.path, errno)});
     }
