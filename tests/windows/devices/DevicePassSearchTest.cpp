@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 #include <utility>
 
@@ -13,6 +12,30 @@
 using testing::Contains;
 using testing::Not;
 
+namespace {
+/// One search of the directories for an ID.
+struct Search
+{
+    std::string id;
+    int pass = 0; ///< whose title comes before it; 0 for a search without one
+};
+
+/// What a pass traces of one device. The trace is empty afterwards.
+std::vector<std::string> DeviceLines(TraceCapture& trace, InfKit& kit, const std::vector<Search>& searches)
+{
+    std::vector<std::string> lines{"device: " + searches.front().id + "\n"};
+    Append(lines, ListLines(trace));
+    for (const Search& search : searches) {
+        if (search.pass != 0) {
+            Append(lines, {search.id, "Pass " + std::to_string(search.pass)});
+        }
+        Append(lines, SearchLines(trace, kit, search.id));
+    }
+    trace.Clear();
+    return lines;
+}
+} // namespace
+
 TEST_F(DevicePass, FourPassesSearchEverShorterIdsAndThenGiveUp)
 {
     InfKit kit({"Drv", "More"});
@@ -20,16 +43,11 @@ TEST_F(DevicePass, FourPassesSearchEverShorterIdsAndThenGiveUp)
     kit.Add("More", "another.inf", "VEN_5D1A&DEV_0001");
     const SimulatedDevice device(kDevice);
     TraceCapture trace;
-    std::vector<std::string> expected{"device: " + std::string(kDevice) + "\n"};
-    Append(expected, ListLines(trace));
-    Append(expected, SearchLines(trace, kit, kDevice));
-    const std::array<std::string, 3> ids{"VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B", "VEN_5D1A&DEV_1A2B&REV_03",
-                                         "VEN_5D1A&DEV_1A2B"};
-    for (std::size_t index = 0; index < ids.size(); ++index) {
-        Append(expected, {ids[index], "Pass " + std::to_string(index + 2)});
-        Append(expected, SearchLines(trace, kit, ids[index]));
-    }
-    trace.Clear();
+    const std::vector<std::string> expected = DeviceLines(trace, kit,
+                                                          {{.id = kDevice},
+                                                           {.id = "VEN_5D1A&DEV_1A2B&SUBSYS_00011A2B", .pass = 2},
+                                                           {.id = "VEN_5D1A&DEV_1A2B&REV_03", .pass = 3},
+                                                           {.id = "VEN_5D1A&DEV_1A2B", .pass = 4}});
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(trace.Messages(), WholePass(kDevice, expected));
     EXPECT_FALSE(DevicePassState.deviceMatched);
@@ -115,13 +133,8 @@ TEST_F(DevicePass, ADeviceWithoutRevisionRepeatsItsNameInPassTwoAndThenLeavesThe
     kit.Add("Drv", "other.inf", "VEN_5D1A&DEV_0000");
     const SimulatedDevice device(kWithoutRevision);
     TraceCapture trace;
-    std::vector<std::string> expected{"device: " + std::string(kWithoutRevision) + "\n"};
-    Append(expected, ListLines(trace));
-    Append(expected, SearchLines(trace, kit, kWithoutRevision));
-    Append(expected, {kWithoutRevision, "Pass 2"});
-    Append(expected, SearchLines(trace, kit, kWithoutRevision));
-
-    trace.Clear();
+    const std::vector<std::string> expected =
+        DeviceLines(trace, kit, {{.id = kWithoutRevision}, {.id = kWithoutRevision, .pass = 2}});
     EXPECT_THROW(Run(), std::out_of_range);
     std::vector<std::string> whole = WholePass(kWithoutRevision, expected);
     std::vector<std::string> messages = trace.Messages();
@@ -147,14 +160,9 @@ TEST_F(DevicePass, AMarkerAtTheStartSkipsPassesWithoutATraceAndRepeatsTheSearch)
     kit.Add("Drv", "other.inf", "VEN_5D1A&DEV_0000");
     const SimulatedDevice device(kLeadingSubSystem);
     TraceCapture trace;
-    std::vector<std::string> expected{"device: " + std::string(kLeadingSubSystem) + "\n"};
-    Append(expected, ListLines(trace));
-    Append(expected, SearchLines(trace, kit, kLeadingSubSystem));
-    Append(expected, {"&SUBSYS_00011A2B", "Pass 2"});
-    for (int pass = 2; pass <= 4; ++pass) {
-        Append(expected, SearchLines(trace, kit, "&SUBSYS_00011A2B"));
-    }
-    trace.Clear();
+    const Search again{.id = "&SUBSYS_00011A2B"};
+    const std::vector<std::string> expected =
+        DeviceLines(trace, kit, {{.id = kLeadingSubSystem}, {.id = again.id, .pass = 2}, again, again});
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(trace.Messages(), WholePass(kLeadingSubSystem, expected));
 }
@@ -166,14 +174,9 @@ TEST_F(DevicePass, ALeadingRevisionSkipsTheSecondAndThirdPass)
     kit.Add("Drv", "other.inf", "VEN_5D1A&DEV_0000");
     const SimulatedDevice device(kLeadingRevision);
     TraceCapture trace;
-    std::vector<std::string> expected{"device: " + std::string(kLeadingRevision) + "\n"};
-    Append(expected, ListLines(trace));
-    for (int pass = 1; pass <= 3; ++pass) {
-        Append(expected, SearchLines(trace, kit, kLeadingRevision));
-    }
-    Append(expected, {"&REV_03", "Pass 4"});
-    Append(expected, SearchLines(trace, kit, "&REV_03"));
-    trace.Clear();
+    const Search whole{.id = kLeadingRevision};
+    const std::vector<std::string> expected =
+        DeviceLines(trace, kit, {whole, whole, whole, {.id = "&REV_03", .pass = 4}});
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(trace.Messages(), WholePass(kLeadingRevision, expected));
 }

@@ -106,6 +106,17 @@ std::vector<std::string> PostLines(const std::string& result, const std::string&
     lines.emplace_back("Exit -> PostResultToRegistry");
     return lines;
 }
+/// The whole trace of an INF that a result is written for.
+std::vector<std::string> FamilyLines(const std::vector<std::string>& driverLines, const std::vector<std::string>& post)
+{
+    std::vector<std::string> lines{"Enter -> PostInstallRegResult\n", "inf file name and path is ->",
+                                   "C:\\KIT\\NGEA64.INF", "inf file name is ->", "\\NGEA64.INF"};
+    Append(lines, driverLines);
+    Append(lines, post);
+    Append(lines, {"Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()",
+                   "Exit -> PostInstallRegResult\n"});
+    return lines;
+}
 } // namespace
 
 TEST_F(PostInstall, AFamilyWithItsDriverFileIsASuccessWithTheFilesVersion)
@@ -113,18 +124,9 @@ TEST_F(PostInstall, AFamilyWithItsDriverFileIsASuccessWithTheFilesVersion)
     const DriverFile driver("ngeax64.sys");
     TraceCapture trace;
     EXPECT_EQ(Classify("C:\\KIT\\NGEA64.INF"), 1);
-    std::vector<std::string> expected{"Enter -> PostInstallRegResult\n",
-                                      "inf file name and path is ->",
-                                      "C:\\KIT\\NGEA64.INF",
-                                      "inf file name is ->",
-                                      "\\NGEA64.INF",
-                                      "Driver sys file found in \\system32\\drivers",
-                                      "Entering - GetModuleVersion",
-                                      "7.8.9.10"};
-    Append(expected, PostLines("SUCCESS", "TAVG_PCIE_Install", "7.8.9.10"));
-    Append(expected, {"Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()",
-                      "Exit -> PostInstallRegResult\n"});
-    EXPECT_EQ(trace.Messages(), expected);
+    EXPECT_EQ(trace.Messages(),
+              FamilyLines({"Driver sys file found in \\system32\\drivers", "Entering - GetModuleVersion", "7.8.9.10"},
+                          PostLines("SUCCESS", "TAVG_PCIE_Install", "7.8.9.10")));
     EXPECT_EQ(Result("TAVG_PCIE_Install"), "SUCCESS");
     EXPECT_EQ(Result("TAVG_PCIE_Version"), "7.8.9.10");
     EXPECT_EQ(Result("Version"), "7.8.9.10");
@@ -135,16 +137,8 @@ TEST_F(PostInstall, AFamilyWithoutItsDriverFileIsAFailureWithoutAVersion)
 {
     TraceCapture trace;
     EXPECT_EQ(Classify("C:\\KIT\\NGEA64.INF"), 1);
-    std::vector<std::string> expected{"Enter -> PostInstallRegResult\n",
-                                      "inf file name and path is ->",
-                                      "C:\\KIT\\NGEA64.INF",
-                                      "inf file name is ->",
-                                      "\\NGEA64.INF",
-                                      "Driver sys file NOT found in \\system32\\drivers"};
-    Append(expected, PostLines("FAILURE", "TAVG_PCIE_Install", ""));
-    Append(expected, {"Entering -> UpdateTavunstRegistry()", "Exiting -> UpdateTavunstRegistry()",
-                      "Exit -> PostInstallRegResult\n"});
-    EXPECT_EQ(trace.Messages(), expected);
+    EXPECT_EQ(trace.Messages(), FamilyLines({"Driver sys file NOT found in \\system32\\drivers"},
+                                            PostLines("FAILURE", "TAVG_PCIE_Install", "")));
     EXPECT_EQ(Result("TAVG_PCIE_Install"), "FAILURE");
     EXPECT_EQ(Result("TAVG_PCIE_Version"), "<none>");
     EXPECT_EQ(Result("Version"), "<none>");
