@@ -1,7 +1,7 @@
 """Makes the catalog of an INF file and its driver, unsigned, for osslsigncode to sign.
 
 catalog.py CATALOG FILE...: a file that begins like a program is listed by its program hash, which is given as <path>=<hash>.
-The catalog holds for every x64 system, and lists SHA-256 hashes only, which systems before Windows 8 do not look for.
+The catalog holds for every x64 system. It lists SHA-256 hashes only: systems before Windows 8 need an update for these.
 """
 
 import hashlib

@@ -35,6 +35,7 @@ set_card() {
     find "$1" -name "$replaced_infs" -exec sed -i -E "${changes[@]}" \
         -e "s/$replaced_card/VEN_$served_vendor\&DEV_$card_device/" -e "s/&SUBSYS_[0-9A-F]{8}/\&SUBSYS_$card_subsystem/" \
         -e "s/&REV_[0-9A-F]{2}/\&REV_$card_revision/" -- {} +
+    [[ -z $(find "$1" -name "$replaced_infs" -exec grep -L "&DEV_$card_device" -- {} +) ]] || fail "the kit does not list $replaced_card"
 }
 
 # make_lab_certificate FOLDER: a certificate for code signing as FOLDER/lab.pem, and with its key as FOLDER/lab.p12. It is

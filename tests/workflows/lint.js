@@ -15,7 +15,7 @@ async function startLinter() {
     globalThis.throwError = (message) => {
         throw new Error(message);
     };
-    require(path.join(linter, "wasm_exec.js"));
+    require(path.resolve(linter, "wasm_exec.js"));
     const go = new globalThis.Go();
     const { instance } = await WebAssembly.instantiate(fs.readFileSync(path.join(linter, "main.wasm")), go.importObject);
     go.run(instance);
