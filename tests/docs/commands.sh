@@ -134,6 +134,7 @@ scripts_are_run() {
             scripts/setup | scripts/build | scripts/test) ;; # this run began with them
             scripts/demo) [[ -x $repo/tests/demo/shown.sh ]] ;;
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
+            scripts/lab-kit) [[ -x $repo/tests/package/lab_kit.sh ]] ;;
             scripts/promises) "$repo/scripts/promises" --check || return 1 ;;
             scripts/fuzz) run_limited 120 "$repo/scripts/fuzz" 1 || return 1 ;;
             # They take longer than a test may.
@@ -217,7 +218,7 @@ cp -- "$build_dir"/dist/*.msi "$WINEPREFIX/drive_c/Deploy/" 2>/dev/null || true
 # The trace is off until the guide switches it on.
 run_limited 60 wine reg delete "$results_key\\Debug" /f >/dev/null 2>&1
 for document in "$repo/docs/ADMINISTRATORS.md" "$repo/docs/FLEET.md" "$repo/docs/SIGNING.md" "$repo/docs/ARCHITECTURE.md" \
-    "$repo/README.md"; do
+    "$repo/docs/REAL-CARD.md" "$repo/README.md"; do
     try_document "$(basename -- "$document")"
 done
 try_detection

@@ -190,13 +190,26 @@ package_options_are_known() {
     ((found >= 5))
 }
 
+# The recipe's card has the same IDs in the kit, in QEMU's options and, as decimal numbers, in libvirt's.
+recipe_has_one_card() {
+    local recipe=$repo/docs/REAL-CARD.md name number of_kit of_qemu of_libvirt=
+    of_kit=$(sed -nE "s/^scripts\/lab-kit --ids 'VEN_(....)&DEV_(....)&SUBSYS_(....)(....)' -o lab$/\1 \2 \4 \3/p" "$recipe" | tr '[:upper:]' '[:lower:]')
+    of_qemu=$(sed -nE 's/^-device vfio-pci,host=[0-9:.]+,x-pci-vendor-id=0x(....),x-pci-device-id=0x(....),x-pci-sub-vendor-id=0x(....),x-pci-sub-device-id=0x(....)$/\1 \2 \3 \4/p' "$recipe")
+    for name in vendor-id device-id sub-vendor-id sub-device-id; do
+        number=$(sed -nE "s/^ *<qemu:property name='x-pci-$name' type='unsigned' value='([0-9]+)'\/>$/\1/p" "$recipe")
+        of_libvirt+="${of_libvirt:+ }$(printf '%04x' "$number")"
+    done
+    [[ -n $of_kit && $of_kit == "$of_qemu" && $of_kit == "$of_libvirt" ]] ||
+        { printf 'the kit has %s, QEMU %s, libvirt %s\n' "$of_kit" "$of_qemu" "$of_libvirt"; return 1; }
+}
+
 no_licence_is_invented() {
     [[ -e $repo/LICENSE ]] || { grep -q 'has not chosen a licence' "$repo/README.md" && [[ -z $(sed -n 's/^license=//p' "$repo/packaging/publisher.conf") ]]; }
 }
 
 mkdir -p -- "$build_dir/docs"
 promise "every link leads to a file or a heading" links_lead_somewhere
-for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md PLANNING.md SIGNING.md ARCHITECTURE.md REAL-MACHINES.md; do
+for document in ADMINISTRATORS.md FLEET.md KIT-AUTHORS.md PLANNING.md SIGNING.md ARCHITECTURE.md REAL-MACHINES.md REAL-CARD.md; do
     promise "the first page links $document" first_page_links "$document"
 done
 promise "the diagrams are those that scripts/drawings draws" drawings_are_drawn
@@ -212,6 +225,7 @@ promise "the result values of the administrator's guide are written" same_values
 promise "a refused driver looks as the guide says" refusal_is_as_told
 promise "the guide to signing covers what it has to" signing_is_covered
 promise "the options of scripts/package in the documents are its own" package_options_are_known
+promise "the card of the recipe has the same IDs in the kit and in both ways of giving them" recipe_has_one_card
 promise "without a LICENSE the first page says that the owner has not chosen one" no_licence_is_invented
 promise "the exit codes of the package are explained" exit_codes_are_explained
 promise "the guide's variables of the role are the role's" same_variables

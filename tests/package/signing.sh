@@ -11,6 +11,8 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/tables.sh"
 source "$lib/documents.sh"
 # shellcheck source=lib/release.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
+# shellcheck source=../../scripts/lib/lab_kit.sh
+source "$lib/lab_kit.sh"
 
 name=Morvix-$(product_version)
 token_library=/usr/lib/softhsm/libsofthsm2.so
@@ -69,20 +71,13 @@ END
     stamper=$(<"$work/tsa/address")
 }
 
-# catalogued_kit FOLDER: a copy of the kit of one system in which each INF file names a signed catalog. The driver's hash in
-# it is the signing tool's own.
+# catalogued_kit FOLDER: a copy of the kit of one system in which each INF file names a signed catalog.
 catalogued_kit() {
-    local inf base hash
+    local inf
     mkdir -p -- "$1/Drv"
     cp -a -- "$dist/Drv/Win7x64" "$1/Drv/"
     for inf in "$1"/Drv/Win7x64/*.inf; do
-        base=${inf%.inf}
-        sed -i "s/^Provider = .*/&\nCatalogFile = $(basename -- "$base").cat\r/" "$inf"
-        osslsigncode sign -certs "$work/Throw-away.pem" -key "$work/Throw-away.key" -h sha256 -in "$base.sys" -out "$work/hashed.sys" >/dev/null
-        hash=$(osslsigncode verify -CAfile "$work/Root.pem" -in "$work/hashed.sys" 2>/dev/null | sed -n 's/^Calculated message digest *: *\([0-9A-F]*\).*/\1/p')
-        rm -f -- "$work/hashed.sys"
-        python3 "$repo/tests/package/lib/catalog.py" "$work/unsigned.cat" "$inf" "$base.sys=$hash"
-        osslsigncode sign -certs "$work/Throw-away.pem" -key "$work/Throw-away.key" -h sha256 -in "$work/unsigned.cat" -out "$base.cat" >/dev/null
+        sign_package "$inf"
     done
 }
 
@@ -183,10 +178,12 @@ make_certificate Stamper critical,timeStamping
 make_pkcs12
 make_token
 start_stamper
+sign_with file none
 catalogued_kit "$work/kit"
 promise "the catalogs of this test are sound" catalogs_are_sound "$work/kit"
 
 # An unsigned release, with the sample kit.
+sign_pkcs12='' sign_stamp='' sign_password_file=''
 make_release "$build_dir/windows" "$work/unsigned" >/dev/null
 promise "a release without a key is not signed" is_not_signed "$work/unsigned/$name.msi"
 promise "a release without a key has no signature of its sums" test ! -e "$work/unsigned/SHA256SUMS.p7s"
@@ -198,7 +195,7 @@ promise "the sample kit is not called signed" \
 promise "a kit without INF files is not called signed" finds_in_kit 'no INF file is there' find . -name '*.inf' -delete
 promise "a catalog that is not there is missed" finds_in_kit 'ngea62x64.cat is not there' rm ngea62x64.cat
 promise "a catalog that nobody has signed is found" \
-    finds_in_kit 'ngea62x64.cat is not signed' python3 "$repo/tests/package/lib/catalog.py" ngea62x64.cat ngea62x64.inf
+    finds_in_kit 'ngea62x64.cat is not signed' python3 "$repo/scripts/lib/catalog.py" ngea62x64.cat ngea62x64.inf
 promise "a file that is no catalog is found" finds_in_kit 'ngea62x64.cat is no catalog' cp -- "$work/Throw-away.pem" ngea62x64.cat
 promise "an INF file that was changed after its catalog was made is found" \
     finds_in_kit 'ngea62x64.cat does not list ngea62x64.inf as it is' sed -i 's/Norda/Other/' ngea62x64.inf

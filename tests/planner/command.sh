@@ -228,30 +228,13 @@ rules_are_explained() {
         ends_with 2 rules MK999 && says 'no rule' && ends_with 0 rules --markdown && cmp out "$repo/docs/RULES.md"
 }
 promise "rules lists all rules, explains one, and writes docs/RULES.md" rules_are_explained
-hooks_are_valid() {
-    pre-commit validate-manifest "$repo/.pre-commit-hooks.yaml" &&
-        sed 's/^- id/- name/' "$repo/.pre-commit-hooks.yaml" >hooks.yaml && ! pre-commit validate-manifest hooks.yaml >/dev/null 2>&1
-}
-promise "the hook definition is valid" hooks_are_valid
-# A workflow's linter is no Debian package: what is looked at is the form, and that the command line is one.
-workflow_is_one() {
+workflow_command_works() {
     local command
-    command=$(python3 - "$repo/docs/examples/check-kit.yml" <<'END'
-import sys, yaml
-flow = yaml.safe_load(open(sys.argv[1]))
-assert set(flow) == {"name", True, "permissions", "env", "jobs"}, flow.keys()
-for job in flow["jobs"].values():
-    assert set(job) == {"runs-on", "steps"}
-    for step in job["steps"]:
-        assert set(step) <= {"name", "if", "uses", "run", "with", "env"} and ("uses" in step) != ("run" in step), step
-        if step.get("run", "").startswith("./morvix-kit "):
-            print(step["run"].removeprefix("./morvix-kit "))
-END
-    ) || return 1
+    command=$(sed -n 's/^ *run: \.\/morvix-kit //p' "$repo/docs/examples/check-kit.yml")
     # shellcheck disable=SC2086
     ends_with 1 $command && [[ -s morvix-kit.sarif ]] && follows sarif.json morvix-kit.sarif
 }
-promise "the example of a workflow has the form of one, and its command works" workflow_is_one
+promise "the command of the example of a workflow works" workflow_command_works
 
 # --- bad input -------------------------------------------------------------------------------------------------------
 broken_machines_are_named() {

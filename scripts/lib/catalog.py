@@ -1,6 +1,7 @@
 """Makes the catalog of an INF file and its driver, unsigned, for osslsigncode to sign.
 
 catalog.py CATALOG FILE...: a file that begins like a program is listed by its program hash, which is given as <path>=<hash>.
+The catalog holds for every x64 system. It lists SHA-256 hashes only: systems before Windows 8 need an update for these.
 """
 
 import hashlib
@@ -28,6 +29,11 @@ def name(text):
     return element(0x06, octets)
 
 
+# The systems as catalogs name them: the platform (2 is Windows NT) and the version.
+SYSTEMS = "2:5.2,2:6.0,2:6.1,2:6.2,2:6.3,2:10.0"
+# How a named value is kept: as text, which the signature covers.
+SIGNED_TEXT = 0x10010001
+
 SHA256 = element(0x30, name("2.16.840.1.101.3.4.2.1"), b"\x05\x00")
 
 
@@ -45,6 +51,16 @@ def subject(argument):
     return element(0x30, element(0x04, digest), element(0x31, attribute))
 
 
+def named_value(key, text):
+    value = element(
+        0x30,
+        element(0x1E, key.encode("utf-16-be")),
+        element(0x02, SIGNED_TEXT.to_bytes(4, "big")),
+        element(0x04, (text + "\0").encode("utf-16-le")),
+    )
+    return element(0x30, name("1.3.6.1.4.1.311.12.2.1"), element(0x04, value))
+
+
 trust_list = element(
     0x30,
     element(0x30, name("1.3.6.1.4.1.311.12.1.1")),
@@ -52,6 +68,7 @@ trust_list = element(
     element(0x17, b"120820000000Z"),
     element(0x30, name("1.3.6.1.4.1.311.12.1.3"), b"\x05\x00"),
     element(0x30, *[subject(argument) for argument in sys.argv[2:]]),
+    element(0xA0, element(0x30, named_value("OSAttr", SYSTEMS))),
 )
 signed_data = element(
     0x30,
