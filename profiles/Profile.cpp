@@ -44,7 +44,9 @@ Profile::Profile(std::string bytes, const CodePage& codePage, ProfileDialect dia
     m_encoding = EncodingOf(m_text, m_rules);
     if (IsSingleByte()) {
         const SingleByteText text{m_text};
-        m_sections = ProfileParser(*this, text, nullptr).FindSections();
+        ProfileParser parser(*this, text, nullptr);
+        m_sections = parser.FindSections();
+        m_isReadAlike = parser.IsReadAlike();
         m_lines = std::make_unique<Lines[]>(m_sections.size());
     } else {
         ReadDecoded();
@@ -58,9 +60,10 @@ void Profile::ReadDecoded()
     const DecodedText text = DecodeProfile(m_text, m_encoding, *m_codePage);
     ProfileParser parser(*this, text, &m_text);
     m_sections = parser.FindSections();
+    m_isReadAlike = parser.IsReadAlike();
     m_lines = std::make_unique<Lines[]>(m_sections.size());
     for (std::size_t section = 0; section < m_sections.size(); ++section) {
-        std::call_once(m_lines[section].read, [&] { m_lines[section].lines = parser.ReadLines(m_sections[section]); });
+        std::call_once(m_lines[section].read, [&] { parser.ReadLines(m_sections[section], m_lines[section]); });
     }
     std::call_once(m_lineStartsFound, [&] { m_lineStarts = parser.FindLineStarts(); });
     m_text.shrink_to_fit();
@@ -88,7 +91,7 @@ uint32_t Profile::ReadString(const char* section, const char* key, const char* d
     if (key == nullptr) {
         return AnswerKeys(sectionName, otherwise, buffer);
     }
-    const Line* const line = FindLine(Stripped(sectionName), Stripped(AsAsked(key, keyRoom)));
+    const Line* const line = FindLine(Stripped(sectionName), Stripped(AsAsked(key, keyRoom))).line;
     const bool found = line != nullptr && HasValue(*line);
     return AnswerValue(found ? TextOf(line->value) : WithoutSpacesAtEnd(otherwise), buffer);
 }
@@ -119,7 +122,7 @@ void Profile::PutLine(const Line& line, SectionAnswer& answer) const
             answer.Put(TextOf(line.value));
         }
     } else {
-        const std::string_view whole = TextOf({line.name.at, line.value.at + line.value.size - line.name.at});
+        const std::string_view whole = WholeText(line);
         answer.Put(whole.substr(0, whole.find('\0')));
     }
     answer.PutTerminator();
@@ -202,6 +205,11 @@ std::string_view Profile::Stripped(std::string_view name) const
     return name;
 }
 
+std::string_view Profile::WholeText(const Line& line) const
+{
+    return HasValue(line) ? TextOf({line.name.at, line.value.at + line.value.size - line.name.at}) : TextOf(line.name);
+}
+
 bool Profile::IsComment(const Line& line) const
 {
     return TextOf(line.name).starts_with(';');
@@ -219,7 +227,7 @@ std::span<const Profile::Line> Profile::LinesOf(std::size_t section) const
     Lines& lines = m_lines[section];
     std::call_once(lines.read, [&] {
         const SingleByteText text{std::string_view(m_text)};
-        lines.lines = ProfileParser(*this, text, nullptr).ReadLines(m_sections[section]);
+        ProfileParser(*this, text, nullptr).ReadLines(m_sections[section], lines);
     });
     return lines.lines;
 }
@@ -236,30 +244,33 @@ std::optional<std::size_t> Profile::SectionOf(std::string_view name) const
     return section == kNone ? std::nullopt : std::optional<std::size_t>(section);
 }
 
-const Profile::Line* Profile::FindLine(std::string_view section, std::string_view key) const
+Profile::Place Profile::FindLine(std::string_view section, std::string_view key) const
 {
     const auto found = SectionOf(section);
     if (!found) {
-        return nullptr;
+        return {};
     }
-    const std::span<const Line> lines = LinesOf(*found);
-    Lines& indexed = m_lines[*found];
-    if (indexed.questions.fetch_add(1, std::memory_order_relaxed) < kQuestionsWithoutIndex) {
-        const auto line = std::ranges::find_if(
-            lines, [&](const Line& each) { return each.canBeAsked && SameName(TextOf(each.name), key); });
-        return line == lines.end() ? nullptr : &*line;
+    const std::span<const Line> all = LinesOf(*found);
+    Lines& lines = m_lines[*found];
+    if (lines.questions.fetch_add(1, std::memory_order_relaxed) < kQuestionsWithoutIndex) {
+        for (std::size_t line = 0; line < all.size(); ++line) {
+            if (CanBeAsked(lines, line) && SameName(TextOf(all[line].name), key)) {
+                return {.section = *found, .line = &all[line]};
+            }
+        }
+        return {};
     }
-    std::call_once(indexed.indexed, [&] { IndexLines(indexed); });
-    const uint32_t line = indexed.slots[LineSlot(indexed, key)];
-    return line == kNone ? nullptr : &lines[line];
+    std::call_once(lines.indexed, [&] { IndexLines(lines); });
+    const uint32_t line = lines.slots[LineSlot(lines, key)];
+    return {.section = *found, .line = line == kNone ? nullptr : &all[line]};
 }
 
 std::optional<Profile::Entry> Profile::FindEntry(std::string_view section, std::string_view key) const
 {
     std::string sectionRoom;
     std::string keyRoom;
-    const Line* const line = FindLine(Stripped(AsAsked(section, sectionRoom)), Stripped(AsAsked(key, keyRoom)));
-    return line == nullptr ? std::nullopt : std::optional(EntryOf(*line));
+    const Place found = FindLine(Stripped(AsAsked(section, sectionRoom)), Stripped(AsAsked(key, keyRoom)));
+    return found.line == nullptr ? std::nullopt : std::optional(EntryOf(found.section, *found.line));
 }
 
 /// Slots for `count` names, at most half of them used. The number of slots is a power of two.
@@ -284,7 +295,7 @@ void Profile::IndexLines(Lines& lines) const
 {
     lines.slots = EmptySlots(lines.lines.size());
     for (uint32_t line = 0; line < lines.lines.size(); ++line) {
-        if (lines.lines[line].canBeAsked) {
+        if (CanBeAsked(lines, line)) {
             uint32_t& slot = lines.slots[LineSlot(lines, TextOf(lines.lines[line].name))];
             slot = std::min(slot, line);
         }
@@ -331,6 +342,9 @@ bool Profile::SameName(std::string_view left, std::string_view right) const
     if (left.size() != right.size()) {
         return false;
     }
+    if (left == right) {
+        return true;
+    }
     const auto same = [this](char a, char b) {
         if (a == b) {
             return true;
@@ -367,25 +381,39 @@ std::size_t Profile::EntryCount(std::size_t section) const
 
 Profile::Entry Profile::EntryAt(std::size_t section, std::size_t index) const
 {
-    return EntryOf(LinesOf(section)[index]);
+    return EntryOf(section, LinesOf(section)[index]);
+}
+
+bool Profile::IsListed(std::size_t section, std::size_t index) const
+{
+    return IsListed(LinesOf(section)[index]);
 }
 
 std::optional<Profile::Entry> Profile::ListedEntry(std::size_t section, std::size_t line) const
 {
     for (const Line& candidate : LinesOf(section)) {
         if (IsListed(candidate) && line-- == 0) {
-            return EntryOf(candidate);
+            return EntryOf(section, candidate);
         }
     }
     return std::nullopt;
 }
 
-Profile::Entry Profile::EntryOf(const Line& line) const
+Profile::Entry Profile::EntryOf(std::size_t section, const Line& line) const
 {
-    Entry entry{.name = TextOf(line.name), .value = {}, .namePlace = PlaceOf(line.nameOffset), .valuePlace = {}};
+    const Lines& lines = m_lines[section];
+    const auto number = static_cast<std::size_t>(&line - lines.lines.data());
+    const DecodedLine offsets = lines.decoded.empty()
+                                    ? DecodedLine{.nameOffset = line.name.at, .valueOffset = line.value.at}
+                                    : lines.decoded[number];
+    Entry entry{.name = TextOf(line.name),
+                .value = {},
+                .text = WholeText(line),
+                .namePlace = PlaceOf(offsets.nameOffset),
+                .valuePlace = {}};
     if (HasValue(line)) {
         entry.value = TextOf(line.value);
-        entry.valuePlace = PlaceOf(line.valueOffset);
+        entry.valuePlace = PlaceOf(offsets.valueOffset);
     }
     return entry;
 }
@@ -404,6 +432,8 @@ ProfilePlace Profile::PlaceOf(uint32_t offset) const
     std::size_t column = 1;
     if (m_encoding == ProfileEncoding::Utf16 || m_encoding == ProfileEncoding::Utf16BigEndian) {
         column += before.size() / 2;
+    } else if (IsSingleByte()) {
+        column += before.size();
     } else {
         ProfileUnits units;
         while (!before.empty()) {

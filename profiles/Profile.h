@@ -44,6 +44,7 @@ public:
     {
         std::string_view name;
         std::optional<std::string_view> value; ///< as in the file, quotes included; none without an equals sign
+        std::string_view text;                 ///< from the name to the value, with the equals sign and its blanks
         ProfilePlace namePlace;
         ProfilePlace valuePlace; ///< of the value's first character; only with a value
     };
@@ -70,9 +71,14 @@ public:
     [[nodiscard]] ProfilePlace SectionPlace(std::size_t section) const;
     [[nodiscard]] std::size_t EntryCount(std::size_t section) const;
     [[nodiscard]] Entry EntryAt(std::size_t section, std::size_t index) const;
+    /// @return true for an entry that ReadSection answers: no comment, and not empty.
+    [[nodiscard]] bool IsListed(std::size_t section, std::size_t index) const;
     /// @param line  Number of a line in the answer of ReadSection, the first being 0.
     /// @return the entry that ReadSection puts there; none after the last line.
     [[nodiscard]] std::optional<Entry> ListedEntry(std::size_t section, std::size_t line) const;
+
+    /// @return true when both dialects take the same sections and entries from the file.
+    [[nodiscard]] bool IsReadAlike() const { return m_isReadAlike; }
 
     /// @return the section that ReadSection answers for a name; none when it is missing.
     [[nodiscard]] std::optional<std::size_t> FindSection(std::string_view name) const;
@@ -102,7 +108,12 @@ private:
     {
         Text name;
         Text value; ///< at kNone: no equals sign
-        uint32_t nameOffset = 0;
+    };
+    /// What a line of a file in single bytes does not need: its texts are where the file has them, and can be asked
+    /// for.
+    struct DecodedLine
+    {
+        uint32_t nameOffset = 0; ///< in the file
         uint32_t valueOffset = 0;
         bool canBeAsked = false;
     };
@@ -110,6 +121,7 @@ private:
     {
         std::once_flag read;
         std::vector<Line> lines;
+        std::vector<DecodedLine> decoded;    ///< as many, or none
         std::atomic<uint32_t> questions = 0; ///< for a line by its name
         std::once_flag indexed;
         std::vector<uint32_t> slots; ///< hash table of the first line of each name
@@ -124,11 +136,22 @@ private:
     [[nodiscard]] bool SameName(std::string_view left, std::string_view right) const;
     /// These two take names as AsAsked gives them.
     [[nodiscard]] std::optional<std::size_t> SectionOf(std::string_view name) const;
-    [[nodiscard]] const Line* FindLine(std::string_view section, std::string_view key) const;
+    /// A line of a section.
+    struct Place
+    {
+        std::size_t section = 0;
+        const Line* line = nullptr; ///< null when there is none
+    };
+    [[nodiscard]] Place FindLine(std::string_view section, std::string_view key) const;
     [[nodiscard]] std::string_view AsAsked(std::string_view text, std::string& room) const;
     [[nodiscard]] std::string_view Stripped(std::string_view name) const;
     [[nodiscard]] ProfilePlace PlaceOf(uint32_t offset) const;
-    [[nodiscard]] Entry EntryOf(const Line& line) const;
+    [[nodiscard]] Entry EntryOf(std::size_t section, const Line& line) const;
+    [[nodiscard]] std::string_view WholeText(const Line& line) const;
+    [[nodiscard]] static bool CanBeAsked(const Lines& lines, std::size_t line)
+    {
+        return lines.decoded.empty() || lines.decoded[line].canBeAsked;
+    }
     [[nodiscard]] bool IsComment(const Line& line) const;
     [[nodiscard]] bool IsListed(const Line& line) const;
     [[nodiscard]] static bool HasValue(const Line& line) { return line.value.at != kNone; }
@@ -147,6 +170,7 @@ private:
     const CodePage* m_codePage;
     DialectRules m_rules;
     ProfileEncoding m_encoding = ProfileEncoding::CodePage;
+    bool m_isReadAlike = true;
     uint32_t m_fileBytes = 0;
     std::string m_text; ///< the file, and after it the lines that read differently in the code page
     std::vector<Section> m_sections;

@@ -79,6 +79,8 @@ std::vector<Profile::Section> ProfileParser<Text>::FindSections()
 {
     std::vector<Profile::Section> sections(1);
     sections.front().canBeAsked = m_profile.m_rules.linesBeforeFirstSection;
+    const std::string_view file = m_profile.m_text;
+    m_isReadAlike = !file.starts_with(kUtf8Mark) && !file.starts_with(kBigEndianMark);
     std::size_t at = m_units.find(Unit{'['});
     while (at != UnitsView::npos) {
         const std::optional<std::size_t> start = LineStart(at);
@@ -100,12 +102,15 @@ std::vector<Profile::Section> ProfileParser<Text>::FindSections()
 }
 
 template <class Text>
-std::optional<typename ProfileParser<Text>::Range> ProfileParser<Text>::SectionNameAt(std::size_t bracket) const
+std::optional<typename ProfileParser<Text>::Range> ProfileParser<Text>::SectionNameAt(std::size_t bracket)
 {
     const DialectRules& rules = m_profile.m_rules;
     Range name{bracket + 1, Trimmed({bracket, LineEnd(bracket)}).last};
     const UnitsView text = UnitsOf(name);
-    const std::size_t end = rules.nameEndsAtLastBracket ? text.rfind(Unit{']'}) : text.find(Unit{']'});
+    const std::size_t first = text.find(Unit{']'});
+    const std::size_t last = text.rfind(Unit{']'});
+    m_isReadAlike = m_isReadAlike && first == last && first != UnitsView::npos;
+    const std::size_t end = rules.nameEndsAtLastBracket ? last : first;
     if (end != UnitsView::npos) {
         name.last = name.first + end;
     } else if (!rules.unclosedNameBeginsSection) {
@@ -115,9 +120,8 @@ std::optional<typename ProfileParser<Text>::Range> ProfileParser<Text>::SectionN
 }
 
 template <class Text>
-std::vector<Profile::Line> ProfileParser<Text>::ReadLines(const Profile::Section& section)
+void ProfileParser<Text>::ReadLines(const Profile::Section& section, Profile::Lines& lines)
 {
-    std::vector<Profile::Line> lines;
     m_afterNameless = false;
     m_hasNuls = Find({section.begin, section.end}, '\0') != section.end;
     for (std::size_t begin = section.begin; begin < section.end;) {
@@ -128,7 +132,8 @@ std::vector<Profile::Line> ProfileParser<Text>::ReadLines(const Profile::Section
         }
         begin = NextLine(end);
     }
-    return lines;
+    lines.lines.shrink_to_fit();
+    lines.decoded.shrink_to_fit();
 }
 
 template <class Text>
@@ -142,7 +147,7 @@ std::vector<uint32_t> ProfileParser<Text>::FindLineStarts() const
 }
 
 template <class Text>
-void ProfileParser<Text>::ReadEntry(Range line, std::vector<Profile::Line>& lines)
+void ProfileParser<Text>::ReadEntry(Range line, Profile::Lines& lines)
 {
     const std::size_t equals = Find(line, '=');
     const Range whole = Trimmed({line.first, equals});
@@ -154,13 +159,13 @@ void ProfileParser<Text>::ReadEntry(Range line, std::vector<Profile::Line>& line
     }
     m_afterNameless = name.first == name.last;
     Profile::Line entry;
-    entry.nameOffset = m_text.OffsetOf(name.first);
+    Profile::DecodedLine decoded;
     entry.value.at = Profile::kNone;
     if (equals == line.last) {
         entry.name = Store(name);
     } else {
         const Range value = UpToNul(Trimmed({equals + 1, line.last}));
-        entry.valueOffset = m_text.OffsetOf(value.first);
+        decoded.valueOffset = m_text.OffsetOf(value.first);
         // The parts are stored as one text, so that the line can be shown as it is.
         const bool asIs = IsStoredAsIs({line.first, value.last});
         const auto store = [this, asIs](Range part) { return asIs ? InFile(part) : Append(part); };
@@ -168,8 +173,12 @@ void ProfileParser<Text>::ReadEntry(Range line, std::vector<Profile::Line>& line
         store({name.last, value.first});
         entry.value = store(value);
     }
-    entry.canBeAsked = CanBeAsked(name);
-    lines.push_back(entry);
+    lines.lines.push_back(entry);
+    if constexpr (std::is_same_v<Text, DecodedText>) {
+        decoded.nameOffset = m_text.OffsetOf(name.first);
+        decoded.canBeAsked = CanBeAsked(name);
+        lines.decoded.push_back(decoded);
+    }
 }
 
 /// @return where the line of `unit` begins; none unless only blanks come before it

@@ -53,7 +53,9 @@ public:
     }
 
     [[nodiscard]] std::vector<Profile::Section> FindSections();
-    [[nodiscard]] std::vector<Profile::Line> ReadLines(const Profile::Section& section);
+    /// @return true when both dialects find the same sections; known after FindSections
+    [[nodiscard]] bool IsReadAlike() const { return m_isReadAlike; }
+    void ReadLines(const Profile::Section& section, Profile::Lines& lines);
     [[nodiscard]] std::vector<uint32_t> FindLineStarts() const;
 
 private:
@@ -67,8 +69,8 @@ private:
         std::size_t last; ///< the one after it
     };
 
-    [[nodiscard]] std::optional<Range> SectionNameAt(std::size_t bracket) const;
-    void ReadEntry(Range line, std::vector<Profile::Line>& lines);
+    [[nodiscard]] std::optional<Range> SectionNameAt(std::size_t bracket);
+    void ReadEntry(Range line, Profile::Lines& lines);
 
     [[nodiscard]] std::optional<std::size_t> LineStart(std::size_t unit) const;
     [[nodiscard]] std::size_t LineEnd(std::size_t unit) const;
@@ -88,6 +90,7 @@ private:
     UnitsView m_units;
     std::string* m_appended;
     std::string m_encoded;
+    bool m_isReadAlike = true;
     bool m_hasNuls = true;        ///< in the section that is read
     bool m_afterNameless = false; ///< the line before this one of the section has an empty name
 };
