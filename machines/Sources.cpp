@@ -134,3 +134,14 @@ MachineSources ExpandSources(std::span<const std::string> arguments)
     }
     return expansion.Take();
 }
+
+std::vector<std::string> PathsOf(const MachineSources& machines)
+{
+    std::vector<std::string> paths;
+    for (const MachineSource& source : machines.sources) {
+        if (source.place == MachineSource::Place::File) {
+            paths.push_back(source.path);
+        }
+    }
+    return paths;
+}

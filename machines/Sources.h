@@ -30,3 +30,6 @@ struct MachineSources
 /// and relative paths begin at the list's own folder; "-", standard input; "live", this machine. Nothing is opened but
 /// the lists.
 [[nodiscard]] MachineSources ExpandSources(std::span<const std::string> arguments);
+
+/// @return the files among the sources.
+[[nodiscard]] std::vector<std::string> PathsOf(const MachineSources& machines);

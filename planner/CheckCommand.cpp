@@ -37,7 +37,7 @@ bool WriteBaseline(const CheckCommand& command, const KitFindings& found)
         return true;
     }
     Output file({.file = command.writeBaseline, .quiet = command.output.quiet});
-    if (!file.IsOpen()) {
+    if (!file.Open()) {
         return false;
     }
     file.Write(Baseline::TextFor(found));
@@ -95,9 +95,6 @@ void SayWhatIsLeftOut(Output& output, const CheckCommand& command, const KitFind
 ExitCode Run(const CheckCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
-        return ExitCode::Usage;
-    }
     std::string problem;
     KitOptions options = command.kit;
     options.reader = command.reader == CheckReader::Wine ? ProfileDialect::Wine : ProfileDialect::Windows;
@@ -110,6 +107,9 @@ ExitCode Run(const CheckCommand& command)
     std::unique_ptr<KitFolder> other;
     if (command.reader == CheckReader::Both) {
         other = std::make_unique<KitFolder>(kit->Where(), ProfileDialect::Wine);
+    }
+    if (!output.Open({command.baseline})) {
+        return ExitCode::Usage;
     }
     KitFindings found = CheckKit(*kit, other.get(), {.systems = command.systems});
     if (!WriteBaseline(command, found)) {
@@ -127,7 +127,7 @@ ExitCode Run(const CheckCommand& command)
 ExitCode Run(const RulesCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
+    if (!output.Open()) {
         return ExitCode::Usage;
     }
     if (command.markdown) {

@@ -39,23 +39,24 @@ std::string HelpOf(const CLI::App* app)
     return help;
 }
 
-void CheckSystem(const std::string& section)
+/// @return what is wrong with the name of a system; empty for a good one.
+std::string SystemProblem(const std::string& section)
 {
-    if (!IsSystemSection(section)) {
-        throw CLI::ValidationError("--system", section + " is no system; one of " + Joined(SystemSections()));
-    }
+    return IsSystemSection(section) ? "" : section + " is no system; one of " + Joined(SystemSections());
 }
 
-void CheckFamily(const std::string& name)
+/// @return what is wrong with the name of a family; empty for a good one.
+std::string FamilyProblem(const std::string& name)
 {
-    if (!FindServedFamily(name)) {
-        std::vector<std::string> names;
-        names.reserve(kServedFamilies.size());
-        for (const ServedFamily& family : kServedFamilies) {
-            names.push_back("\"" + std::string(family.name) + "\"");
-        }
-        throw CLI::ValidationError("--family", name + " is no family; one of " + Joined(names));
+    if (FindServedFamily(name)) {
+        return {};
     }
+    std::vector<std::string> names;
+    names.reserve(kServedFamilies.size());
+    for (const ServedFamily& family : kServedFamilies) {
+        names.push_back("\"" + std::string(family.name) + "\"");
+    }
+    return name + " is no family; one of " + Joined(names);
 }
 
 ProfileDialect DialectOf(const std::string& reader)
@@ -88,6 +89,10 @@ public:
 
     Request Parse(int argc, const char* const* argv)
     {
+        if (argc > 1 && *argv[1] != '-' && !IsCommand(argv[1])) {
+            return PrintedAnswer{.text = std::string(argv[1]) + " is no command; see morvix-kit --help",
+                                 .code = ExitCode::Usage};
+        }
         try {
             m_app.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
@@ -105,6 +110,11 @@ public:
     }
 
 private:
+    [[nodiscard]] bool IsCommand(const std::string& name) const
+    {
+        return !m_app.get_subcommands([&name](const CLI::App* command) { return command->get_name() == name; }).empty();
+    }
+
     /// @param request  Becomes the answer of Parse when the command is chosen.
     template <class Command>
     CLI::App& AddCommand(const char* name, const char* description, const char* usage, Command& request)
@@ -157,10 +167,10 @@ private:
     {
         app.add_option("--system", wish.system.section, "plan for this system, by its section name")
             ->type_name("SECTION")
-            ->each(CheckSystem);
+            ->check(SystemProblem);
         app.add_option("--family", wish.system.family, "with this name of the system's family")
             ->type_name("NAME")
-            ->each(CheckFamily);
+            ->check(FamilyProblem);
         app.add_flag("--scan-all", wish.scanAll, "search excluded INF files too (option /n)");
     }
 
@@ -265,7 +275,9 @@ private:
                            m_check.systems = SystemSections();
                            return;
                        }
-                       CheckSystem(section);
+                       if (const std::string problem = SystemProblem(section); !problem.empty()) {
+                           throw CLI::ValidationError("--system", problem);
+                       }
                        m_check.systems.push_back(section);
                    }
                },

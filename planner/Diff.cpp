@@ -106,6 +106,14 @@ bool MachineDiff::Changes() const
            });
 }
 
+bool MachineDiff::IsUnknown() const
+{
+    const auto isUnknown = [](MachineOutcome outcome) {
+        return outcome != MachineOutcome::Done && outcome != MachineOutcome::Fault;
+    };
+    return isUnknown(before) || isUnknown(after);
+}
+
 MachineDiff DiffOf(const MachinePlan& before, const MachinePlan& after)
 {
     MachineDiff diff{.name = before.name,
@@ -129,6 +137,10 @@ MachineDiff DiffOf(const MachinePlan& before, const MachinePlan& after)
 void DiffSummary::Add(const MachineDiff& diff)
 {
     ++machines;
+    if (diff.IsUnknown()) {
+        ++unknown;
+        return;
+    }
     losing += diff.Has(DriverChange::Lost) ? 1 : 0;
     changing += diff.Changes() ? 1 : 0;
 }
@@ -159,10 +171,11 @@ std::string DiffText(const MachineDiff& diff, const MachinePaths& oldPaths, cons
 
 std::string SummaryText(const DiffSummary& summary)
 {
-    const std::size_t same = summary.machines - summary.changing;
+    const std::size_t same = summary.machines - summary.changing - summary.unknown;
     return Counted(summary.machines, "machine") + ": " + std::to_string(summary.losing) + " would lose a driver, " +
            std::to_string(summary.changing - summary.losing) + " would change otherwise, " + std::to_string(same) +
-           " would stay as they are\n";
+           " would stay as they are" +
+           (summary.unknown == 0 ? "" : ", " + std::to_string(summary.unknown) + " could not be planned") + "\n";
 }
 
 std::string DiffJsonHead(const KitFolder& oldKit, const KitFolder& newKit)
@@ -210,6 +223,7 @@ std::string DiffJsonTail(const DiffSummary& summary)
     json.Key("machines").Number(summary.machines);
     json.Key("losing").Number(summary.losing);
     json.Key("changing").Number(summary.changing);
+    json.Key("unknown").Number(summary.unknown);
     json.EndObject();
     return text + R"(,"summary":)" + counts + "}";
 }

@@ -41,6 +41,8 @@ struct MachineDiff
 
     [[nodiscard]] bool Has(DriverChange change) const;
     [[nodiscard]] bool Changes() const;
+    /// @return true when a kit could not be planned for the machine: nothing is known of its drivers.
+    [[nodiscard]] bool IsUnknown() const;
 };
 
 /// @param before  With the old kit.
@@ -53,6 +55,7 @@ struct DiffSummary
     std::size_t machines = 0;
     std::size_t losing = 0;   ///< lose a driver
     std::size_t changing = 0; ///< change in any way, the losing ones included
+    std::size_t unknown = 0;  ///< could not be planned; in none of the other two
 
     void Add(const MachineDiff& diff);
 };

@@ -15,9 +15,6 @@ struct MachineDifference
 ExitCode Run(const DiffCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
-        return ExitCode::Usage;
-    }
     std::string problem;
     const std::unique_ptr<KitFolder> oldKit = OpenKit(command.oldKit, problem);
     const std::unique_ptr<KitFolder> newKit = oldKit ? OpenKit(command.newKit, problem) : nullptr;
@@ -27,6 +24,9 @@ ExitCode Run(const DiffCommand& command)
     }
     const MachineSources machines = ExpandSources(command.machines);
     output.Say(machines.diagnostics);
+    if (!output.Open(PathsOf(machines))) {
+        return ExitCode::Usage;
+    }
     Planner before(*oldKit, command.wish);
     Planner after(*newKit, command.wish);
 

@@ -34,9 +34,6 @@ std::string TextFor(const ExplainCommand& command, const Planner& planner, const
 ExitCode Run(const ExplainCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
-        return ExitCode::Usage;
-    }
     std::string problem;
     const std::unique_ptr<KitFolder> kit = OpenKit(command.kit, problem);
     if (!kit) {
@@ -61,6 +58,9 @@ ExitCode Run(const ExplainCommand& command)
     const std::string text = TextFor(command, planner, machine, plan, output.Style(), problem);
     if (text.empty()) {
         output.Complain(problem);
+        return ExitCode::Usage;
+    }
+    if (!output.Open(PathsOf(machines))) {
         return ExitCode::Usage;
     }
     output.Write(text);

@@ -113,6 +113,10 @@ void KitFolder::ReadFile(const std::string& path, uint32_t codePage, FileSlot& s
     slot.isAscii = !bytes || IsAscii(*bytes);
     slot.file = std::make_unique<const KitFile>(here.value_or(std::filesystem::path()), std::move(bytes), stamp,
                                                 PageOf(codePage), m_dialect);
+    if (!slot.file->Text().IsReadAlike()) {
+        Remark(Severity::Note, here->string(), "Windows and Wine read a mark or a section name of it differently",
+               "plan with --reader wine too; morvix-kit check says what changes (MK601)");
+    }
 }
 
 std::optional<std::filesystem::path> KitFolder::FindFile(const std::string& path)

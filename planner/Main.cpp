@@ -3,12 +3,13 @@
 #include <variant>
 
 #include "CommandLine.h"
+#include "Printable.h"
 
 namespace {
 ExitCode Run(const PrintedAnswer& answer)
 {
     if (answer.code == ExitCode::Usage) {
-        static_cast<void>(std::fprintf(stderr, "morvix-kit: %s\n", answer.text.c_str()));
+        static_cast<void>(std::fprintf(stderr, "morvix-kit: %s\n", Printable(answer.text).c_str()));
     } else {
         std::fputs(answer.text.c_str(), stdout);
     }

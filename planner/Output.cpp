@@ -1,8 +1,10 @@
 #include "Output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "Printable.h"
 
@@ -65,15 +67,32 @@ void Output::FileCloser::operator()(std::FILE* file) const noexcept
 }
 
 Output::Output(const OutputOptions& options)
-    : m_options(options),
-      m_data(options.file.empty() ? StandardOutput() : std::fopen(options.file.c_str(), "wb")),
-      m_style(WantsColours(options)),
-      m_showsProgress(!options.quiet && IsTerminal(stderr))
+    : m_options(options), m_style(WantsColours(options)), m_showsProgress(!options.quiet && IsTerminal(stderr))
 {
+}
+
+bool Output::Open(const std::vector<std::string>& inputs)
+{
+    if (m_options.file.empty()) {
+        m_data.reset(StandardOutput());
+        return true;
+    }
+    const auto isOutput = [this](const std::string& input) {
+        std::error_code error;
+        return std::filesystem::is_regular_file(input, error) &&
+               std::filesystem::equivalent(input, m_options.file, error);
+    };
+    if (std::ranges::any_of(inputs, isOutput)) {
+        Complain(Printable(m_options.file) + ": is also read, and would be lost; name another file with --output");
+        return false;
+    }
+    m_data.reset(std::fopen(m_options.file.c_str(), "wb"));
     if (m_data == nullptr) {
-        Complain(Printable(options.file) + ": cannot be written (" + std::strerror(errno) +
+        const int error = errno;
+        Complain(Printable(m_options.file) + ": cannot be written (" + std::strerror(error) +
                  "); name another file with --output");
     }
+    return m_data != nullptr;
 }
 
 Output::~Output()
@@ -138,7 +157,7 @@ void Output::ClearProgress()
 ExitCode Output::Finish(ExitCode code)
 {
     ClearProgress();
-    if (!m_failed && std::fflush(m_data.get()) != 0) {
+    if (!m_failed && m_data != nullptr && std::fflush(m_data.get()) != 0) {
         m_failed = true;
         Complain(std::string("the output cannot be written: ") + std::strerror(errno));
     }

@@ -34,9 +34,12 @@ public:
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
+    /// Opens the output. A file loses its content here, so this comes after all other reasons to give up.
+    /// @param inputs  The files that the command reads; the output must be none of them.
     /// @return false when the file cannot be opened; the reason is printed.
-    [[nodiscard]] bool IsOpen() const { return m_data != nullptr; }
+    [[nodiscard]] bool Open(const std::vector<std::string>& inputs = {});
 
+    /// The output must be open.
     void Write(std::string_view data);
 
     /// Says something about an input. Notes and warnings are left out when the user wants quiet.

@@ -92,9 +92,6 @@ private:
 ExitCode Run(const PlanCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
-        return ExitCode::Usage;
-    }
     std::string problem;
     const std::unique_ptr<KitFolder> kit = OpenKit(command.kit, problem);
     if (!kit) {
@@ -103,6 +100,9 @@ ExitCode Run(const PlanCommand& command)
     }
     const MachineSources machines = ExpandSources(command.machines);
     output.Say(machines.diagnostics);
+    if (!output.Open(PathsOf(machines))) {
+        return ExitCode::Usage;
+    }
     Planner planner(*kit, command.wish);
     const std::size_t count = machines.sources.size();
     const PlanPrinter printer(command, planner, output.Style(), count == 1);

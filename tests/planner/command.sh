@@ -104,7 +104,7 @@ promise "man page and completions have the options of the help, and no others" m
 
 # --- exit codes ------------------------------------------------------------------------------------------------------
 wrong_usage_is_two() {
-    ends_with 2 && says COMMAND\|subcommand && ends_with 2 frobnicate kit && ends_with 2 plan kit && says MACHINE &&
+    ends_with 2 && says COMMAND\|subcommand && ends_with 2 frobnicate kit && says 'frobnicate is no command' && ends_with 2 plan kit && says MACHINE &&
         ends_with 2 plan nokit PC7.reg && says 'nokit: no such folder' &&
         ends_with 2 plan fleet PC7.reg && says 'Morvix.ini' &&
         ends_with 2 plan kit PC7.reg --system Win95 && says 'Win732E' &&
@@ -115,7 +115,7 @@ wrong_usage_is_two() {
         ends_with 2 plan kit PC7.reg --json --trace && says 'exclude' &&
         ends_with 2 explain kit PC7.reg VEN_5D1A && says 'more than one device' &&
         ends_with 2 explain kit PC7.reg FFFF && says 'no such device' &&
-        ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written'
+        ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written (No such file'
 }
 promise "wrong usage ends with 2 and one line that says what and how" wrong_usage_is_two
 driver_is_required() {
@@ -146,6 +146,13 @@ output_goes_to_a_file() {
     ends_with 0 plan kit PC7.reg && cp out expected && ends_with 0 plan kit PC7.reg --output file && [[ ! -s out ]] && cmp expected file
 }
 promise "--output writes the same to a file" output_goes_to_a_file
+no_file_is_lost() {
+    printf 'kept\n' >keep && cp -- PC7.reg victim.reg &&
+        ends_with 2 plan nokit PC7.reg --output keep && ends_with 2 explain kit PC7.reg FFFF --output keep && grep -qx kept keep &&
+        ends_with 2 plan kit victim.reg -o victim.reg && says 'is also read' && cmp PC7.reg victim.reg &&
+        ends_with 2 diff kit kit fleet -o fleet/A.reg && says 'is also read' && ends_with 0 plan kit fleet
+}
+promise "--output takes no file's content when nothing is answered, and never that of an input" no_file_is_lost
 report_is_one_page() {
     ends_with 0 report kit PC7.reg fleet -o page.html && [[ ! -s out && ! -s err ]] && grep -q 'Of 4 machines, 1 lacks a driver;' page.html &&
         ends_with 0 report kit PC7.reg fleet && cmp out page.html && ends_with 0 report less fleet --old kit &&

@@ -1,10 +1,12 @@
 #include "Diff.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "JsonCheck.h"
 #include "KitOnDisk.h"
 #include "Planner.h"
+
+using testing::HasSubstr;
 
 namespace {
 /// Two kits of one INF each, and a machine with one card.
@@ -79,6 +81,21 @@ TEST_F(DiffTest, ALostDriverIsNamedAndCounted)
     summary.Add(diff);
     EXPECT_EQ("1 machine: 1 would lose a driver, 0 would change otherwise, 0 would stay as they are\n",
               SummaryText(summary));
+}
+
+TEST_F(DiffTest, AMachineThatCannotBePlannedIsCountedAsSuch)
+{
+    m_old.Write("Drv/a.inf", Inf({.ids = {kCard}}));
+    Machine machine = MachineWithCards({kCard});
+    machine.refused = true;
+    DiffSummary summary;
+    summary.Add(Diff());
+    summary.Add(Diff(machine));
+    EXPECT_EQ(
+        "2 machines: 1 would lose a driver, 0 would change otherwise, 0 would stay as they are, 1 could not be "
+        "planned\n",
+        SummaryText(summary));
+    EXPECT_THAT(DiffJsonTail(summary), HasSubstr(R"("unknown":1)"));
 }
 
 TEST_F(DiffTest, AGainedDriverChangesTheMachineAndLosesNothing)

@@ -22,6 +22,8 @@ protected:
         m_folder.Write("Drv/late.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B"}}));
         m_folder.Write("Drv/mapped.inf", Inf({.ids = {kOtherCard},
                                               .more = "[Norda.NTx86]\r\n%Nic%=Nic.ndi, PCI\\VEN_5D1A&DEV_1A2B\r\n"}));
+        m_folder.Write("Drv/small.inf", Inf({.ids = {kOtherCard},
+                                             .more = "[Norda.NTx86]\r\n%Nic%=Nic.ndi, pci\\ven_5d1a&dev_1a2b\r\n"}));
         m_folder.Write("Drv/ngea63.inf", Inf({.ids = {"VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A"}}));
         m_folder.Write("Drv/none.inf", Inf({.manufacturer = "x=y"}));
         m_folder.Write("Drv/out.inf", Inf({.ids = {kCard}}));
@@ -76,8 +78,11 @@ TEST_F(ExplainTest, WhyNotNamesTheFirstThingThatKeptAnInfFromWinning)
     EXPECT_THAT(WhyNotOf("form.inf"), HasSubstr("line 7, in section [Norda.NTamd64], lists "
                                                 "VEN_5D1A&DEV_1A2B&SUBSYS_FFFF5D1A, which no pass looks for"));
     EXPECT_THAT(WhyNotOf("mapped.inf"), HasSubstr("line 9, in section [Norda.NTx86]"));
+    EXPECT_THAT(WhyNotOf("small.inf"), HasSubstr("line 9, in section [Norda.NTx86]"));
+    EXPECT_THAT(WhyNotOf(m_folder.Path().string() + "/More/twin.inf"), HasSubstr("which is searched before it"));
     EXPECT_THAT(WhyNotOf("More/none.inf"), HasSubstr("nor VEN_5D1A&DEV_1A2B anywhere else"));
-    EXPECT_EQ("problem: absent.inf: no such file in the kit", WhyNotOf("absent.inf"));
+    EXPECT_EQ("problem: absent.inf: no such file in the kit; name it by its path in the kit, or by its name alone",
+              WhyNotOf("absent.inf"));
     EXPECT_EQ("problem: none.inf: more than one file fits; name one of: Drv/none.inf, More/none.inf",
               WhyNotOf("none.inf"));
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 #include <thread>
 
 using namespace std::string_literals;
@@ -180,6 +181,32 @@ TEST(Profile, AnAnswerStaysTheSameHoweverOftenItIsAskedFor)
         EXPECT_EQ(file.Value("A", "other"), "-") << question;
         EXPECT_EQ(file.Value("A", "missing"), "-") << question;
         EXPECT_EQ(file.Value("B", "k"), "4") << question;
+    }
+}
+
+TEST(Profile, ManyNamesBeyondAsciiAndManyLinesThatEndWithACarriageReturnAreFound)
+{
+    std::string sections;
+    std::string lines = "[A]\r";
+    for (int number = 0; number < 3000; ++number) {
+        std::string name;
+        for (int digit = number; name.size() < 4; digit /= 10) {
+            name += static_cast<char>('\xE0' + digit % 10);
+        }
+        sections += "[" + name + "]\rk=" + std::to_string(number) + "\r";
+        lines += name + "=" + std::to_string(number) + "\r";
+    }
+    const File bySection(sections, ProfileDialect::Windows);
+    const File byKey(lines, ProfileDialect::Windows);
+    const std::map<const char*, std::string> rows = {{"\xE2\xE1\xE0\xE0", "12"},
+                                                     {"\xC2\xC1\xC0\xC0", "12"},
+                                                     {"\xE9\xE9\xE9\xE2", "2999"},
+                                                     {"\xEA\xE0\xE0\xE0", "-"}};
+    for (const auto& [name, expected] : rows) {
+        EXPECT_EQ(bySection.Value(name, "k"), expected);
+        for (int question = 0; question < 10; ++question) {
+            EXPECT_EQ(byKey.Value("A", name), expected);
+        }
     }
 }
 
