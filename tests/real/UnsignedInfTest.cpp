@@ -1,0 +1,142 @@
+// What the system answers when it is to store an INF file without a catalog, and that it asks nobody.
+
+#include <gmock/gmock.h>
+
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
+
+#include <algorithm>
+
+#include "Bundle.h"
+#include "ChildTask.h"
+#include "EntryPoints.h"
+#include "Environment.h"
+#include "ProgramRun.h"
+#include "ScratchDirectory.h"
+#include "SystemLibrary.h"
+#include "WindowWatch.h"
+
+namespace {
+// An answer that takes longer waits for somebody.
+constexpr DWORD kLimit = 180000;
+constexpr DWORD kLookAgain = 100;
+
+using UninstallFn = decltype(&SetupUninstallOEMInfA);
+
+std::string InfWithoutCatalog()
+{
+    return "[Version]\r\nSignature=\"$Windows NT$\"\r\nClass=Net\r\n"
+           "ClassGUID={4D36E972-E325-11CE-BFC1-08002BE10318}\r\n"
+           "Provider=%Provider%\r\nDriverVer=01/02/2013,1.2.3.4\r\n\r\n"
+           "[Manufacturer]\r\n%Provider%=Norda,NTamd64\r\n\r\n"
+           "[Norda.NTamd64]\r\n%Probe%=Probe.ndi, PCI\\VEN_5D1A&DEV_7AFE\r\n\r\n"
+           "[Probe.ndi.NTamd64]\r\n\r\n"
+           "[Strings]\r\nProvider=\"Norda\"\r\nProbe=\"Norda Probe\"\r\n";
+}
+
+std::vector<std::string> StoredInfs()
+{
+    std::vector<std::string> names = FilesMatching(WindowsDirectory() + "\\inf\\*.inf");
+    std::ranges::sort(names);
+    return names;
+}
+
+/// Takes every INF file out of the store again that was not there before.
+class StorePutBack
+{
+public:
+    StorePutBack() = default;
+    ~StorePutBack() { Remove(); }
+    StorePutBack(const StorePutBack&) = delete;
+    StorePutBack& operator=(const StorePutBack&) = delete;
+
+    [[nodiscard]] std::vector<std::string> New() const
+    {
+        std::vector<std::string> names;
+        std::ranges::set_difference(StoredInfs(), m_before, std::back_inserter(names));
+        return names;
+    }
+
+    void Remove() const
+    {
+        const UniqueLibrary library = LoadSystemLibrary("setupapi.dll");
+        const auto uninstall = FindEntry<UninstallFn>(library.get(), "SetupUninstallOEMInfA");
+        for (const std::string& name : New()) {
+            if (uninstall != nullptr) {
+                uninstall(name.c_str(), SUOI_FORCEDELETE, nullptr);
+            }
+            // Wine leaves the INF's compiled form.
+            DeleteFileA((WindowsDirectory() + "\\inf\\" + name.substr(0, name.rfind('.')) + ".pnf").c_str());
+        }
+    }
+
+private:
+    std::vector<std::string> m_before = StoredInfs();
+};
+
+/// Closes what asks, after it was told and pictured.
+void ReportQuestions(const std::vector<SeenWindow>& windows, const std::string& name)
+{
+    if (windows.empty()) {
+        return;
+    }
+    LeavePicture(name + "-question");
+    for (const SeenWindow& window : windows) {
+        ADD_FAILURE() << "a window came: " << window.Description();
+        PostMessageA(window.window, WM_CLOSE, 0, 0);
+    }
+}
+
+/// Has a process of its own store the INF, in that mode, and watches the screen meanwhile.
+ChildReport StoreAndWatch(const std::string& inf, const std::string& mode)
+{
+    const ScratchDirectory directory;
+    const std::string report = directory.At("report.txt");
+    const WindowWatch watch;
+    const StartedProgram started =
+        StartProgram(OwnProgram(), ChildCommandLine(OwnProgram(), report, {"store", inf, mode}), directory.Path());
+    DWORD waited = 0;
+    // A console of the child's own would be a window that nobody asked for; it uses this program's.
+    for (; WaitForSingleObject(started.process.get(), kLookAgain) == WAIT_TIMEOUT && waited < kLimit;
+         waited += kLookAgain) {
+        ReportQuestions(watch.New(), "unsigned-inf-" + mode);
+    }
+    EXPECT_LT(waited, kLimit) << "the system does not answer";
+    if (waited >= kLimit) {
+        TerminateProcess(started.process.get(), 99);
+    }
+    return WaitForReport(started.process.get(), report);
+}
+
+class UnsignedInf : public testing::Test
+{
+protected:
+    void ExpectAnAnswerWithoutAQuestion(const std::string& mode)
+    {
+        const ScratchDirectory directory;
+        const StorePutBack store;
+        WriteFileBytes(directory.At("mrvxprob.inf"), InfWithoutCatalog());
+        const ChildReport answer = StoreAndWatch(directory.At("mrvxprob.inf"), mode);
+        RecordProperty("stored", answer.At("stored"));
+        RecordProperty("error", answer.At("error"));
+        if (answer.At("stored") == "yes") {
+            EXPECT_THAT(store.New(), testing::SizeIs(1));
+            store.Remove();
+        } else {
+            EXPECT_EQ(answer.At("stored"), "no");
+            EXPECT_NE(answer.At("error"), "0");
+        }
+        EXPECT_THAT(store.New(), testing::IsEmpty());
+    }
+};
+} // namespace
+
+TEST_F(UnsignedInf, IsStoredOrRefusedInTheSilentModeAndNothingAsks)
+{
+    ExpectAnAnswerWithoutAQuestion("silently");
+}
+
+TEST_F(UnsignedInf, IsStoredOrRefusedOutsideTheSilentModeAndNothingAsks)
+{
+    ExpectAnAnswerWithoutAQuestion("asking");
+}
