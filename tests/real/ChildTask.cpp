@@ -10,6 +10,7 @@
 
 #include "DebugOutput.h"
 #include "EntryPoints.h"
+#include "MountedDisc.h"
 #include "ScratchDirectory.h"
 #include "SystemLibrary.h"
 
@@ -92,6 +93,10 @@ ChildReport DoTask(const std::string& task, const std::vector<std::string>& argu
     }
     if (task == "store") {
         return StoreAndReport(arguments.at(0), arguments.at(1) == "asking");
+    }
+    if (task == "disc") {
+        WriteFileBytes(arguments.at(1), DiscOf(arguments.at(0)));
+        return {};
     }
     if (task == "self-repair") {
         return RepairAndReport(arguments.at(0), arguments.at(1));

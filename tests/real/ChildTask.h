@@ -13,6 +13,7 @@
 ///                           and its trace
 ///   start PROGRAM ARGUMENTS the same as the system wants it: the program's wish for rights counts
 ///   store INF silently|asking   has the system store an INF file, and reports "stored", "error" and "name"
+///   disc FOLDER FILE        writes the image of a disc that holds the folder
 ///   self-repair PRODUCT LOG reports the engine's "error" after it was asked for what it does by itself when the key
 ///                           file of a feature is missing
 

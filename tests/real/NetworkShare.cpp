@@ -11,17 +11,10 @@
 
 #include "Handles.h"
 #include "MachineUse.h"
+#include "WideText.h"
 
 namespace {
 constexpr char kName[] = "morvix-proof";
-
-std::wstring Wide(const std::string& text)
-{
-    std::wstring wide(text.size(), L'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                                             wide.data(), static_cast<int>(wide.size()))));
-    return wide;
-}
 
 bool ServerServiceRuns()
 {

@@ -16,6 +16,7 @@
 #include "MachineUse.h"
 #include "ProgramRun.h"
 #include "ScratchDirectory.h"
+#include "WideText.h"
 
 namespace {
 constexpr char kTask[] = "morvix-proof";
@@ -89,14 +90,6 @@ std::wstring UsersGroup()
         throw std::runtime_error("the group of all users is not known, error " + std::to_string(GetLastError()));
     }
     return name.data();
-}
-
-std::wstring Wide(const std::string& text)
-{
-    std::wstring wide(text.size(), L'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                                             wide.data(), static_cast<int>(wide.size()))));
-    return wide;
 }
 } // namespace
 

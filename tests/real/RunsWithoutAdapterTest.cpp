@@ -5,12 +5,13 @@
 #include "Bundle.h"
 #include "ChildTask.h"
 #include "Machine.h"
-#include "MachineUse.h"
+#include "MountedDisc.h"
 #include "NetworkShare.h"
 #include "OpenFolder.h"
 #include "OtherAccounts.h"
 #include "RunFolder.h"
 #include "RunOfAnEmptyMachine.h"
+#include "ScratchDirectory.h"
 #include "ShownTexts.h"
 
 namespace {
@@ -56,6 +57,17 @@ TEST_F(RunsWithoutAdapter, FromAMappedDriveIsTheSameRun)
     const NetworkShare share(folder.Path());
     const MappedDrive drive(share.Path());
     ExpectSilentRun(RunSilentlyIn(drive.Path() + "\\kit"), drive.Path() + "\\kit");
+}
+
+TEST_F(RunsWithoutAdapter, FromADiscIsTheSameRun)
+{
+    if (const auto why = MountedDisc::WhyNot()) {
+        GTEST_SKIP() << NotHere(*why);
+    }
+    const OpenFolder folder;
+    WriteFileBytes(folder.At("disc.iso"), DiscOf(folder.Kit()));
+    const MountedDisc disc(folder.At("disc.iso"));
+    ExpectSilentRun(RunSilentlyIn(disc.Drive() + "\\kit"), disc.Drive() + "\\kit");
 }
 
 TEST_F(RunsWithoutAdapter, InARemoteSessionShowsItsTexts)

@@ -6,6 +6,7 @@
 #include <setupapi.h>
 
 #include <algorithm>
+#include <set>
 
 #include "Bundle.h"
 #include "ChildTask.h"
@@ -75,31 +76,41 @@ private:
 };
 
 /// Closes what asks, after it was told and pictured.
-void ReportQuestions(const std::vector<SeenWindow>& windows, const std::string& name)
+class Questions
 {
-    if (windows.empty()) {
-        return;
+public:
+    explicit Questions(std::string picture) : m_picture(std::move(picture)) {}
+
+    void ReportAndClose()
+    {
+        for (const SeenWindow& seen : m_watch.New()) {
+            if (m_reported.insert(seen.window).second) {
+                ADD_FAILURE() << "a window came: " << seen.Description();
+                LeavePicture(m_picture);
+            }
+            PostMessageA(seen.window, WM_CLOSE, 0, 0);
+        }
     }
-    LeavePicture(name + "-question");
-    for (const SeenWindow& window : windows) {
-        ADD_FAILURE() << "a window came: " << window.Description();
-        PostMessageA(window.window, WM_CLOSE, 0, 0);
-    }
-}
+
+private:
+    WindowWatch m_watch;
+    std::string m_picture;
+    std::set<HWND> m_reported;
+};
 
 /// Has a process of its own store the INF, in that mode, and watches the screen meanwhile.
 ChildReport StoreAndWatch(const std::string& inf, const std::string& mode)
 {
     const ScratchDirectory directory;
     const std::string report = directory.At("report.txt");
-    const WindowWatch watch;
+    Questions questions("unsigned-inf-" + mode);
     const StartedProgram started =
         StartProgram(OwnProgram(), ChildCommandLine(OwnProgram(), report, {"store", inf, mode}), directory.Path());
     DWORD waited = 0;
     // A console of the child's own would be a window that nobody asked for; it uses this program's.
     for (; WaitForSingleObject(started.process.get(), kLookAgain) == WAIT_TIMEOUT && waited < kLimit;
          waited += kLookAgain) {
-        ReportQuestions(watch.New(), "unsigned-inf-" + mode);
+        questions.ReportAndClose();
     }
     EXPECT_LT(waited, kLimit) << "the system does not answer";
     if (waited >= kLimit) {

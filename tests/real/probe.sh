@@ -17,6 +17,7 @@ RestorePoint.IsBegunBeforeTheDevicesAndEndedAfterThem
 RunsWithoutAdapter.AsAStandardUserIsRefused
 RunsWithoutAdapter.AsATaskOfTheSystemAccountIsTheSameRun
 RunsWithoutAdapter.AtDoubleScalingShowsItsTextsWithinTheScreen
+RunsWithoutAdapter.FromADiscIsTheSameRun
 RunsWithoutAdapter.FromAMappedDriveIsTheSameRun
 RunsWithoutAdapter.FromAShareIsTheSameRun
 RunsWithoutAdapter.InARemoteSessionShowsItsTexts
@@ -93,8 +94,18 @@ list_left() {
         grep -vE '^\./(users/[^/]*/(AppData/Local/)?Temp|windows/(temp|Installer))/' || true
 }
 
+# Another reader of images finds on the disc what was to be on it.
+disc_is_read_elsewhere() {
+    run_limited 120 wine "$probe" --child disc "$(windows_path "$work/disc-report.txt")" \
+        "$(windows_path "$bundle/dist")" "$(windows_path "$work/disc.iso")" >/dev/null 2>&1
+    mkdir -- "$work/disc"
+    run_limited 60 cmake -E chdir "$work/disc" cmake -E tar xf "$work/disc.iso"
+    diff -r "$bundle/dist" "$work/disc/dist"
+}
+
 start_machine probe
 lay_out_bundle
+promise "the disc of the kit is read by other programs" disc_is_read_elsewhere
 (cd -- "$drive" && find . -type f | LC_ALL=C sort) >"$work/before"
 promise "the program imports what the oldest system has" starts_on_the_oldest_system
 run_rows machine '*'
