@@ -10,6 +10,7 @@
 
 #include "DebugOutput.h"
 #include "EntryPoints.h"
+#include "HexNumber.h"
 #include "MountedDisc.h"
 #include "ScratchDirectory.h"
 #include "SystemLibrary.h"
@@ -60,7 +61,7 @@ ChildReport StoreAndReport(const std::string& inf, bool mayAsk)
                               storedAs.data(), MAX_PATH, nullptr, &name);
     const DWORD error = GetLastError();
     return {.values = {{"stored", stored != FALSE ? "yes" : "no"},
-                       {"error", std::to_string(error)},
+                       {"error", Hex(error)},
                        {"name", stored != FALSE && name != nullptr ? name : ""}},
             .lines = {}};
 }

@@ -4,12 +4,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 
 #include "Bundle.h"
 #include "EntryPoints.h"
 #include "Environment.h"
+#include "HexNumber.h"
 #include "Machine.h"
 #include "NetInstClient.h"
 #include "NetworkCards.h"
@@ -17,13 +17,6 @@
 #include "SystemLibrary.h"
 
 namespace {
-std::string Hex(uint32_t number)
-{
-    std::array<char, 16> text{};
-    static_cast<void>(std::snprintf(text.data(), text.size(), "%08x", static_cast<unsigned>(number)));
-    return text.data();
-}
-
 /// The set-up functions of this process ask nobody during the life of the object.
 class SilentSetup
 {
@@ -51,14 +44,15 @@ protected:
     void SetUp() override
     {
         std::vector<NetworkCard> cards = PresentNetworkCards();
-        const auto onPci = std::ranges::count_if(cards, &NetworkCard::isPci);
+        const auto real =
+            std::ranges::count_if(cards, [](const NetworkCard& card) { return card.bus != Bus::Software; });
         std::erase_if(cards, [](const NetworkCard& card) { return !card.HasInBoxDriver(); });
         if (cards.empty()) {
             GTEST_SKIP() << NotHere(
                 "no network card has a driver that came with the system: use a virtual machine with "
                 "a card that Windows knows");
         }
-        if (IsRemoteSession() && onPci <= 1) {
+        if (IsRemoteSession() && real <= 1) {
             GTEST_SKIP() << NotHere("the only network card carries this remote session: run it at the machine");
         }
         m_card = cards.front();

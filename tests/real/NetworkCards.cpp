@@ -32,6 +32,14 @@ std::string Property(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property)
     return text.data();
 }
 
+Bus BusOf(const std::string& instanceId)
+{
+    if (instanceId.starts_with("PCI\\")) {
+        return Bus::Pci;
+    }
+    return instanceId.starts_with("ROOT\\") || instanceId.starts_with("SWD\\") ? Bus::Software : Bus::Other;
+}
+
 std::string InstanceIdOf(HDEVINFO set, SP_DEVINFO_DATA& device)
 {
     std::array<char, MAX_DEVICE_ID_LEN> id{};
@@ -59,10 +67,10 @@ std::vector<NetworkCard> PresentNetworkCards()
         card.service = Property(set.Get(), device, SPDRP_SERVICE);
         card.infName = ReadRegistryText(kClassKey + Property(set.Get(), device, SPDRP_DRIVER), "InfPath");
         card.node = device.DevInst;
-        card.isPci = UpperCase(card.instanceId).starts_with("PCI\\");
+        card.bus = BusOf(UpperCase(card.instanceId));
         cards.push_back(std::move(card));
     }
-    std::ranges::stable_partition(cards, &NetworkCard::isPci);
+    std::ranges::stable_sort(cards, {}, &NetworkCard::bus);
     return cards;
 }
 

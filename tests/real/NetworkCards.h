@@ -8,6 +8,14 @@
 #include <string>
 #include <vector>
 
+/// How near to real hardware a network device is.
+enum class Bus
+{
+    Pci,
+    Other,   ///< also the one by which a virtual machine reaches its host
+    Software ///< devices that the system itself has made up
+};
+
 /// A network device that is present.
 struct NetworkCard
 {
@@ -17,13 +25,13 @@ struct NetworkCard
     std::string service;
     std::string infName; ///< as the system keeps it, such as "netkvm.inf" or "oem3.inf"
     DEVINST node = 0;
-    bool isPci = false;
+    Bus bus = Bus::Software;
 
     /// Whether its driver came with the system.
     [[nodiscard]] bool HasInBoxDriver() const;
 };
 
-/// @return the present devices of the network class, those on the PCI bus first.
+/// @return the present devices of the network class, in the order of their buses.
 [[nodiscard]] std::vector<NetworkCard> PresentNetworkCards();
 
 /// What a device says of itself.

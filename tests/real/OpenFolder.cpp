@@ -12,6 +12,10 @@
 #include "Handles.h"
 #include "ScratchDirectory.h"
 
+namespace {
+constexpr DWORD kLimit = 20000;
+}
+
 OpenFolder::OpenFolder()
     : m_path(WindowsDirectory().substr(0, 2) + "\\morvix-proof-" + std::to_string(GetCurrentProcessId()))
 {
@@ -32,6 +36,12 @@ OpenFolder::OpenFolder()
 
 OpenFolder::~OpenFolder()
 {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
+    // A copy of this program that has left its report may still be about to end.
+    std::error_code inUse;
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < kLimit; Sleep(50)) {
+        std::filesystem::remove_all(m_path, inUse);
+        if (!inUse) {
+            break;
+        }
+    }
 }

@@ -47,7 +47,9 @@ class SystemTask
 public:
     explicit SystemTask(const std::string& command)
     {
-        if (Schedule("/create /f /ru SYSTEM /sc ONSTART /tn " + std::string(kTask) + " /tr " + command) != 0) {
+        // One that an earlier run has left. The oldest scheduler does not replace it by itself.
+        Schedule("/delete /f /tn " + std::string(kTask));
+        if (Schedule("/create /ru SYSTEM /sc ONSTART /tn " + std::string(kTask) + " /tr " + command) != 0) {
             throw std::runtime_error("the task scheduler does not take the task " + command);
         }
     }

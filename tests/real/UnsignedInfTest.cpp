@@ -5,13 +5,13 @@
 // setupapi.h needs windows.h first.
 #include <setupapi.h>
 
-#include <algorithm>
 #include <set>
 
 #include "Bundle.h"
 #include "ChildTask.h"
 #include "EntryPoints.h"
 #include "Environment.h"
+#include "HexNumber.h"
 #include "ProgramRun.h"
 #include "ScratchDirectory.h"
 #include "SystemLibrary.h"
@@ -22,6 +22,8 @@ namespace {
 constexpr DWORD kLimit = 180000;
 constexpr DWORD kLookAgain = 100;
 
+constexpr char kDevice[] = "VEN_5D1A&DEV_7AFE";
+
 using UninstallFn = decltype(&SetupUninstallOEMInfA);
 
 std::string InfWithoutCatalog()
@@ -30,39 +32,38 @@ std::string InfWithoutCatalog()
            "ClassGUID={4D36E972-E325-11CE-BFC1-08002BE10318}\r\n"
            "Provider=%Provider%\r\nDriverVer=01/02/2013,1.2.3.4\r\n\r\n"
            "[Manufacturer]\r\n%Provider%=Norda,NTamd64\r\n\r\n"
-           "[Norda.NTamd64]\r\n%Probe%=Probe.ndi, PCI\\VEN_5D1A&DEV_7AFE\r\n\r\n"
+           "[Norda.NTamd64]\r\n%Probe%=Probe.ndi, PCI\\" +
+           std::string(kDevice) +
+           "\r\n\r\n"
            "[Probe.ndi.NTamd64]\r\n\r\n"
            "[Strings]\r\nProvider=\"Norda\"\r\nProbe=\"Norda Probe\"\r\n";
 }
 
-std::vector<std::string> StoredInfs()
+/// The names under which the store has the INF of this test.
+std::vector<std::string> StoredCopies()
 {
-    std::vector<std::string> names = FilesMatching(WindowsDirectory() + "\\inf\\*.inf");
-    std::ranges::sort(names);
+    const std::string folder = WindowsDirectory() + "\\inf\\";
+    std::vector<std::string> names = FilesMatching(folder + "*.inf");
+    std::erase_if(names, [&](const std::string& name) {
+        return ReadFileBytes(folder + name).find(kDevice) == std::string::npos;
+    });
     return names;
 }
 
-/// Takes every INF file out of the store again that was not there before.
-class StorePutBack
+/// Takes the INF out of the store, before the test and after it.
+class CleanStore
 {
 public:
-    StorePutBack() = default;
-    ~StorePutBack() { Remove(); }
-    StorePutBack(const StorePutBack&) = delete;
-    StorePutBack& operator=(const StorePutBack&) = delete;
+    CleanStore() { Remove(); }
+    ~CleanStore() { Remove(); }
+    CleanStore(const CleanStore&) = delete;
+    CleanStore& operator=(const CleanStore&) = delete;
 
-    [[nodiscard]] std::vector<std::string> New() const
-    {
-        std::vector<std::string> names;
-        std::ranges::set_difference(StoredInfs(), m_before, std::back_inserter(names));
-        return names;
-    }
-
-    void Remove() const
+    static void Remove()
     {
         const UniqueLibrary library = LoadSystemLibrary("setupapi.dll");
         const auto uninstall = FindEntry<UninstallFn>(library.get(), "SetupUninstallOEMInfA");
-        for (const std::string& name : New()) {
+        for (const std::string& name : StoredCopies()) {
             if (uninstall != nullptr) {
                 uninstall(name.c_str(), SUOI_FORCEDELETE, nullptr);
             }
@@ -70,9 +71,6 @@ public:
             DeleteFileA((WindowsDirectory() + "\\inf\\" + name.substr(0, name.rfind('.')) + ".pnf").c_str());
         }
     }
-
-private:
-    std::vector<std::string> m_before = StoredInfs();
 };
 
 /// Closes what asks, after it was told and pictured.
@@ -125,19 +123,19 @@ protected:
     void ExpectAnAnswerWithoutAQuestion(const std::string& mode)
     {
         const ScratchDirectory directory;
-        const StorePutBack store;
+        const CleanStore store;
         WriteFileBytes(directory.At("mrvxprob.inf"), InfWithoutCatalog());
         const ChildReport answer = StoreAndWatch(directory.At("mrvxprob.inf"), mode);
         RecordProperty("stored", answer.At("stored"));
         RecordProperty("error", answer.At("error"));
         if (answer.At("stored") == "yes") {
-            EXPECT_THAT(store.New(), testing::SizeIs(1));
+            EXPECT_THAT(StoredCopies(), testing::SizeIs(1));
             store.Remove();
         } else {
             EXPECT_EQ(answer.At("stored"), "no");
-            EXPECT_NE(answer.At("error"), "0");
+            EXPECT_NE(answer.At("error"), Hex(ERROR_SUCCESS));
         }
-        EXPECT_THAT(store.New(), testing::IsEmpty());
+        EXPECT_THAT(StoredCopies(), testing::IsEmpty());
     }
 };
 } // namespace
