@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cstdio>
 #include <optional>
 
 #include "Bundle.h"
@@ -12,9 +14,12 @@
 #include "RunFolder.h"
 #include "RunOfAnEmptyMachine.h"
 #include "SystemLibrary.h"
+#include "WideText.h"
+#include "WmiQuery.h"
 
 namespace {
 constexpr char kRestoreKey[] = R"(SOFTWARE\Microsoft\Windows NT\CurrentVersion\SystemRestore)";
+constexpr wchar_t kRestoreNamespace[] = L"root\\default";
 constexpr char kPolicyKey[] = R"(SOFTWARE\Policies\Microsoft\Windows NT\SystemRestore)";
 
 bool IsZeroOrMissing(const char* key, const char* name)
@@ -44,6 +49,20 @@ std::optional<std::string> WhyNoRestorePoints()
     return std::nullopt;
 }
 
+/// What asks for the restore points of driver installations since now, which the system keeps by their time in UTC.
+std::wstring QueryForPointsSinceNow()
+{
+    SYSTEMTIME now{};
+    GetSystemTime(&now);
+    std::array<char, 160> text{};
+    static_cast<void>(std::snprintf(text.data(), text.size(),
+                                    "SELECT * FROM SystemRestore WHERE RestorePointType = %d AND CreationTime > "
+                                    "'%04u%02u%02u%02u%02u%02u.000000-000'",
+                                    DEVICE_DRIVER_INSTALL, now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute,
+                                    now.wSecond));
+    return Wide(text.data());
+}
+
 class RestorePoint : public EmptyMachine
 {
 protected:
@@ -57,12 +76,16 @@ protected:
 };
 } // namespace
 
-TEST_F(RestorePoint, IsBegunBeforeTheDevicesAndEndedAfterThem)
+TEST_F(RestorePoint, IsBegunBeforeTheDevicesEndedAfterThemAndKept)
 {
     // Since Windows 8 the system passes over a point that comes too soon after another one.
     const SavedRegistryValue frequency(kRestoreKey, "SystemRestorePointCreationFrequency");
     SetRegistryNumber(kRestoreKey, "SystemRestorePointCreationFrequency", 0);
     const RunFolder folder;
+    const std::wstring query = QueryForPointsSinceNow();
+    ASSERT_EQ(AskWmi(kRestoreNamespace, query.c_str()), WmiAnswer::NoRows);
+    // Times are kept in whole seconds: the point must not have this one.
+    Sleep(1100);
 
     const FinishedRun run = RunSilentlyIn(folder.Path());
 
@@ -73,4 +96,5 @@ TEST_F(RestorePoint, IsBegunBeforeTheDevicesAndEndedAfterThem)
     EXPECT_THAT(
         run.Between("Entering EndRestorePoint", "Exit -> InstallDrivers()\n"),
         testing::ElementsAre("Entering EndRestorePoint", "Exiting EndRestorePoint", "Exit -> InstallDrivers()\n"));
+    EXPECT_EQ(AskWmi(kRestoreNamespace, query.c_str()), WmiAnswer::Rows) << "the system has no point of this run";
 }

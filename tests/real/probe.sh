@@ -13,7 +13,7 @@ newer=${version%.*}.$((${version##*.} + 1))
 # Rows that Wine cannot do, whatever the machine.
 impossible='InBoxDriver.BoundThroughTheInstallerLibraryOnceMoreKeepsTheCardWorking
 PackageLifetime.AStandardUserReadsTheFolderAndCannotWriteToIt
-RestorePoint.IsBegunBeforeTheDevicesAndEndedAfterThem
+RestorePoint.IsBegunBeforeTheDevicesEndedAfterThemAndKept
 RunsWithoutAdapter.AsAStandardUserIsRefused
 RunsWithoutAdapter.AsATaskOfTheSystemAccountIsTheSameRun
 RunsWithoutAdapter.AtDoubleScalingShowsItsTextsWithinTheScreen
