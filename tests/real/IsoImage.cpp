@@ -288,7 +288,7 @@ private:
         for (const std::size_t bytes : {128, 128, 128, 128, 37, 37, 37}) {
             text += Field("", bytes, form);
         }
-        // Four times that are not told, and the version of the structure.
+        // Four times, none of them given, and the version of the structure.
         for (int i = 0; i < 4; ++i) {
             text += std::string(16, '0') + '\0';
         }

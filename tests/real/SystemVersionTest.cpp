@@ -29,8 +29,8 @@ Version OwnVersion()
     return {own.major, own.minor};
 }
 
-/// What such a program has to be told.
-Version ToldVersion()
+/// What the system has to report to such a program.
+Version ReportedVersion()
 {
     return std::min(OwnVersion(), kLastKnown);
 }
@@ -73,12 +73,12 @@ TEST_F(SystemVersion, IsTheOneOfTheRegistry)
 
 TEST_F(SystemVersion, IsReportedAs62WhereItIsLater)
 {
-    OSVERSIONINFOEXA told{};
-    told.dwOSVersionInfoSize = sizeof(told);
-    ASSERT_NE(GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&told)), FALSE);
-    RecordProperty("told", AsText({told.dwMajorVersion, told.dwMinorVersion}));
-    EXPECT_EQ(AsText({told.dwMajorVersion, told.dwMinorVersion}), AsText(ToldVersion()));
-    EXPECT_EQ(told.wProductType, OwnVersionOfTheSystem().productType);
+    OSVERSIONINFOEXA reported{};
+    reported.dwOSVersionInfoSize = sizeof(reported);
+    ASSERT_NE(GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&reported)), FALSE);
+    RecordProperty("reported", AsText({reported.dwMajorVersion, reported.dwMinorVersion}));
+    EXPECT_EQ(AsText({reported.dwMajorVersion, reported.dwMinorVersion}), AsText(ReportedVersion()));
+    EXPECT_EQ(reported.wProductType, OwnVersionOfTheSystem().productType);
 }
 
 TEST_F(SystemVersion, MakesTheInstallerLibraryNameItsFamily)
@@ -91,7 +91,7 @@ TEST_F(SystemVersion, MakesTheInstallerLibraryNameItsFamily)
     const int64_t status = prober->IdentifySystem(&record);
     RecordProperty("family", record.Family());
     EXPECT_EQ(static_cast<uint32_t>(status), 0u);
-    EXPECT_EQ(record.Family(), ToldVersion().first == 5 ? "Windows Whistler" : "Windows Vista");
+    EXPECT_EQ(record.Family(), ReportedVersion().first == 5 ? "Windows Whistler" : "Windows Vista");
 }
 
 TEST_F(SystemVersion, MakesTheProgramsOwnCodeNameTheSystem)
@@ -103,8 +103,8 @@ TEST_F(SystemVersion, MakesTheProgramsOwnCodeNameTheSystem)
         {{6, 1}, {osWINSEVEN32E, osWIN2K8R232E}},
         {{6, 2}, {osWINEIGHT32E, osWINEIGHTSRV32E}},
     };
-    const auto expected = codes.find(ToldVersion());
-    ASSERT_NE(expected, codes.end()) << "no 64-bit system has the version " << AsText(ToldVersion());
+    const auto expected = codes.find(ReportedVersion());
+    ASSERT_NE(expected, codes.end()) << "no 64-bit system has the version " << AsText(ReportedVersion());
     const OSCode code = COSVersion().GetOSCode();
     RecordProperty("section", std::string(kSystems.at(code).sectionKey));
     EXPECT_EQ(code, isWorkstation ? expected->second.first : expected->second.second);

@@ -73,7 +73,7 @@ public:
     }
 };
 
-/// Closes what asks, after it was told and pictured.
+/// Reports every window that comes, leaves a picture of it and closes it.
 class Questions
 {
 public:

@@ -41,12 +41,13 @@ all_rows() {
         awk '/^[A-Za-z]*\.$/ { suite = $1 } /^  / { print suite $1 }'
 }
 
-# run_rows NAME FILTER: the program's rows; `report` is what it wrote.
+# run_rows NAME FILTER: the program's rows, and what became of them in `proved`, `refused` and `left_out`.
 run_rows() {
     report=$work/$1.xml
     run_limited 600 env "MORVIX_PROOF=$(windows_path "$bundle")" "MORVIX_PROOF_RESULTS=$(windows_path "$work/results-$1")" \
         wine "$bundle/tests/morvix_probe.exe" --gtest_filter="$2" "--gtest_output=xml:$(windows_path "$report")" \
         >"$work/$1.log" 2>&1 || true
+    proved=$(rows proved) refused=$(rows refused) left_out=$(rows skipped)
 }
 
 # rows RESULT: the rows of the report that ended so: proved, refused, skipped.
@@ -66,9 +67,9 @@ for case in tree.parse(sys.argv[1]).iter("testcase"):
 END
 }
 
-proved() { grep -qxF "$1" <(rows proved) || { sed -n "/RUN.*$1/,/FAILED.*$1/p" "${report%.xml}.log" | sed 's/^/  /'; return 1; }; }
+row_proved() { grep -qxF "$1" <<<"$proved" || { sed -n "/RUN.*$1/,/FAILED.*$1/p" "${report%.xml}.log" | sed 's/^/  /'; return 1; }; }
 
-only_these_are_left_out() { diff <(rows skipped | LC_ALL=C sort) <(printf '%s\n' "$impossible"); }
+only_these_are_left_out() { diff <(LC_ALL=C sort <<<"$left_out") <(printf '%s\n' "$impossible"); }
 
 imported() {
     x86_64-w64-mingw32-objdump -p "$probe" |
@@ -110,7 +111,7 @@ promise "the disc of the kit is read by other programs" disc_is_read_elsewhere
 promise "the program imports what the oldest system has" starts_on_the_oldest_system
 run_rows machine '*'
 while read -r row; do
-    promise "$row" proved "$row"
+    promise "$row" row_proved "$row"
 done < <(all_rows | grep -vxF "$impossible")
 promise "only what Wine cannot do is left out" only_these_are_left_out
 promise "nothing is left on the machine" nothing_is_left
@@ -121,12 +122,12 @@ run_limited 120 wine "$bundle/dist/Morvix.exe" /s /nr
 cp -- "$bundle/dist/Drv/Win7x64/ngea62x64.sys" "$drive/windows/inf/"
 run_rows card 'InBoxDriver.*'
 promise "a card with a driver of the system's own is bound to it once more" \
-    proved InBoxDriver.BoundThroughTheInstallerLibraryOnceMoreKeepsTheCardWorking
+    row_proved InBoxDriver.BoundThroughTheInstallerLibraryOnceMoreKeepsTheCardWorking
 run_rows adapter 'RunsWithoutAdapter.*:RestorePoint.*'
-promise "a machine with an adapter runs no row that needs one without" same "$(rows proved)$(rows refused)" ''
+promise "a machine with an adapter runs no row that needs one without" same "$proved$refused" ''
 
 run_limited 60 wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d 192 /f >/dev/null 2>&1
 unplug "$gigabit"
 run_rows double 'RunsWithoutAdapter.AtDoubleScaling*'
-promise "a screen with double scaling shows the dialog" proved RunsWithoutAdapter.AtDoubleScalingShowsItsTextsWithinTheScreen
+promise "a screen with double scaling shows the dialog" row_proved RunsWithoutAdapter.AtDoubleScalingShowsItsTextsWithinTheScreen
 end_promises
