@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -12,8 +11,9 @@ namespace {
 std::string FolderFromEnvironment(const char* name, const std::string& otherwise)
 {
     const char* value = std::getenv(name);
-    std::string path = value == nullptr || *value == '\0' ? otherwise : value;
-    std::ranges::replace(path, '/', '\\');
+    const std::string given = value == nullptr || *value == '\0' ? otherwise : value;
+    // Whole, because other programs get paths below it and have other current directories.
+    std::string path = std::filesystem::absolute(given).make_preferred().string();
     while (path.ends_with('\\')) {
         path.pop_back();
     }
