@@ -15,6 +15,7 @@
 #include "MachineState.h"
 #include "Report.h"
 #include "Screenshot.h"
+#include "Sha256.h"
 #include "SystemFacts.h"
 
 namespace {
@@ -72,7 +73,8 @@ int Step(Arguments /*arguments*/)
 
 int Facts(Arguments arguments)
 {
-    WriteWholeFile(arguments[0], SystemFacts());
+    const std::string sums = ReadWholeFile(Folders().root + R"(\sums.txt)");
+    WriteWholeFile(arguments[0], "bundle: " + Sha256(sums) + '\n' + SystemFacts());
     return 0;
 }
 
