@@ -35,25 +35,25 @@ BundleFolders Folders()
     return folders;
 }
 
-int Elevated(Arguments /*arguments*/)
+int TellElevation(Arguments /*arguments*/)
 {
     return IsElevated() ? 0 : kNo;
 }
 
-int Sums(Arguments /*arguments*/)
+int CheckSums(Arguments /*arguments*/)
 {
     const std::string changed = ChangedFiles(Folders().root);
     std::fputs(changed.c_str(), stdout);
     return changed.empty() ? 0 : kNo;
 }
 
-int Begin(Arguments /*arguments*/)
+int BeginSteps(Arguments /*arguments*/)
 {
     BeginRun(Folders(), EnvironmentText("MORVIX_PROOF_STEPS"));
     return 0;
 }
 
-int Step(Arguments /*arguments*/)
+int RunOneStep(Arguments /*arguments*/)
 {
     // The system may start the batch file once more while a run goes on, when another user logs on.
     const UniqueHandle running(CreateMutexA(nullptr, FALSE, "Global\\MorvixProof"));
@@ -71,26 +71,26 @@ int Step(Arguments /*arguments*/)
     return 0;
 }
 
-int Facts(Arguments arguments)
+int WriteFacts(Arguments arguments)
 {
     const std::string sums = ReadWholeFile(Folders().root + R"(\sums.txt)");
     WriteWholeFile(arguments[0], "bundle: " + Sha256(sums) + '\n' + SystemFacts());
     return 0;
 }
 
-int State(Arguments arguments)
+int WriteMachineState(Arguments arguments)
 {
     WriteWholeFile(arguments[0], MachineState());
     return 0;
 }
 
-int Compare(Arguments arguments)
+int WriteDifferences(Arguments arguments)
 {
     WriteWholeFile(arguments[2], Differences(ReadWholeFile(arguments[0]), ReadWholeFile(arguments[1])));
     return 0;
 }
 
-int Picture(Arguments arguments)
+int WriteScreenshot(Arguments arguments)
 {
     const std::string picture = Screenshot();
     if (picture.empty()) {
@@ -100,20 +100,20 @@ int Picture(Arguments arguments)
     return 0;
 }
 
-int Logs(Arguments arguments)
+int CollectLogs(Arguments arguments)
 {
     CopySystemLogs(arguments[0]);
     return 0;
 }
 
-int Pack(Arguments arguments)
+int PackReport(Arguments arguments)
 {
     PackFolder(arguments[0], arguments[1]);
     return 0;
 }
 
 /// The system's own command for it differs from version to version.
-int Restart(Arguments /*arguments*/)
+int RestartMachine(Arguments /*arguments*/)
 {
     HANDLE opened = nullptr;
     if (OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &opened) != FALSE) {
@@ -137,17 +137,17 @@ struct Command
     int (*run)(Arguments);
 };
 constexpr auto kCommands = std::to_array<Command>({
-    {"elevated", 0, Elevated},
-    {"sums", 0, Sums},
-    {"begin", 0, Begin},
-    {"step", 0, Step},
-    {"facts", 1, Facts},
-    {"state", 1, State},
-    {"compare", 3, Compare},
-    {"picture", 1, Picture},
-    {"logs", 1, Logs},
-    {"pack", 2, Pack},
-    {"restart", 0, Restart},
+    {"elevated", 0, TellElevation},
+    {"sums", 0, CheckSums},
+    {"begin", 0, BeginSteps},
+    {"step", 0, RunOneStep},
+    {"facts", 1, WriteFacts},
+    {"state", 1, WriteMachineState},
+    {"compare", 3, WriteDifferences},
+    {"picture", 1, WriteScreenshot},
+    {"logs", 1, CollectLogs},
+    {"pack", 2, PackReport},
+    {"restart", 0, RestartMachine},
 });
 } // namespace
 

@@ -100,6 +100,7 @@ goto next
 :restart
 echo The machine restarts. Log on as the same administrator: the run goes on by itself.
 proof_tools.exe restart
+if not "%errorlevel%"=="0" echo proof.cmd: restart the machine by hand.
 exit /b 0
 
 :over

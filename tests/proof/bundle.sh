@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The bundle for a real Windows, run here by the command processor of Wine: where it does not start, what it leaves, and how
 # it goes on after a step that crashes, hangs, is cut off or wants a restart. With MORVIX_FULL_MATRIX it runs every step.
-# shellcheck disable=SC2154,SC2317 # the libraries set what is used here; promises call functions by name
+# shellcheck disable=SC2016,SC2154,SC2317 # Markdown quotes are the shell's; the libraries set what is used here; promises call functions by name
 set -euo pipefail
 # shellcheck source=../package/lib/package.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/package.sh"
@@ -13,6 +13,8 @@ source "$lib/proof.sh"
 # What is quick here; the other test programs run as tests of their own.
 steps='Machine Plan Trace windows_base'
 [[ -z ${MORVIX_FULL_MATRIX:-} ]] || steps=
+# The test programs in the bundle know it too, and would run for hours.
+unset MORVIX_FULL_MATRIX
 
 make_bundle() {
     # shellcheck disable=SC2034 # signing.sh reads it
@@ -188,11 +190,75 @@ try_whole_run() {
     promise "a run that has ended repeats nothing" cmp -- "$work/steps.tsv" "$report/steps.tsv"
 }
 
+# page REPORT...: what scripts/proof-report prints, as `output`.
+page() {
+    status=0
+    output=$(run_limited 60 "$repo/scripts/proof-report" "$@" 2>&1) || status=$?
+}
+
+page_says() { [[ $output == *"$1"* ]] || { say "$output"; return 1; }; }
+
+# A report as another system might send it back: one case fails there, one step crashes and one program refuses.
+other_report() {
+    local other=$work/other
+    rm -rf -- "$other" "$other.zip"
+    cp -a -- "$work/report" "$other"
+    sed -i 's/^emulator: .*/emulator: none/; s/^version: .*/version: 10.0.19045, product type 1, service pack 0/' "$other/facts.txt"
+    sed -i '0,/<testcase /s//<testcase name="Planted" result="completed" classname="Planted"><failure message="of this test"\/><\/testcase><testcase /' \
+        "$other/results/windows_base.xml"
+    sed -i 's/^Plan\tended/Plan\tcrashed/; s/^Trace\tended/Trace\trefused/' "$other/steps.tsv"
+    cp -- "$work/faults/Crash.xml" "$other/results/Plan.xml"
+    cp -- "$work/faults/Refuse.xml" "$other/results/Trace.xml"
+    (cd -- "$other" && zip -q -r "$other.zip" .)
+}
+
+row_says() { grep -qxF -- "$1" <<<"$output" || { say "$output"; return 1; }; }
+
+# The tests of each step, as its program lists them.
+list_tests() {
+    local name command
+    local -a words
+    mkdir -- "$work/lists"
+    while IFS='|' read -r name _ command; do
+        if [[ $command == 'exit-code '* ]]; then
+            : >"$work/lists/$name"
+            continue
+        fi
+        read -r -a words <<<"$command"
+        run_limited 120 wine "C:\\Proof\\${words[0]}" "${words[@]:1}" --gtest_list_tests \
+            "--gtest_output=xml:$(windows_path "$work/lists/$name.xml")" >/dev/null 2>&1 </dev/null || fail "$name lists no tests"
+    done < <(grep -v '^#' "$bundle/steps.txt" | tr -d '\r')
+}
+
+try_page() {
+    page "$work"/report-*.zip
+    promise "proof-report reads the report" same "$status" 0
+    promise "the page names the system" page_says '- Wine (6.1.7601, product type 1, service pack 1, x64): '
+    promise "the page says what was proved" page_says $'| `Plan` | all of it | proved |'
+    other_report
+    page "$work"/report-*.zip "$work/other.zip"
+    promise "a report of a real system has its column" page_says '| step | test | Wine | 10, 2016 to 2022 |'
+    promise "the same outcome as in Wine is not marked" row_says '| `Machine` | all of it | proved | proved |'
+    promise "a crash that Wine does not have is marked" page_says '| `Plan` | all of it | proved | **crashed: ended with exit code 0xC0000'
+    promise "a refusal is marked" page_says '| `Trace` | all of it | proved | **refused to run on this machine: see Refuse.log** |'
+    promise "a failed test is counted and named" page_says '.Planted: failed: of this test'
+    promise "the page names a real system" page_says '- 10, 2016 to 2022 (10.0.19045, product type 1, service pack 0, x64): rows '
+    promise "the page counts refused and different rows" page_says ', refused 1, different from Wine 3'
+    page "$work/bundle.zip"
+    promise "an archive that is no report is refused" page_says 'is no report'
+    unpack_bundle
+    list_tests
+    promise "docs/PROOF.md has the rows of the bundle's tests" "$repo/scripts/proof-report" --check "$work/lists"
+    : >"$work/lists/Another"
+    page --check "$work/lists"
+    promise "a step that docs/PROOF.md lacks is noticed" page_says '+Another: all of it'
+}
+
 try_faults() {
     unpack_bundle
     hanging_program
     use_steps <<'END'
-Crash|60|tests\trap_probe.exe index
+Crash|60|tests\trap_probe.exe overflow
 Hang|3|cmd /c tests\hangs.exe
 Missing|60|tests\missing.exe
 Refuse|60|cmd /c exit 4
@@ -211,6 +277,8 @@ END
     promise "a program that leaves no results is reported, whatever its exit code" fails Silent 'crashed: ended with exit code 0x00000000'
     promise "a command that fails is reported with its exit code" fails Fail 'ended with exit code 0x00000003'
     promise "the steps after faulty ones run" passes Late
+    mkdir -- "$work/faults"
+    cp -- "$results"/*.xml "$work/faults/"
 }
 
 try_interruption() {
@@ -265,6 +333,7 @@ make_bundle
 try_refusals
 try_whole_run
 try_faults
+try_page
 try_interruption
 try_restart
 end_promises
