@@ -12,6 +12,7 @@ source "$lib/proof.sh"
 
 # What is quick here; the other test programs run as tests of their own.
 steps='Machine Plan Trace windows_base'
+! grep -q '^Imports|' "$build_dir/windows/tests/proof/steps.txt" || steps+=' Imports SystemVersion InBoxDriver'
 [[ -z ${MORVIX_FULL_MATRIX:-} ]] || steps=
 # The test programs in the bundle know it too, and would run for hours.
 unset MORVIX_FULL_MATRIX
@@ -212,6 +213,31 @@ other_report() {
     (cd -- "$other" && zip -q -r "$other.zip" .)
 }
 
+# The same report with one suite in the place of a step's result.
+one_suite_report() {
+    printf '%s' '<testsuites><testsuite name="Suite"><testcase name="Works" result="completed"/><testcase name="Cannot"' \
+        ' result="skipped"><skipped message="Test.cpp:1&#x0A;not here: no card"/></testcase></testsuite></testsuites>' \
+        >"$work/other/results/Machine.xml"
+    rm -- "$work/other.zip"
+    (cd -- "$work/other" && zip -q -r "$work/other.zip" .)
+}
+
+every_step_has_tests() {
+    local list
+    for list in "$work"/lists/*.xml; do
+        grep -q '<testcase ' "$list" || { say "  ${list##*/} lists no test"; return 1; }
+    done
+}
+
+every_suite_has_a_step() {
+    local suite
+    [[ -e $bundle/tests/morvix_probe.exe ]] || return 0
+    while read -r suite; do
+        grep -q "gtest_filter=$suite\.\*" "$bundle/steps.txt" || { say "  no step for $suite"; return 1; }
+    done < <(run_limited 120 wine 'C:\Proof\tests\morvix_probe.exe' --gtest_list_tests 2>/dev/null </dev/null |
+        tr -d '\r' | sed -n 's/^\([A-Z][A-Za-z]*\)\.$/\1/p')
+}
+
 row_says() { grep -qxF -- "$1" <<<"$output" || { say "$output"; return 1; }; }
 
 # The tests of each step, as its program lists them.
@@ -246,8 +272,14 @@ try_page() {
     promise "the page counts refused and different rows" page_says ', refused 1, different from Wine 3'
     page "$work/bundle.zip"
     promise "an archive that is no report is refused" page_says 'is no report'
+    one_suite_report
+    page "$work/other.zip"
+    promise "a step with one suite has a row for each of its tests" row_says '| `Machine` | `Works` | | proved |'
+    promise "what a machine cannot do is not here, with the reason" row_says '| `Machine` | `Cannot` | | not here: no card |'
     unpack_bundle
     list_tests
+    promise "every step has tests" every_step_has_tests
+    promise "every suite of the program for real machines has a step" every_suite_has_a_step
     promise "docs/PROOF.md has the rows of the bundle's tests" "$repo/scripts/proof-report" --check "$work/lists"
     : >"$work/lists/Another"
     page --check "$work/lists"
@@ -271,7 +303,7 @@ END
     promise "a crash is reported with its exit code" fails Crash 'crashed: ended with exit code 0xC0000'
     promise "a hanging step is ended at its limit" fails Hang 'hung: ended after 3 seconds'
     promise "all that a hanging step has started is ended" everything_else_is_gone
-    promise "a hanging step is in a picture" identify -- "$results/Hang.at-limit.bmp"
+    promise "a hanging step is in a picture" grep -q 1280x1024 <(identify -- "$results/Hang.at-limit.bmp")
     promise "a program that cannot be started is reported" fails Missing 'could not be started: error '
     promise "a program that refuses the machine is reported as that" outcome Refuse refused
     promise "a program that leaves no results is reported, whatever its exit code" fails Silent 'crashed: ended with exit code 0x00000000'
