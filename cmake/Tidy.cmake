@@ -73,6 +73,7 @@ morvix_tidy(library platform orv_pure orv orv_settings_pure orv_settings base_pu
 morvix_tidy(installer devices_pure devices installer_pure installer Morvix fileversion)
 morvix_tidy(companions actions_pure actions MorvixActions netinst_pure netinst NetInst debugview)
 morvix_tidy(live machines)
+morvix_tidy(proof proof_pure proof proof_tools)
 # The kernel's headers want the drivers' file compiled in its own way.
 set_target_properties(kit_driver_code PROPERTIES C_CLANG_TIDY "${tidy_C}")
 add_dependencies(tidy kit_driver_code)

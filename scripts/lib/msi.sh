@@ -17,6 +17,13 @@ product_version() {
     printf '%s' "$version"
 }
 
+# The version after that one, for packages that upgrade it.
+next_version() {
+    local version
+    version=$(product_version)
+    printf '%s' "${version%.*}.$((${version##*.} + 1))"
+}
+
 # The one time that everything made here carries, in seconds: that of the commit, unless the caller says otherwise.
 source_date() {
     local date=${SOURCE_DATE_EPOCH:-}

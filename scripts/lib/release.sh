@@ -1,11 +1,13 @@
 # shellcheck shell=bash
 # What is handed out: the package, the folder and its debug symbols as archives, the bill of materials, manifests, and sums of
 # all of them; signed when there is a key. The same commit gives the same bytes. Sourced after common.sh, msi.sh, signing.sh,
-# sbom.sh and manifests.sh.
+# sbom.sh and manifests.sh, and with release_proof after proof.sh.
 # shellcheck disable=SC2154
 
 # A folder whose kit is released instead of the sample.
 release_kit=''
+# Not empty: the release has the bundle for a real Windows too. Its test programs have been built.
+release_proof=''
 
 # put_kit FOLDER: puts the given kit in the place of the sample.
 put_kit() {
@@ -78,6 +80,8 @@ make_release() {
     sign "${programs[@]}" "$parts/actions/MorvixActions.dll"
     make_msi "$parts/kit" "$parts/actions/MorvixActions.dll" "$new/$name.msi"
     sign "$new/$name.msi"
+    [[ -z $release_proof ]] || make_proof "$built" "$parts/kit" "$new/$name.msi" "$parts/actions/MorvixActions.dll" \
+        "$new/morvix-proof-$(product_version).zip"
     make_sbom "$parts/kit" "$parts/actions/MorvixActions.dll" "$new/$name.cdx.json"
     archive "$parts/kit" "$new/$name.zip"
     archive "$parts/symbols" "$new/$name-symbols.zip"

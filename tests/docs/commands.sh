@@ -133,6 +133,7 @@ scripts_are_run() {
         case $command in
             scripts/setup | scripts/build | scripts/test) ;; # this run began with them
             scripts/demo) [[ -x $repo/tests/demo/shown.sh ]] ;;
+            scripts/proof-report) [[ -x $repo/tests/proof/bundle.sh ]] ;;
             scripts/drawings) [[ -x $repo/tests/docs/form.sh ]] ;;
             scripts/lab-kit) [[ -x $repo/tests/package/lab_kit.sh ]] ;;
             scripts/promises) "$repo/scripts/promises" --check || return 1 ;;

@@ -7,7 +7,7 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
 
 recorder=$build_dir/windows/tests/command_line_recorder.exe
 version=$(product_version)
-newer=${version%.*}.$((${version##*.} + 1))
+newer=$(next_version)
 
 list_drive() { (cd -- "$drive" && find . -type f | LC_ALL=C sort); }
 

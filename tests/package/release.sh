@@ -8,6 +8,8 @@ source "$(dirname -- "$(readlink -f -- "$0")")/lib/package.sh"
 source "$(dirname -- "$(readlink -f -- "$0")")/lib/release.sh"
 # shellcheck source=../../scripts/lib/tool.sh
 source "$lib/tool.sh"
+# shellcheck source=../../scripts/lib/proof.sh
+source "$lib/proof.sh"
 
 version=$(product_version)
 name=Morvix-$version
@@ -23,7 +25,7 @@ copy_sources() {
 release_elsewhere() {
     copy_sources
     spread_over_processors
-    run_limited 1500 env -u MORVIX_BUILD_LOCKED -u CMAKE_CXX_COMPILER_LAUNCHER -u CMAKE_C_COMPILER_LAUNCHER \
+    run_limited 3000 env -u MORVIX_BUILD_LOCKED -u CMAKE_CXX_COMPILER_LAUNCHER -u CMAKE_C_COMPILER_LAUNCHER \
         "SOURCE_DATE_EPOCH=$(source_date)" "$other/scripts/package" >"$work/package.log" 2>&1
 }
 
@@ -44,14 +46,16 @@ other=$build_dir/package-release-elsewhere/in/another/folder
 # A run of this test alone has not built it.
 run_limited 1500 "$repo/scripts/build" tool >"$work/tool.log" 2>&1 || fail "morvix-kit cannot be built (see $work/tool.log)"
 make_tool_packages "$build_dir/tool/planner/morvix-kit" "$build_dir/windows/planner/morvix-kit.exe" "$work/tool"
+# shellcheck disable=SC2034 # release.sh reads it
+release_proof=yes
 make_release "$build_dir/windows" "$work/release" "$work/tool"/*
 promise "a release builds from the sources alone, in another folder" release_elsewhere
 for file in "$name.msi" "$name.zip" "$name-symbols.zip" "$name.cdx.json" "morvix-kit-$version-windows-x64.zip" \
-    "morvix-kit_${version}_$(dpkg --print-architecture).deb" SHA256SUMS; do
+    "morvix-kit_${version}_$(dpkg --print-architecture).deb" "morvix-proof-$version.zip" SHA256SUMS; do
     promise "built in another folder, $file has the same bytes" cmp -- "$work/release/$file" "$other/build/release/$file"
 done
 promise "the package of the release is the one that is tested" cmp -- "$package" "$work/release/$name.msi"
-promise "the sums are those of all files, and there is nothing else" holds_sums_of "$work/release" 6
+promise "the sums are those of all files, and there is nothing else" holds_sums_of "$work/release" 7
 
 unpack "$work/release/$name.zip" "$work/unpacked"
 unpack "$work/release/$name-symbols.zip" "$work/symbols"

@@ -1,0 +1,45 @@
+#include "ProcessFamily.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+
+using testing::ElementsAre;
+
+namespace {
+constexpr ProcessRow kFirst{.id = 10, .parent = 1, .started = 100};
+constexpr ProcessRow kChild{.id = 20, .parent = 10, .started = 110};
+constexpr ProcessRow kGrandchild{.id = 30, .parent = 20, .started = 120};
+} // namespace
+
+TEST(ProcessFamily, HasChildrenAndGrandchildrenInWhateverOrderTheyAreListed)
+{
+    ProcessFamily family(kFirst);
+    family.Grow(std::array{kGrandchild, kFirst, ProcessRow{.id = 40, .parent = 1, .started = 130}, kChild});
+    EXPECT_THAT(family.Members(), ElementsAre(kFirst, kChild, kGrandchild));
+}
+
+TEST(ProcessFamily, KeepsTheChildrenOfAProcessThatHasEnded)
+{
+    ProcessFamily family(kFirst);
+    family.Grow(std::array{kFirst, kChild});
+    family.Grow(std::array{kFirst, kGrandchild});
+    EXPECT_THAT(family.Members(), ElementsAre(kFirst, kChild, kGrandchild));
+}
+
+TEST(ProcessFamily, AProcessOlderThanItsSupposedParentDoesNotBelong)
+{
+    ProcessFamily family(kFirst);
+    family.Grow(std::array{ProcessRow{.id = 20, .parent = 10, .started = 90},
+                           ProcessRow{.id = 21, .parent = 10, .started = 0}});
+    EXPECT_THAT(family.Members(), ElementsAre(kFirst));
+}
+
+TEST(ProcessFamily, ANumberUsedAgainIsAnotherProcess)
+{
+    ProcessFamily family(kFirst);
+    family.Grow(std::array{kChild});
+    const ProcessRow again{.id = 20, .parent = 10, .started = 200};
+    family.Grow(std::array{again});
+    EXPECT_THAT(family.Members(), ElementsAre(kFirst, kChild, again));
+}
