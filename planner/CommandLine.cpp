@@ -283,9 +283,11 @@ private:
             "text, json, or sarif (2.1.0)");
         app.add_option("--baseline", m_check.baseline, "leave out the findings accepted there")->type_name("FILE");
         app.add_option("--write-baseline", m_check.writeBaseline, "accept all findings of today")->type_name("FILE");
-        AddChoice<Severity>(app, "--fail-on", m_check.failOn,
-                            {{"error", Severity::Error}, {"warning", Severity::Warning}, {"note", Severity::Note}},
-                            "exit 1 from this severity on (error)");
+        std::vector<std::pair<std::string, Severity>> severities;
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+            severities.emplace_back(NameOf(severity), severity);
+        }
+        AddChoice(app, "--fail-on", m_check.failOn, severities, "exit 1 from this severity on (error)");
         AddOutputOptions(app, m_check.output);
     }
 

@@ -3,19 +3,6 @@
 #include "JsonWriter.h"
 
 namespace {
-std::string_view NameOf(Severity severity)
-{
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "error";
-}
-
 void WriteTexts(JsonWriter& json, std::string_view key, const std::vector<std::string>& texts)
 {
     json.Key(key).BeginArray();
