@@ -90,7 +90,7 @@ void Profile::PutLine(const Line& line, SectionAnswer& answer) const
             answer.Put(TextOf(line.value));
         }
     } else {
-        const std::string_view whole = TextOf({line.name.at, line.value.at + line.value.size - line.name.at});
+        const std::string_view whole = WholeText(line);
         answer.Put(whole.substr(0, whole.find('\0')));
     }
     answer.PutTerminator();
@@ -173,6 +173,11 @@ std::string_view Profile::Stripped(std::string_view name) const
     return name;
 }
 
+std::string_view Profile::WholeText(const Line& line) const
+{
+    return HasValue(line) ? TextOf({line.name.at, line.value.at + line.value.size - line.name.at}) : TextOf(line.name);
+}
+
 bool Profile::IsComment(const Line& line) const
 {
     return TextOf(line.name).starts_with(';');
@@ -235,10 +240,18 @@ void Profile::AddSectionToIndex(std::size_t section)
     slot = std::min(slot, static_cast<uint32_t>(section));
 }
 
-void Profile::AddLineToIndex(std::size_t section, std::size_t line)
+bool Profile::AddLineToIndex(std::size_t section, std::size_t line)
 {
     uint32_t& slot = m_lineSlots[LineSlot(section, TextOf(m_lines[line].name))];
+    const bool isNew = slot == kNone;
     slot = std::min(slot, static_cast<uint32_t>(line));
+    return isNew;
+}
+
+std::size_t Profile::SectionOfLine(std::size_t line) const
+{
+    const auto next = std::ranges::upper_bound(m_sections, line, {}, &Section::firstLine);
+    return static_cast<std::size_t>(next - m_sections.begin()) - 1;
 }
 
 /// @return the slot with the first section of this name, or the empty one for it.
@@ -285,6 +298,9 @@ bool Profile::SameName(std::string_view left, std::string_view right) const
     if (left.size() != right.size()) {
         return false;
     }
+    if (left == right) {
+        return true;
+    }
     const auto same = [this](char a, char b) {
         if (a == b) {
             return true;
@@ -324,6 +340,11 @@ Profile::Entry Profile::EntryAt(std::size_t section, std::size_t index) const
     return EntryOf(LinesOf(section)[index]);
 }
 
+bool Profile::IsListed(std::size_t section, std::size_t index) const
+{
+    return IsListed(LinesOf(section)[index]);
+}
+
 std::optional<Profile::Entry> Profile::ListedEntry(std::size_t section, std::size_t line) const
 {
     for (const Line& candidate : LinesOf(section)) {
@@ -336,10 +357,17 @@ std::optional<Profile::Entry> Profile::ListedEntry(std::size_t section, std::siz
 
 Profile::Entry Profile::EntryOf(const Line& line) const
 {
-    Entry entry{.name = TextOf(line.name), .value = {}, .namePlace = PlaceOf(line.nameOffset), .valuePlace = {}};
+    const auto number = static_cast<std::size_t>(&line - m_lines.data());
+    const Offsets offsets =
+        m_lineOffsets.empty() ? Offsets{.name = line.name.at, .value = line.value.at} : m_lineOffsets[number];
+    Entry entry{.name = TextOf(line.name),
+                .value = {},
+                .text = WholeText(line),
+                .namePlace = PlaceOf(offsets.name),
+                .valuePlace = {}};
     if (HasValue(line)) {
         entry.value = TextOf(line.value);
-        entry.valuePlace = PlaceOf(line.valueOffset);
+        entry.valuePlace = PlaceOf(offsets.value);
     }
     return entry;
 }
@@ -354,6 +382,8 @@ ProfilePlace Profile::PlaceOf(uint32_t offset) const
     std::size_t column = 1;
     if (m_encoding == Encoding::Utf16 || m_encoding == Encoding::Utf16BigEndian) {
         column += before.size() / 2;
+    } else if (m_encoding == Encoding::CodePage && m_codePage->IsSingleByte()) {
+        column += before.size();
     } else {
         ProfileUnits units;
         while (!before.empty()) {

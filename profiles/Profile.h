@@ -32,6 +32,7 @@ public:
     {
         std::string_view name;
         std::optional<std::string_view> value; ///< as in the file, quotes included; none without an equals sign
+        std::string_view text;                 ///< from the name to the value, with the equals sign and its blanks
         ProfilePlace namePlace;
         ProfilePlace valuePlace; ///< of the value's first character; only with a value
     };
@@ -58,9 +59,14 @@ public:
     [[nodiscard]] ProfilePlace SectionPlace(std::size_t section) const;
     [[nodiscard]] std::size_t EntryCount(std::size_t section) const;
     [[nodiscard]] Entry EntryAt(std::size_t section, std::size_t index) const;
+    /// @return true for an entry that ReadSection answers: no comment, and not empty.
+    [[nodiscard]] bool IsListed(std::size_t section, std::size_t index) const;
     /// @param line  Number of a line in the answer of ReadSection, the first being 0.
     /// @return the entry that ReadSection puts there; none after the last line.
     [[nodiscard]] std::optional<Entry> ListedEntry(std::size_t section, std::size_t line) const;
+
+    /// @return true when both dialects take the same sections and entries from the file.
+    [[nodiscard]] bool IsReadAlike() const { return m_isReadAlike; }
 
     /// @return the section that ReadSection answers for a name; none when it is missing.
     [[nodiscard]] std::optional<std::size_t> FindSection(std::string_view name) const;
@@ -87,8 +93,12 @@ private:
     {
         Text name;
         Text value; ///< at kNone: no equals sign
-        uint32_t nameOffset = 0;
-        uint32_t valueOffset = 0;
+    };
+    /// Where in the file a line's texts are.
+    struct Offsets
+    {
+        uint32_t name = 0;
+        uint32_t value = 0;
     };
     enum class Encoding
     {
@@ -112,6 +122,7 @@ private:
     [[nodiscard]] std::string_view Stripped(std::string_view name) const;
     [[nodiscard]] ProfilePlace PlaceOf(uint32_t offset) const;
     [[nodiscard]] Entry EntryOf(const Line& line) const;
+    [[nodiscard]] std::string_view WholeText(const Line& line) const;
     [[nodiscard]] bool IsComment(const Line& line) const;
     [[nodiscard]] bool IsListed(const Line& line) const;
     [[nodiscard]] static bool HasValue(const Line& line) { return line.value.at != kNone; }
@@ -121,17 +132,22 @@ private:
     uint32_t AnswerValue(std::string_view value, std::span<char> buffer) const;
     static std::vector<uint32_t> EmptySlots(std::size_t count);
     void AddSectionToIndex(std::size_t section);
-    void AddLineToIndex(std::size_t section, std::size_t line);
+    /// @return true for the first line of its name in the section.
+    bool AddLineToIndex(std::size_t section, std::size_t line);
+    [[nodiscard]] std::size_t SectionOfLine(std::size_t line) const;
     [[nodiscard]] std::size_t SectionSlot(std::string_view name) const;
     [[nodiscard]] std::size_t LineSlot(std::size_t section, std::string_view name) const;
 
     const CodePage* m_codePage;
     DialectRules m_rules;
     Encoding m_encoding = Encoding::CodePage;
+    bool m_isReadAlike = true;
     uint32_t m_fileBytes = 0;
     std::string m_text; ///< the file, and after it the lines that read differently in the code page
     std::vector<Section> m_sections;
     std::vector<Line> m_lines;
+    std::vector<Offsets>
+        m_lineOffsets; ///< empty for a file that is its own text: the texts are where the file has them
     std::vector<uint32_t> m_lineStarts;
     std::vector<uint32_t> m_sectionSlots; ///< hash tables of the first section, and first key, of each name
     std::vector<uint32_t> m_lineSlots;

@@ -1,7 +1,6 @@
 #include "ProfileParser.h"
 
 #include <algorithm>
-#include <numeric>
 #include <string_view>
 
 namespace {
@@ -21,9 +20,12 @@ void ProfileParser::Parse()
     DecodeFile();
     m_profile.m_sections.emplace_back();
     m_sectionsAsked.push_back(m_profile.m_rules.linesBeforeFirstSection);
+    const auto lines = static_cast<std::size_t>(std::ranges::count(m_units, u'\n')) + 1;
+    m_profile.m_lineStarts.reserve(lines);
+    m_profile.m_lines.reserve(lines);
     std::size_t begin = 0;
     while (begin < m_units.size()) {
-        m_profile.m_lineStarts.push_back(m_offsets[begin]);
+        m_profile.m_lineStarts.push_back(OffsetOf(begin));
         std::size_t end = begin;
         while (end < m_units.size() && !EndsLine(m_units[end])) {
             ++end;
@@ -35,6 +37,7 @@ void ProfileParser::Parse()
     BuildIndex();
     m_profile.m_text.shrink_to_fit();
     m_profile.m_lines.shrink_to_fit();
+    m_profile.m_lineOffsets.shrink_to_fit();
     m_profile.m_sections.shrink_to_fit();
     m_profile.m_lineStarts.shrink_to_fit();
 }
@@ -43,6 +46,7 @@ void ProfileParser::FindEncoding()
 {
     using Encoding = Profile::Encoding;
     const std::string_view file = m_profile.m_text;
+    m_profile.m_isReadAlike = !file.starts_with(kUtf8Mark) && !file.starts_with(kBigEndianMark);
     if (file.starts_with(kUtf16Mark)) {
         m_profile.m_encoding = Encoding::Utf16;
     } else if (m_profile.m_rules.readsBigEndian && file.starts_with(kBigEndianMark)) {
@@ -56,18 +60,18 @@ void ProfileParser::DecodeFile()
 {
     using Encoding = Profile::Encoding;
     m_units.reserve(m_profile.m_text.size());
-    m_offsets.reserve(m_profile.m_text.size() + 1);
+    if (!IsItsOwnText()) {
+        m_offsets.reserve(m_profile.m_text.size() + 1);
+    }
     const bool utf8 = m_profile.m_encoding == Encoding::Utf8;
     if (!utf8 && m_profile.m_encoding != Encoding::CodePage) {
         DecodeUtf16();
         return;
     }
     const std::string_view file = m_profile.m_text;
-    if (!utf8 && m_profile.m_codePage->IsSingleByte()) {
+    if (IsItsOwnText()) {
         m_units.resize(file.size());
         std::ranges::transform(file, m_units.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
-        m_offsets.resize(file.size() + 1);
-        std::iota(m_offsets.begin(), m_offsets.end(), 0U);
         return;
     }
     std::size_t at = utf8 ? kUtf8Mark.size() : 0;
@@ -119,7 +123,12 @@ bool ProfileParser::ReadSectionName(Range line)
     const DialectRules& rules = m_profile.m_rules;
     Range name{line.first + 1, line.last};
     const auto text = UnitsOf(name);
-    const std::size_t bracket = rules.nameEndsAtLastBracket ? text.rfind(u']') : text.find(u']');
+    const std::size_t firstBracket = text.find(u']');
+    const std::size_t lastBracket = text.rfind(u']');
+    const std::size_t bracket = rules.nameEndsAtLastBracket ? lastBracket : firstBracket;
+    if (firstBracket != lastBracket || bracket == ProfileUnitsView::npos) {
+        m_profile.m_isReadAlike = false;
+    }
     if (bracket != ProfileUnitsView::npos) {
         name.last = name.first + bracket;
     } else if (!rules.unclosedNameBeginsSection) {
@@ -127,7 +136,7 @@ bool ProfileParser::ReadSectionName(Range line)
     }
     name = UpToNul(Trimmed(name));
     Profile::Section section;
-    section.offset = m_offsets[name.first];
+    section.offset = OffsetOf(name.first);
     section.firstLine = static_cast<uint32_t>(m_profile.m_lines.size());
     section.name = Store(name);
     m_profile.m_sections.push_back(section);
@@ -148,13 +157,13 @@ void ProfileParser::ReadEntry(Range line)
     }
     m_afterNameless = name.first == name.last;
     Profile::Line entry;
-    entry.nameOffset = m_offsets[name.first];
+    Profile::Offsets offsets{.name = OffsetOf(name.first)};
     entry.value.at = Profile::kNone;
     if (equals == line.last) {
         entry.name = Store(name);
     } else {
         const Range value = UpToNul(Trimmed({equals + 1, line.last}));
-        entry.valueOffset = m_offsets[value.first];
+        offsets.value = OffsetOf(value.first);
         // The parts are stored as one text, so that the line can be shown as it is.
         const bool asIs = IsStoredAsIs({line.first, value.last});
         const auto store = [this, asIs](Range part) { return asIs ? InFile(part) : Append(part); };
@@ -163,6 +172,9 @@ void ProfileParser::ReadEntry(Range line)
         entry.value = store(value);
     }
     m_profile.m_lines.push_back(entry);
+    if (!IsItsOwnText()) {
+        m_profile.m_lineOffsets.push_back(offsets);
+    }
     m_linesAsked.push_back(CanBeAsked(name));
 }
 
@@ -192,10 +204,22 @@ ProfileUnitsView ProfileParser::UnitsOf(Range range) const
     return ProfileUnitsView(m_units).substr(range.first, range.last - range.first);
 }
 
+/// @return where a unit is in the file.
+uint32_t ProfileParser::OffsetOf(std::size_t unit) const
+{
+    return IsItsOwnText() ? static_cast<uint32_t>(unit) : m_offsets[unit];
+}
+
+/// @return true for a file in a code page of single bytes: it holds every text as the code page has it.
+bool ProfileParser::IsItsOwnText() const
+{
+    return m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte();
+}
+
 bool ProfileParser::CanBeAsked(Range range) const
 {
-    // A file in a code page of single bytes holds nothing that a question cannot hold.
-    if (m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte()) {
+    // Such a file holds nothing that a question cannot hold.
+    if (IsItsOwnText()) {
         return true;
     }
     return std::ranges::all_of(UnitsOf(range),
@@ -205,7 +229,7 @@ bool ProfileParser::CanBeAsked(Range range) const
 /// @return true when the file holds the text of the range as the code page has it.
 bool ProfileParser::IsStoredAsIs(Range range)
 {
-    if (m_profile.m_encoding == Profile::Encoding::CodePage && m_profile.m_codePage->IsSingleByte()) {
+    if (IsItsOwnText()) {
         return true;
     }
     m_encoded.clear();
@@ -215,8 +239,8 @@ bool ProfileParser::IsStoredAsIs(Range range)
 
 Profile::Text ProfileParser::InFile(Range range) const
 {
-    const uint32_t first = m_offsets[range.first];
-    return {first, m_offsets[range.last] - first};
+    const uint32_t first = OffsetOf(range.first);
+    return {first, OffsetOf(range.last) - first};
 }
 
 Profile::Text ProfileParser::Store(Range range)
@@ -239,13 +263,29 @@ void ProfileParser::BuildIndex()
             m_profile.AddSectionToIndex(section);
         }
     }
-    m_profile.m_lineSlots = Profile::EmptySlots(m_profile.m_lines.size());
+    std::size_t names = 0;
+    m_profile.m_lineSlots = Profile::EmptySlots(names);
     for (std::size_t section = 0; section < m_profile.m_sections.size(); ++section) {
         const std::size_t first = m_profile.m_sections[section].firstLine;
         for (std::size_t line = first; line < first + m_profile.LinesOf(section).size(); ++line) {
-            if (m_linesAsked[line]) {
-                m_profile.AddLineToIndex(section, line);
+            if (m_linesAsked[line] && m_profile.AddLineToIndex(section, line)) {
+                GrowLineIndex(++names);
             }
+        }
+    }
+}
+
+/// Many lines, such as comments, can have one name: the index has the size that its names need.
+void ProfileParser::GrowLineIndex(std::size_t names)
+{
+    if (names * 2 < m_profile.m_lineSlots.size()) {
+        return;
+    }
+    std::vector<uint32_t> slots = Profile::EmptySlots(names * 2);
+    slots.swap(m_profile.m_lineSlots);
+    for (const uint32_t line : slots) {
+        if (line != Profile::kNone) {
+            m_profile.AddLineToIndex(m_profile.SectionOfLine(line), line);
         }
     }
 }

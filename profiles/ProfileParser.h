@@ -37,11 +37,14 @@ private:
     bool ReadSectionName(Range line);
     void ReadEntry(Range line);
     void BuildIndex();
+    void GrowLineIndex(std::size_t names);
 
     [[nodiscard]] Range Trimmed(Range range) const;
     [[nodiscard]] Range UpToNul(Range range) const;
     [[nodiscard]] std::size_t Find(Range range, char16_t unit) const;
     [[nodiscard]] ProfileUnitsView UnitsOf(Range range) const;
+    [[nodiscard]] uint32_t OffsetOf(std::size_t unit) const;
+    [[nodiscard]] bool IsItsOwnText() const;
     [[nodiscard]] bool CanBeAsked(Range range) const;
     [[nodiscard]] bool IsStoredAsIs(Range range);
     [[nodiscard]] Profile::Text InFile(Range range) const;
@@ -50,7 +53,7 @@ private:
 
     Profile& m_profile;
     ProfileUnits m_units;
-    std::vector<uint32_t> m_offsets; ///< of each unit in the file, and of its end
+    std::vector<uint32_t> m_offsets; ///< of each unit in the file, and of its end; none in a file that is its own text
     std::string m_encoded;
     std::vector<bool> m_sectionsAsked; ///< whether a question can hold the name
     std::vector<bool> m_linesAsked;
