@@ -172,7 +172,7 @@ std::size_t DevicesOfUnknownPresence(const FleetReport& report)
     std::size_t devices = 0;
     for (const FleetGroup& group : report.Groups()) {
         const auto count = std::ranges::count(group.devices, Presence::Unknown, &FleetDevice::presence);
-        devices += static_cast<std::size_t>(count) * group.machines.size();
+        devices += static_cast<std::size_t>(count) * group.machines.size() + group.unknownPresences;
     }
     return devices;
 }
