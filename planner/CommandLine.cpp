@@ -186,6 +186,7 @@ private:
         CLI::Option* const json = addFormat("--json", PlanFormat::Json, "one JSON document");
         CLI::Option* const ndjson = addFormat("--ndjson", PlanFormat::NdJson, "one JSON document a line and machine");
         CLI::Option* const trace = addFormat("--trace", PlanFormat::Trace, "the lines that the installer would trace");
+        app.add_flag("--findings", m_plan.findings, "check the kit; JSON names each device's findings");
         json->excludes(ndjson)->excludes(trace);
         ndjson->excludes(trace);
         AddOutputOptions(app, m_plan.output);

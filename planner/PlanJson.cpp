@@ -67,7 +67,7 @@ void WriteDevice(JsonWriter& json, const DevicePlan& device, const MachinePaths&
     json.EndArray();
     WriteTexts(json, "stored", device.store->now);
     WriteReport(json, search.report);
-    json.Key("findings").BeginArray().EndArray();
+    WriteTexts(json, "findings", device.findings);
     json.EndObject();
 }
 
