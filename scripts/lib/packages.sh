@@ -100,7 +100,8 @@ install_missing_packages() {
     ((${#missing[@]} == 0)) || fail "still missing after the installation: ${missing[*]} (see $log)"
 }
 
-# What judges whether a page can be used by everybody comes from npm alone: one library, its bytes fixed by the lock file.
+# What judges whether a page can be used by everybody, and the schema of SARIF, come from npm alone. The lock file fixes
+# their bytes.
 install_page_checks() {
     local folder=$build_dir/page-checks wanted=$repo/tests/pages log=$build_dir/setup.log
     if [[ -s $folder/node_modules/axe-core/axe.min.js ]] && cmp -s "$wanted/package-lock.json" "$folder/package-lock.json"; then
@@ -111,7 +112,7 @@ install_page_checks() {
     cp -- "$wanted"/package{,-lock}.json "$folder/"
     if ! (cd -- "$folder" && npm ci --cache "$folder/cache" --ignore-scripts --no-audit --no-fund) >"$log" 2>&1 </dev/null; then
         rm -rf -- "$folder"
-        say "npm could not install what pages are checked with, so that test will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
+        say "npm could not install what pages and SARIF are checked with, so these tests will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
         return 0
     fi
     rm -rf -- "$folder/cache"
