@@ -39,11 +39,11 @@ KitFindings CheckKit(KitFolder& kit, KitFolder* other, const CheckWish& wish)
         if (on.HasSection()) {
             CheckQualification(check, on);
             CheckSectionNames(check, on);
-            CheckOrder(check, on);
             CheckFileNames(check, on);
         }
     }
     CheckModelSections(check);
+    CheckOrder(check);
     CheckPackages(check);
     CheckUnsearchedInfs(check);
     CheckUnnamedSections(check);

@@ -112,11 +112,19 @@ bool IsOlder(const InfFacts& inf, const InfFacts& other)
     return Compare(inf.Version(), other.Version()) == std::partial_ordering::less;
 }
 
+struct OrderFinding
+{
+    int rule = 0;
+    std::string file; ///< on the machine
+    ProfilePlace place;
+    std::string what;
+};
+
 /// Findings about pairs of INF files: the first ID in the order of the lines speaks for all.
 class PairFindings
 {
 public:
-    PairFindings(const KitCheck& check, const SystemReading& on) : m_check(check), m_on(on) {}
+    PairFindings(const MachinePaths& paths, const SystemReading& on) : m_paths(paths), m_on(on) {}
 
     void Add(int rule, const Listing& winner, const Listing& other, std::string_view why)
     {
@@ -128,15 +136,19 @@ public:
         }
     }
 
-    void Report(const KitFolder& folder) const
+    [[nodiscard]] std::vector<OrderFinding> Findings() const
     {
+        std::vector<OrderFinding> findings;
         for (const auto& [key, pair] : m_pairs) {
             const auto& [rule, winner, other] = key;
             const std::string more = pair.count == 1 ? "" : " (and " + std::to_string(pair.count - 1) + " more)";
-            m_check.Add(rule, m_on.infs[winner].inf->Path(), pair.entry->place,
-                        pair.entry->found->text + more + pair.why + folder.Paths().NameOf(m_on.infs[other].inf->Path()),
-                        m_on.system.section);
+            findings.push_back(
+                {.rule = rule,
+                 .file = m_on.infs[winner].inf->Path(),
+                 .place = pair.entry->place,
+                 .what = pair.entry->found->text + more + pair.why + m_paths.NameOf(m_on.infs[other].inf->Path())});
         }
+        return findings;
     }
 
 private:
@@ -147,7 +159,7 @@ private:
         std::size_t count = 0;
     };
 
-    const KitCheck& m_check;
+    const MachinePaths& m_paths;
     const SystemReading& m_on;
     std::map<std::tuple<int, std::size_t, std::size_t>, Pair> m_pairs;
 };
@@ -197,6 +209,31 @@ void CheckShorterIds(const Listings& all, const Listing& winner, PairFindings& p
             CheckShorterId(all, winner, shorter, pairs);
         }
     }
+}
+
+/// What decides the order of a search. Many systems have it in common, such as a workstation and its server.
+using SearchedFiles = std::pair<std::vector<std::string>, std::vector<std::pair<const InfFacts*, std::size_t>>>;
+
+SearchedFiles FilesSearchedOn(const SystemReading& on)
+{
+    SearchedFiles files{on.sectionNames, {}};
+    for (const MetInf& met : on.infs) {
+        if (met.Qualifies()) {
+            files.second.emplace_back(met.inf, met.directory);
+        }
+    }
+    return files;
+}
+
+std::vector<OrderFinding> OrderFindings(const KitCheck& check, const SystemReading& on)
+{
+    const Listings all(on, check.reading.Ids());
+    PairFindings pairs(check.reading.Folder().Paths(), on);
+    for (const Listing* const winner : all.Winners()) {
+        CheckSameId(all, *winner, pairs);
+        CheckShorterIds(all, *winner, pairs);
+    }
+    return pairs.Findings();
 }
 
 /// Files of one name in two directories.
@@ -278,20 +315,24 @@ ListedRows RowsListedOn(const SystemReading& on)
 }
 } // namespace
 
-void CheckOrder(const KitCheck& check, const SystemReading& on)
+void CheckOrder(const KitCheck& check)
 {
-    const Listings all(on, check.reading.Ids());
-    PairFindings pairs(check, on);
-    for (const Listing* const winner : all.Winners()) {
-        CheckSameId(all, *winner, pairs);
-        CheckShorterIds(all, *winner, pairs);
-    }
-    pairs.Report(check.reading.Folder());
-    CheckSameNames(check, on);
-    const std::vector<SetupSystem> products = ProductsOf(on.system.code, on.system.facts);
-    for (const MetInf& met : on.infs) {
-        if (met.Qualifies()) {
-            CheckSectionsOfSetup(check, on, products, met);
+    std::map<SearchedFiles, std::vector<OrderFinding>> known;
+    for (const std::string& system : check.systems) {
+        const SystemReading& on = check.reading.On(system);
+        const auto [found, isNew] = known.try_emplace(FilesSearchedOn(on));
+        if (isNew) {
+            found->second = OrderFindings(check, on);
+        }
+        for (const auto& [rule, file, place, what] : found->second) {
+            check.Add(rule, file, place, what, system);
+        }
+        CheckSameNames(check, on);
+        const std::vector<SetupSystem> products = ProductsOf(on.system.code, on.system.facts);
+        for (const MetInf& met : on.infs) {
+            if (met.Qualifies()) {
+                CheckSectionsOfSetup(check, on, products, met);
+            }
         }
     }
 }
