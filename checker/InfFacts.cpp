@@ -103,19 +103,22 @@ void InfFacts::AddSetup(std::size_t section, ModelLines& lines) const
 {
     auto entry = lines.entries.begin();
     for (const SetupInf::Line& line : m_setup.ReadLinesOf(m_text.SectionName(section))) {
+        const auto begun = line.section != section
+                               ? lines.entries.end()
+                               : std::ranges::find(entry, lines.entries.end(), line.place, &ModelEntry::place);
+        // Nearly always the installer finds the same ID.
+        const KnownId* const found = begun == lines.entries.end() ? nullptr : begun->found;
         for (std::size_t field = 1; field < line.fields.size(); ++field) {
-            lines.setupIds.push_back(&m_ids.Of(ComparedId(line.fields[field])));
+            const std::string id = ComparedId(line.fields[field]);
+            lines.setupIds.push_back(found != nullptr && found->text == id ? found : &m_ids.Of(id));
         }
         const auto ids = std::span(lines.setupIds).last(std::max<std::size_t>(line.fields.size(), 1) - 1);
         lines.listsOurs = lines.listsOurs || std::ranges::any_of(ids, &KnownId::isOfAcceptedVendor) ||
                           IsOfAcceptedVendor(ComparedId(line.Field(0)));
-        if (line.section == section) {
-            const auto begun = std::ranges::find(entry, lines.entries.end(), line.place, &ModelEntry::place);
-            if (begun != lines.entries.end()) {
-                AddSetupLine(line, ids, *begun, lines.following);
-                entry = std::next(begun);
-            }
-        } else if (!lines.repeated && !ids.empty() && ids.front()->isOfAcceptedVendor &&
+        if (begun != lines.entries.end()) {
+            AddSetupLine(line, ids, *begun, lines.following);
+            entry = std::next(begun);
+        } else if (line.section != section && !lines.repeated && !ids.empty() && ids.front()->isOfAcceptedVendor &&
                    std::ranges::find(lines.entries, ids.front(), &ModelEntry::found) == lines.entries.end()) {
             lines.repeated = {.place = m_text.SectionPlace(line.section), .id = ids.front()};
         }

@@ -269,12 +269,15 @@ void CheckSectionsOfSetup(const KitCheck& check, const SystemReading& on, const 
                 sections, [&section](const std::string& name) { return EqualsIgnoringCase(name, section); });
         });
     };
+    std::vector<const ModelLines*> linesOfSetup;
+    for (const std::vector<std::string>& sections : bySetup) {
+        for (const std::string& section : sections) {
+            linesOfSetup.push_back(&met.inf->LinesOf(section));
+        }
+    }
     const auto isInSetup = [&](const KnownId* id) {
-        return std::ranges::any_of(bySetup, [&](const std::vector<std::string>& sections) {
-            return std::ranges::any_of(sections, [&](const std::string& section) {
-                return std::ranges::binary_search(met.inf->LinesOf(section).setupIds, id);
-            });
-        });
+        return std::ranges::any_of(
+            linesOfSetup, [id](const ModelLines* lines) { return std::ranges::binary_search(lines->setupIds, id); });
     };
     for (const std::string& section : on.sectionNames) {
         const std::vector<ModelEntry>& entries = met.inf->EntriesOf(section);

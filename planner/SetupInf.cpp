@@ -135,12 +135,13 @@ std::vector<SetupInf::Line> SetupInf::ReadSection(std::size_t section) const
     lines.reserve(count);
     for (std::size_t index = 0; index < count; ++index) {
         const std::size_t start = index;
-        const std::string_view text = LineAt(section, index);
+        const Profile::Entry first = m_text->EntryAt(section, index);
+        const std::string_view text = LineFrom(first, section, index);
         if (text.empty()) {
             continue;
         }
         Line line = Split(text);
-        line.place = m_text->EntryAt(section, start).namePlace;
+        line.place = first.namePlace;
         line.section = section;
         line.entry = start;
         lines.push_back(std::move(line));
@@ -148,19 +149,20 @@ std::vector<SetupInf::Line> SetupInf::ReadSection(std::size_t section) const
     return lines;
 }
 
-/// @param index  Of the entry where the line begins; becomes that of its last one.
+/// @param first  Entry where the line begins.
+/// @param index  Of that entry; becomes that of the line's last one.
 /// @return the line, put together.
-std::string_view SetupInf::LineAt(std::size_t section, std::size_t& index) const
+std::string_view SetupInf::LineFrom(const Profile::Entry& first, std::size_t section, std::size_t& index) const
 {
     const auto textOf = [this](const Profile::Entry& entry) {
         return WithoutComment(HasPlainBlanks(entry) ? entry.text
                                                     : Keep(std::string(entry.name) + "=" + std::string(*entry.value)));
     };
-    const std::string_view first = textOf(m_text->EntryAt(section, index));
-    if (!GoesOn(first)) {
-        return first;
+    const std::string_view text = textOf(first);
+    if (!GoesOn(text)) {
+        return text;
     }
-    std::string whole(first);
+    std::string whole(text);
     while (GoesOn(whole) && index + 1 < m_text->EntryCount(section)) {
         whole.pop_back();
         whole += textOf(m_text->EntryAt(section, ++index));

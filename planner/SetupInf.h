@@ -54,7 +54,7 @@ private:
     };
 
     [[nodiscard]] std::vector<Line> ReadSection(std::size_t section) const;
-    [[nodiscard]] std::string_view LineAt(std::size_t section, std::size_t& index) const;
+    [[nodiscard]] std::string_view LineFrom(const Profile::Entry& first, std::size_t section, std::size_t& index) const;
     [[nodiscard]] std::string_view Plain(std::string_view part) const;
     [[nodiscard]] std::string Replaced(std::string_view text) const;
     [[nodiscard]] Line Split(std::string_view text) const;
