@@ -6,14 +6,16 @@
 #include <fstream>
 #include <iostream>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KitText.h"
+#include "OSCode.h"
 
-// Writes a kit of 400 INF files and a fleet of machines, as registry exports of 100 KB in UTF-16:
+// Writes a kit of 400 INF files for all systems and a fleet of machines, as registry exports of 100 KB in UTF-16:
 //   FOLDER/kit, FOLDER/machines/PC00000.reg, ...
 // Usage: bench_fleet FOLDER MACHINES
 // The same arguments give the same bytes. As in a real fleet, the machines have one of a few hundred sets of adapters.
@@ -56,8 +58,11 @@ void WriteKit(const std::filesystem::path& folder)
 {
     std::filesystem::create_directories(folder / "Drv");
     std::string setup = "[Config]\r\nLevelsToRoot=0\r\n";
-    for (const System& system : kSystemsOfFleet) {
-        setup += SystemSection(std::string(system.section));
+    std::set<std::string_view> sections;
+    for (const SystemRow& row : kSystems) {
+        if (!row.sectionKey.empty() && sections.insert(row.sectionKey).second) {
+            setup += SystemSection(std::string(row.sectionKey));
+        }
     }
     WriteFile(folder / "Morvix.ini", setup);
     for (int file = 0; file < kInfFiles; ++file) {

@@ -39,12 +39,12 @@ KitFindings CheckKit(KitFolder& kit, KitFolder* other, const CheckWish& wish)
         if (on.HasSection()) {
             CheckQualification(check, on);
             CheckSectionNames(check, on);
-            CheckModelSections(check, on);
-            CheckOrder(check, on);
-            CheckPackages(check, on);
             CheckFileNames(check, on);
         }
     }
+    CheckModelSections(check);
+    CheckOrder(check);
+    CheckPackages(check);
     CheckUnsearchedInfs(check);
     CheckUnnamedSections(check);
     CheckAcceptedDevices(check);

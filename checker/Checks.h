@@ -35,10 +35,10 @@ void CheckUnsearchedInfs(const KitCheck& check);                         ///< 20
 void CheckQualification(const KitCheck& check, const SystemReading& on); ///< 202 to 204, 206
 void CheckSectionNames(const KitCheck& check, const SystemReading& on);  ///< 205, names of Morvix.ini
 void CheckUnnamedSections(const KitCheck& check);                        ///< 205, sections of INF files
-void CheckModelSections(const KitCheck& check, const SystemReading& on); ///< 206, 207, 301 to 305
-void CheckOrder(const KitCheck& check, const SystemReading& on);         ///< 401 to 405
+void CheckModelSections(const KitCheck& check);                          ///< 206, 207, 301 to 305
+void CheckOrder(const KitCheck& check);                                  ///< 401 to 405
 void CheckAcceptedDevices(const KitCheck& check);                        ///< 701
-void CheckPackages(const KitCheck& check, const SystemReading& on);      ///< 501, 502, 504 to 507; 503 in one package
+void CheckPackages(const KitCheck& check);                               ///< 501, 502, 504 to 507; 503 in one package
 void CheckStaleFiles(const KitCheck& check);                             ///< 503 among packages
 void CheckReaders(const KitCheck& check, KitReading& other);             ///< 601
 void CheckFileNames(const KitCheck& check, const SystemReading& on);     ///< 602

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "AsciiCase.h"
 #include "EqualsIgnoringCase.h"
 #include "InfModelLine.h"
 #include "NetworkDevices.h"
@@ -40,22 +41,20 @@ std::string KeyNameFor(std::string_view id)
 }
 } // namespace
 
-std::string UpperAscii(std::string_view text)
-{
-    std::string upper(text);
-    std::ranges::transform(upper, upper.begin(),
-                           [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return upper;
-}
-
 std::string ComparedId(std::string_view hardwareId)
 {
     if (!EqualsIgnoringCase(hardwareId.substr(0, kBus.size()), kBus)) {
         return {};
     }
-    const std::string upper = UpperAscii(hardwareId);
-    const std::string line = "model=install," + upper;
+    std::string line = "model=install,";
+    line += hardwareId;
+    std::ranges::transform(line, line.begin(), [](char c) { return UpperAscii(c); });
     return std::string(ParseModelLine(line).hardwareId.value_or(std::string_view()));
+}
+
+std::string_view WithoutBus(std::string_view hardwareId)
+{
+    return hardwareId.substr(kBus.size());
 }
 
 bool IsSearched(const std::string& compared)

@@ -9,6 +9,9 @@
 ///         Empty for an ID of another bus than PCI.
 [[nodiscard]] std::string ComparedId(std::string_view hardwareId);
 
+/// @param hardwareId  With the bus of PCI.
+[[nodiscard]] std::string_view WithoutBus(std::string_view hardwareId);
+
 /// @param compared  A result of ComparedId.
 /// @return true when a device's key name exists for which one of the four passes searches this ID.
 [[nodiscard]] bool IsSearched(const std::string& compared);
@@ -18,5 +21,3 @@
 
 /// @return true for an ID with a class code and no device number: it names a kind of devices.
 [[nodiscard]] bool NamesClassOnly(std::string_view hardwareId);
-
-[[nodiscard]] std::string UpperAscii(std::string_view text);

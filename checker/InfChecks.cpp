@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <system_error>
 
+#include "AsciiCase.h"
 #include "Checks.h"
 #include "EqualsIgnoringCase.h"
 #include "HardwareIds.h"
@@ -28,13 +30,24 @@ std::map<std::string, std::string> AllSectionNames(KitReading& reading)
     return names;
 }
 
+/// @return the IDs that the installer compares in these sections of an INF file.
+std::set<const KnownId*> IdsOf(InfFacts& inf, const std::map<std::string, std::string>& sections)
+{
+    std::set<const KnownId*> ids;
+    for (const auto& [upper, name] : sections) {
+        for (const ModelEntry& entry : inf.EntriesOf(name)) {
+            ids.insert(entry.found);
+        }
+    }
+    return ids;
+}
+
 /// @return the first line of any [Manufacturer] section whose value has the brand.
 const SetupInf::Line* LineWithBrand(const InfFacts& inf)
 {
     const std::vector<SetupInf::Line>& lines = inf.Setup().LinesOf("Manufacturer");
-    const auto found = std::ranges::find_if(lines, [](const SetupInf::Line& line) {
-        return std::ranges::any_of(line.fields, [](const std::string& field) { return NamesOurBrand(field); });
-    });
+    const auto found = std::ranges::find_if(
+        lines, [](const SetupInf::Line& line) { return std::ranges::any_of(line.fields, NamesOurBrand); });
     return found == lines.end() ? nullptr : &*found;
 }
 
@@ -149,23 +162,22 @@ void CheckUnnamedSections(const KitCheck& check)
             if (!met.Qualifies() || !done.insert(met.inf).second) {
                 continue;
             }
-            std::set<std::string> listed;
-            for (const auto& [upper, name] : named) {
-                for (const ModelEntry& entry : met.inf->EntriesOf(name)) {
-                    listed.insert(entry.found.value_or(std::string()));
-                }
-            }
+            std::optional<std::set<const KnownId*>> listed;
             for (const std::string& section : met.inf->ModelSections()) {
                 if (named.contains(UpperAscii(section))) {
                     continue;
                 }
+                if (!listed) {
+                    listed = IdsOf(*met.inf, named);
+                }
                 const std::vector<ModelEntry>& entries = met.inf->EntriesOf(section);
                 const auto only = std::ranges::find_if(entries, [&listed](const ModelEntry& entry) {
-                    return entry.servesDevice && !listed.contains(*entry.found);
+                    return entry.ServesDevice() && !listed->contains(entry.found);
                 });
                 if (only != entries.end()) {
-                    check.Add(205, met.inf->Path(), met.inf->PlaceOfSection(section),
-                              "no InfSectionName has " + InBrackets(section) + ", which alone lists " + *only->found);
+                    check.Add(
+                        205, met.inf->Path(), met.inf->PlaceOfSection(section),
+                        "no InfSectionName has " + InBrackets(section) + ", which alone lists " + only->found->text);
                 }
             }
         }

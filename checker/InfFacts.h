@@ -9,7 +9,9 @@
 
 #include "DeviceSearcher.h"
 #include "DriverVersion.h"
+#include "KnownIds.h"
 #include "SetupInf.h"
+#include "SetupModels.h"
 
 /// One INF file of the kit, as the installer reads it beside what set-up makes of it.
 
@@ -17,26 +19,42 @@
 struct ModelEntry
 {
     ProfilePlace place;
-    std::string text;                     ///< "name=value"
-    bool isRead = false;                  ///< it lies before the cut of a long section
-    std::optional<std::string> found;     ///< the ID that the installer compares, in upper case
-    const SetupInf::Line* line = nullptr; ///< the line of set-up that begins here; null within a continued one
-    std::string setupId;                  ///< the first ID of that line in the form that is compared
+    bool isRead = false;              ///< it lies before the cut of a long section
+    bool isLong = false;              ///< only a part of it is looked at
+    bool isSetupLine = false;         ///< a line of set-up begins here; false within a continued one
+    const KnownId* found = nullptr;   ///< the ID that the installer compares; null when it finds none
+    std::string_view installSection;  ///< as set-up reads it
+    std::string_view hardwareId;      ///< the first one, as set-up reads it; empty when there is none
+    const KnownId* setupId = nullptr; ///< the same in the form that is compared; never null
 
-    /// @return the hardware ID as set-up reads it; empty when there is none.
-    [[nodiscard]] std::string_view HardwareId() const { return line == nullptr ? std::string_view() : line->Field(1); }
-    [[nodiscard]] std::string_view InstallSection() const
-    {
-        return line == nullptr ? std::string_view() : line->Field(0);
-    }
-    bool servesDevice = false; ///< the installer finds an ID of an accepted vendor here that a pass searches
+    /// @return true when the installer finds an ID of an accepted vendor here that a pass searches.
+    [[nodiscard]] bool ServesDevice() const { return found != nullptr && found->servesDevice; }
+};
+
+/// An ID and the line that has it.
+struct PlacedId
+{
+    ProfilePlace place;
+    const KnownId* id = nullptr;
+};
+
+/// The model sections of one name. The installer reads the first one, set-up all of them.
+struct ModelLines
+{
+    std::vector<ModelEntry> entries;      ///< of the first one
+    std::vector<PlacedId> following;      ///< further IDs of the lines that the installer reads, if they serve a device
+    std::vector<const KnownId*> setupIds; ///< all IDs that set-up reads, sorted by address
+    /// The first ID of an accepted vendor in a later section that the first one does not list, at that section's name.
+    std::optional<PlacedId> repeated;
+    bool listsOurs = false; ///< set-up reads an ID of an accepted vendor
 };
 
 class InfFacts
 {
 public:
     /// @param path  On the machine.
-    InfFacts(std::string path, FolderKitSource& source);
+    /// @param ids   Of all files of the kit.
+    InfFacts(std::string path, FolderKitSource& source, KnownIds& ids);
     InfFacts(const InfFacts&) = delete;
     InfFacts& operator=(const InfFacts&) = delete;
 
@@ -47,8 +65,14 @@ public:
     [[nodiscard]] const DriverVersion& Version() const { return m_version; }
     [[nodiscard]] bool IsOfNetworkClass() const;
 
-    /// @return the entries of the first section of the name, which is the one that the installer reads.
-    [[nodiscard]] const std::vector<ModelEntry>& EntriesOf(const std::string& section);
+    /// @return the lines of a model section; none when it is missing.
+    [[nodiscard]] const ModelLines& LinesOf(const std::string& section);
+    [[nodiscard]] const std::vector<ModelEntry>& EntriesOf(const std::string& section)
+    {
+        return LinesOf(section).entries;
+    }
+    /// @return what [Manufacturer] leads to.
+    [[nodiscard]] const std::vector<ModelsOfMaker>& Makers();
     /// @return the place of a section's name; the file's beginning when there is none.
     [[nodiscard]] ProfilePlace PlaceOfSection(std::string_view section) const;
     /// @return the place of a section's line, or of the section.
@@ -61,14 +85,17 @@ public:
     [[nodiscard]] bool IsMeantForOurs(const std::vector<std::string>& others);
 
 private:
-    std::vector<ModelEntry> ReadEntries(const std::string& section) const;
+    [[nodiscard]] ModelLines ReadLines(const std::string& section) const;
+    [[nodiscard]] std::vector<ModelEntry> ReadEntries(std::size_t section, const char* name) const;
+    void AddSetup(std::size_t section, ModelLines& lines) const;
 
     std::string m_path;
     FolderKitSource& m_source;
+    KnownIds& m_ids;
     const Profile& m_text;
     SetupInf m_setup;
     DriverVersion m_version;
-    std::map<std::string, std::vector<ModelEntry>, std::less<>> m_entries;
+    std::map<std::string, ModelLines, std::less<>> m_modelLines;
+    std::optional<std::vector<ModelsOfMaker>> m_makers;
     std::optional<std::vector<std::string>> m_modelSections;
-    std::optional<bool> m_isMeantForOurs;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "EqualsIgnoringCase.h"
 #include "InfDirectory.h"
 #include "IniLines.h"
 #include "KitLists.h"
@@ -27,15 +26,6 @@ private:
     bool m_stored = false;
 };
 
-bool LiesBelow(std::string_view path, std::string_view folder)
-{
-    while (folder.ends_with('\\')) {
-        folder.remove_suffix(1);
-    }
-    return path.size() > folder.size() && EqualsIgnoringCase(path.substr(0, folder.size()), folder) &&
-           path[folder.size()] == '\\';
-}
-
 /// What the installer would see of a section without the limits of its buffers.
 std::vector<IniLine> WholeSection(const Profile& ini, const std::string& section)
 {
@@ -50,10 +40,10 @@ std::vector<IniLine> WholeSection(const Profile& ini, const std::string& section
     }
     const std::vector<std::string_view> texts = LinesOf(buffer);
     for (std::size_t index = 0; index < ini.EntryCount(*found) && lines.size() < texts.size(); ++index) {
-        const Profile::Entry entry = ini.EntryAt(*found, index);
-        if (entry.name.starts_with(';') || (entry.name.empty() && !entry.value)) {
+        if (!ini.IsListed(*found, index)) {
             continue;
         }
+        const Profile::Entry entry = ini.EntryAt(*found, index);
         lines.push_back({.text = std::string(texts[lines.size()]),
                          .name = std::string(entry.name),
                          .place = entry.namePlace,
@@ -124,7 +114,7 @@ InfFacts& KitReading::Inf(const std::string& path)
 {
     std::unique_ptr<InfFacts>& inf = m_infs[path];
     if (!inf) {
-        inf = std::make_unique<InfFacts>(path, m_source);
+        inf = std::make_unique<InfFacts>(path, m_source, m_ids);
     }
     return *inf;
 }
@@ -194,9 +184,9 @@ bool KitReading::IsKnownHere(const SystemReading& reading, const std::string& va
 {
     const std::string directory = Resolve(reading, value);
     const std::string base = Resolve(reading, ".");
-    if (LiesBelow(directory, base)) {
+    if (LiesIn(directory, base)) {
         return true;
     }
     return std::ranges::any_of(m_folder.Where().maps,
-                               [&](const FolderMap& map) { return LiesBelow(directory, map.onMachine); });
+                               [&](const FolderMap& map) { return LiesIn(directory, map.onMachine); });
 }

@@ -67,6 +67,7 @@ public:
     [[nodiscard]] KitFolder& Folder() { return m_folder; }
     [[nodiscard]] FolderKitSource& Source() { return m_source; }
     [[nodiscard]] FoundFiles& Files() { return m_files; }
+    [[nodiscard]] KnownIds& Ids() { return m_ids; }
     [[nodiscard]] const std::string& SetupIni() const { return m_setupIni; }
     [[nodiscard]] const Profile& SetupIniText() const { return m_source.File(m_setupIni).Text(); }
 
@@ -80,9 +81,8 @@ public:
     [[nodiscard]] std::string Resolve(const SystemReading& reading, const std::string& value);
     /// @return the number of levels that the base is above the program.
     [[nodiscard]] int LevelsToRoot();
-    /// @return true for a directory of which this machine can tell what is in it: one below the base or in a folder
-    /// that
-    ///         the user has mapped.
+    /// @return true for a directory of which this machine can tell what is in it: one below the base, or one in a
+    ///         folder that the user has mapped.
     [[nodiscard]] bool IsKnownHere(const SystemReading& reading, const std::string& value);
 
     [[nodiscard]] SearchTerms TermsOf(const PlannedSystem& system) const;
@@ -96,6 +96,7 @@ private:
     uint32_t m_codePage;
     FolderKitSource m_source;
     FoundFiles m_files;
+    KnownIds m_ids;
     std::string m_setupIni;
     std::map<std::string, SystemReading> m_systems;
     std::map<std::string, std::unique_ptr<InfFacts>> m_infs;

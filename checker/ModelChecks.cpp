@@ -1,10 +1,11 @@
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
 #include <unordered_set>
 
+#include "AsciiCase.h"
 #include "Checks.h"
-#include "EqualsIgnoringCase.h"
 #include "HardwareIds.h"
 #include "InfModelLine.h"
 #include "Printable.h"
@@ -12,27 +13,6 @@
 // The findings about the lines of model sections.
 
 namespace {
-/// Later sections of the name, which set-up merges into the first.
-void CheckRepeatedSection(const KitCheck& check, InfFacts& inf, const std::string& section, const std::string& system)
-{
-    const std::vector<ModelEntry>& first = inf.EntriesOf(section);
-    const auto isListed = [&first](const std::string& id) {
-        return std::ranges::any_of(first, [&id](const ModelEntry& entry) { return entry.found == id; });
-    };
-    const std::optional<std::size_t> found = inf.Text().FindSection(section);
-    for (const SetupInf::Line& line : inf.Setup().LinesOf(section)) {
-        if (line.section == found) {
-            continue;
-        }
-        const std::string id = ComparedId(line.Field(1));
-        if (IsOfAcceptedVendor(id) && !isListed(id)) {
-            check.Add(206, inf.Path(), inf.Text().SectionPlace(line.section),
-                      "a second section " + InBrackets(section) + " lists " + id, system);
-            return;
-        }
-    }
-}
-
 /// What is wrong with the first ID of a line, if anything is.
 struct LineFinding
 {
@@ -42,126 +22,156 @@ struct LineFinding
 
 LineFinding JudgeFirstId(const ModelEntry& entry)
 {
-    const std::string& id = entry.setupId;
-    if (entry.servesDevice && entry.found == id) {
+    if (entry.ServesDevice() && entry.found == entry.setupId) {
         return {};
     }
-    const std::string hardwareId(entry.HardwareId());
+    const std::string& id = entry.setupId->text;
+    const std::string hardwareId(entry.hardwareId);
     if (UpperAscii(hardwareId).starts_with("VEN_") && hardwareId.find('\\') == std::string::npos) {
         return {.rule = 302, .what = hardwareId + " has no bus"};
     }
     if (id.empty() || NamesClassOnly(hardwareId)) {
         return {};
     }
-    if (!IsOfAcceptedVendor(id)) {
+    if (!entry.setupId->isOfAcceptedVendor) {
         return {.rule = id.starts_with("VEN_") ? 305 : 0, .what = id + " is of another vendor"};
     }
-    if (entry.text.size() > kModelLineChars && entry.found != id) {
+    if (entry.isLong && entry.found != entry.setupId) {
         return {.rule = 207, .what = id + " begins or ends after what is read of a line"};
     }
-    if (entry.found != id) {
-        return {.rule = 304,
-                .what = id + (entry.found ? " is compared as " + *entry.found : " is not compared at all")};
+    if (entry.found != entry.setupId) {
+        return {
+            .rule = 304,
+            .what = id + (entry.found != nullptr ? " is compared as " + entry.found->text : " is not compared at all")};
     }
-    if (!IsSearched(id)) {
+    if (!entry.setupId->servesDevice) {
         return {.rule = 303, .what = id + " is searched in no pass"};
     }
     return {};
 }
 
-class LineChecks
+/// What is wrong with a model section on every system.
+class SectionJudge
 {
 public:
-    LineChecks(const KitCheck& check, const SystemReading& on) : m_check(check), m_on(on) {}
-
-    void Run()
+    struct Finding
     {
-        for (const MetInf& met : m_on.infs) {
-            for (const std::string& section : m_on.sectionNames) {
-                if (met.Qualifies()) {
-                    CheckRepeatedSection(m_check, *met.inf, section, m_on.system.section);
-                    CheckSection(*met.inf, section);
-                }
+        ProfilePlace place;
+        LineFinding finding;
+    };
+
+    SectionJudge(const ModelLines& lines, const std::string& section) : m_lines(lines), m_section(section) {}
+
+    [[nodiscard]] std::vector<Finding> Judge()
+    {
+        if (m_lines.repeated) {
+            Add(m_lines.repeated->place,
+                {.rule = 206,
+                 .what = "a second section " + InBrackets(m_section) + " lists " + m_lines.repeated->id->text});
+        }
+        for (const ModelEntry& entry : m_lines.entries) {
+            if (entry.isSetupLine && entry.isRead) {
+                JudgeLine(entry);
+            } else if (entry.isSetupLine) {
+                JudgeUnreadLine(entry);
             }
         }
+        return std::move(m_findings);
     }
 
 private:
-    /// @return all IDs that the installer compares on the system. Few kits have a line that asks for them.
-    [[nodiscard]] const std::unordered_set<std::string_view>& FoundIds()
+    void Add(const ProfilePlace& place, LineFinding finding)
     {
-        if (!m_found) {
-            m_found.emplace();
+        m_findings.push_back({.place = place, .finding = std::move(finding)});
+    }
+
+    void JudgeUnreadLine(const ModelEntry& entry)
+    {
+        if (!m_saidCut && entry.setupId->isOfAcceptedVendor) {
+            Add(entry.place,
+                {.rule = 207, .what = entry.setupId->text + " lies after the cut of " + InBrackets(m_section)});
+            m_saidCut = true;
+        }
+    }
+
+    void JudgeLine(const ModelEntry& entry)
+    {
+        LineFinding finding = JudgeFirstId(entry);
+        constexpr std::size_t kVendorChars = 8;
+        const bool isSaid =
+            finding.rule == 305 && !m_otherVendors.insert(entry.setupId->text.substr(0, kVendorChars)).second;
+        if (finding.rule != 0 && !isSaid) {
+            Add(entry.place, std::move(finding));
+        }
+    }
+
+    const ModelLines& m_lines;
+    const std::string& m_section;
+    std::vector<Finding> m_findings;
+    std::set<std::string> m_otherVendors;
+    bool m_saidCut = false;
+};
+
+/// All IDs that the installer compares on a system.
+class FoundIds
+{
+public:
+    explicit FoundIds(const SystemReading& on) : m_on(on) {}
+
+    [[nodiscard]] bool Has(const KnownId* id)
+    {
+        // Few kits have a line that asks for them.
+        if (!m_ids) {
+            m_ids.emplace();
             for (const MetInf& met : m_on.infs) {
                 for (const std::string& section : m_on.sectionNames) {
-                    AddFoundIds(met, section);
+                    AddFrom(met, section);
                 }
             }
         }
-        return *m_found;
+        return m_ids->contains(id);
     }
 
-    void AddFoundIds(const MetInf& met, const std::string& section)
+private:
+    void AddFrom(const MetInf& met, const std::string& section)
     {
-        if (!met.Qualifies()) {
-            return;
-        }
-        for (const ModelEntry& entry : met.inf->EntriesOf(section)) {
-            if (entry.found) {
-                m_found->insert(*entry.found);
+        if (met.Qualifies()) {
+            for (const ModelEntry& entry : met.inf->EntriesOf(section)) {
+                m_ids->insert(entry.found);
             }
         }
     }
 
-    void Add(const InfFacts& inf, int rule, const ModelEntry& entry, const std::string& what) const
-    {
-        m_check.Add(rule, inf.Path(), entry.place, what, m_on.system.section);
-    }
-
-    void CheckSection(InfFacts& inf, const std::string& section)
-    {
-        std::set<std::string> otherVendors;
-        bool saidCut = false;
-        for (const ModelEntry& entry : inf.EntriesOf(section)) {
-            if (entry.line == nullptr) {
-                continue;
-            }
-            if (!entry.isRead) {
-                if (!saidCut && IsOfAcceptedVendor(entry.setupId)) {
-                    Add(inf, 207, entry, entry.setupId + " lies after the cut of " + InBrackets(section));
-                    saidCut = true;
-                }
-                continue;
-            }
-            const LineFinding finding = JudgeFirstId(entry);
-            if (finding.rule == 305 && !otherVendors.insert(entry.setupId.substr(0, 8)).second) {
-                continue;
-            }
-            if (finding.rule != 0) {
-                Add(inf, finding.rule, entry, finding.what);
-            }
-            CheckFollowingIds(inf, entry);
-        }
-    }
-
-    void CheckFollowingIds(const InfFacts& inf, const ModelEntry& entry)
-    {
-        const std::vector<std::string>& fields = entry.line->fields;
-        for (std::size_t field = 2; field < fields.size(); ++field) {
-            const std::string id = ComparedId(fields[field]);
-            if (IsOfAcceptedVendor(id) && IsSearched(id) && !FoundIds().contains(id)) {
-                Add(inf, 301, entry, id + " comes after another ID");
-            }
-        }
-    }
-
-    const KitCheck& m_check;
     const SystemReading& m_on;
-    std::optional<std::unordered_set<std::string_view>> m_found; ///< when it was asked for
+    std::optional<std::unordered_set<const KnownId*>> m_ids;
 };
 } // namespace
 
-void CheckModelSections(const KitCheck& check, const SystemReading& on)
+void CheckModelSections(const KitCheck& check)
 {
-    LineChecks(check, on).Run();
+    std::map<const ModelLines*, std::vector<SectionJudge::Finding>> known;
+    for (const std::string& system : check.systems) {
+        const SystemReading& on = check.reading.On(system);
+        FoundIds found(on);
+        for (const MetInf& met : on.infs) {
+            if (!met.Qualifies()) {
+                continue;
+            }
+            for (const std::string& section : on.sectionNames) {
+                const ModelLines& lines = met.inf->LinesOf(section);
+                const auto [judged, isNew] = known.try_emplace(&lines);
+                if (isNew) {
+                    judged->second = SectionJudge(lines, section).Judge();
+                }
+                for (const auto& [place, finding] : judged->second) {
+                    check.Add(finding.rule, met.inf->Path(), place, finding.what, system);
+                }
+                for (const auto& [place, id] : lines.following) {
+                    if (!found.Has(id)) {
+                        check.Add(301, met.inf->Path(), place, id->text + " comes after another ID", system);
+                    }
+                }
+            }
+        }
+    }
 }

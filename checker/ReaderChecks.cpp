@@ -3,6 +3,7 @@
 #include <optional>
 #include <set>
 
+#include "AsciiCase.h"
 #include "Checks.h"
 #include "EqualsIgnoringCase.h"
 #include "FileNames.h"
@@ -17,7 +18,7 @@ std::set<std::string> IdsOf(InfFacts& inf, const std::vector<std::string>& secti
     std::set<std::string> ids;
     for (const std::string& section : sections) {
         for (const ModelEntry& entry : inf.EntriesOf(section)) {
-            ids.insert(entry.found.value_or(std::string()));
+            ids.insert(entry.found == nullptr ? std::string() : entry.found->text);
         }
     }
     return ids;
@@ -40,35 +41,9 @@ std::map<uint32_t, std::string> LinesAsRead(const Profile& text)
     return lines;
 }
 
-/// Quicker than the lines, and true for nearly all files.
-bool IsReadAlike(const Profile& text, const Profile& other)
-{
-    if (text.SectionCount() != other.SectionCount()) {
-        return false;
-    }
-    for (std::size_t section = 0; section < text.SectionCount(); ++section) {
-        if (text.SectionPlace(section).line != other.SectionPlace(section).line ||
-            text.SectionName(section) != other.SectionName(section) ||
-            text.EntryCount(section) != other.EntryCount(section)) {
-            return false;
-        }
-        for (std::size_t index = 0; index < text.EntryCount(section); ++index) {
-            const Profile::Entry one = text.EntryAt(section, index);
-            const Profile::Entry two = other.EntryAt(section, index);
-            if (one.namePlace.line != two.namePlace.line || one.name != two.name || one.value != two.value) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
 /// @return the first line that the readers take differently.
 std::optional<ProfilePlace> FirstDifference(const Profile& text, const Profile& other)
 {
-    if (IsReadAlike(text, other)) {
-        return std::nullopt;
-    }
     const std::map<uint32_t, std::string> lines = LinesAsRead(text);
     const std::map<uint32_t, std::string> others = LinesAsRead(other);
     const auto [line, second] = std::ranges::mismatch(lines, others);
@@ -115,7 +90,8 @@ void CompareInfs(const KitCheck& check, KitReading& other)
         for (const MetInf& met : on.infs) {
             const std::string& path = met.inf->Path();
             const auto [known, isNew] = differences.try_emplace(path);
-            if (isNew) {
+            // Nearly all files are read alike. Those are not read again.
+            if (isNew && !met.inf->Text().IsReadAlike()) {
                 known->second = FirstDifference(met.inf->Text(), other.Source().File(path).Text());
             }
             if (!known->second) {

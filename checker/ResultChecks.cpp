@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <compare>
+#include <map>
 #include <set>
 
+#include "AsciiCase.h"
 #include "Checks.h"
 #include "CopiedFiles.h"
 #include "DriverInstallRecord.h"
@@ -13,14 +16,17 @@
 // The findings about the result of an installation and the files of a package.
 
 namespace {
-/// The install sections of the lines that serve a device, each once, with the first such line.
-std::map<std::string, const ModelEntry*> InstallSections(const SystemReading& on, InfFacts& inf)
+/// The first line that leads to each install section, by the section's name in upper case.
+using InstallSections = std::map<std::string, const ModelEntry*>;
+
+/// @return the install sections of the lines that serve a device.
+InstallSections InstallSectionsOf(InfFacts& inf, const std::vector<std::string>& sectionNames)
 {
-    std::map<std::string, const ModelEntry*> sections;
-    for (const std::string& section : on.sectionNames) {
+    InstallSections sections;
+    for (const std::string& section : sectionNames) {
         for (const ModelEntry& entry : inf.EntriesOf(section)) {
-            if (entry.servesDevice && !entry.InstallSection().empty()) {
-                sections.try_emplace(UpperAscii(entry.InstallSection()), &entry);
+            if (entry.ServesDevice() && !entry.installSection.empty()) {
+                sections.try_emplace(UpperAscii(entry.installSection), &entry);
             }
         }
     }
@@ -41,44 +47,67 @@ std::string PatternFor(const InfFacts& inf, OSCode system)
     return expected ? expected->filePattern.substr(1) : std::string();
 }
 
-/// One INF file on one system.
+/// What the files of a package depend on besides the INF file. Many systems have it in common.
+struct PackageSystem
+{
+    std::string_view processor;
+    std::string pattern; ///< of the driver file that a result rests on
+    bool needsCatalog = false;
+    auto operator<=>(const PackageSystem&) const = default;
+};
+
+PackageSystem PackageSystemOf(const PlannedSystem& system, const InfFacts& inf)
+{
+    const std::string_view processor = ProcessorOf(system.code);
+    return {.processor = processor,
+            .pattern = PatternFor(inf, system.code),
+            .needsCatalog = processor == "amd64" && IsOf6OrLater(system)};
+}
+
+struct PackageFinding
+{
+    int rule = 0;
+    ProfilePlace place;
+    std::string what;
+};
+
+/// One INF file on systems that are alike for it.
 class PackageCheck
 {
 public:
-    PackageCheck(const KitCheck& check, const SystemReading& on, InfFacts& inf) : m_check(check), m_on(on), m_inf(inf)
+    PackageCheck(FoundFiles& files, const InfFacts& inf, const PackageSystem& system)
+        : m_files(files), m_inf(inf), m_system(system)
     {
     }
 
-    void Run()
+    [[nodiscard]] std::vector<PackageFinding> Run(const InstallSections& sections)
     {
-        const auto sections = InstallSections(m_on, m_inf);
         if (sections.empty()) {
-            return;
+            return {};
         }
         if (m_inf.Path().size() >= sizeof(DriverInstallRecord::infPath)) {
             Add(506, {}, "the path on the machine has " + std::to_string(m_inf.Path().size()) + " characters");
         }
-        if (m_inf.IsOfNetworkClass() && PatternFor(m_inf, m_on.system.code).empty()) {
+        if (m_inf.IsOfNetworkClass() && m_system.pattern.empty()) {
             Add(501, {}, std::string(m_inf.FileName()) + " begins with no family's prefix");
         }
-        CheckCatalog();
+        if (m_system.needsCatalog) {
+            CheckCatalog();
+        }
         for (const auto& [name, entry] : sections) {
             CheckCopies(*entry);
         }
+        return std::move(m_findings);
     }
 
 private:
-    void Add(int rule, const ProfilePlace& place, const std::string& what) const
+    void Add(int rule, const ProfilePlace& place, const std::string& what)
     {
-        // A finding about the file as a whole is known by the file's name.
-        m_check.Add(rule, m_inf.Path(), place, what, m_on.system.section, place.line == 0 ? m_inf.Path() : "");
+        m_findings.push_back({.rule = rule, .place = place, .what = what});
     }
 
-    void CheckCatalog() const
+    void CheckCatalog()
     {
-        if (ProcessorOf(m_on.system.code) != "amd64" || !IsOf6OrLater(m_on.system)) {
-            return;
-        }
         for (const std::string_view key : {"CatalogFile.NTamd64", "CatalogFile.NT", "CatalogFile"}) {
             const SetupInf::Line* const line = m_inf.Setup().FindLine("Version", key);
             if (line == nullptr) {
@@ -92,23 +121,23 @@ private:
         Add(505, m_inf.PlaceOfSection("Version"), "[Version] names no CatalogFile");
     }
 
-    void CheckCopies(const ModelEntry& entry) const
+    void CheckCopies(const ModelEntry& entry)
     {
-        const CopiedFiles copied = FilesCopiedBy(m_inf.Setup(), entry.InstallSection(), m_on.system.code);
+        const CopiedFiles copied = FilesCopiedBy(m_inf.Setup(), entry.installSection, m_system.processor);
         if (!copied.known) {
             return;
         }
         for (const CopiedFile& file : copied.files) {
             CheckSource(file);
         }
-        const std::string pattern = PatternFor(m_inf, m_on.system.code);
-        if (!pattern.empty() && !copied.namesOtherInfs) {
-            CheckResult(entry, copied, pattern);
+        if (!m_system.pattern.empty() && !copied.namesOtherInfs) {
+            CheckResult(entry, copied);
         }
     }
 
-    void CheckResult(const ModelEntry& entry, const CopiedFiles& copied, const std::string& pattern) const
+    void CheckResult(const ModelEntry& entry, const CopiedFiles& copied)
     {
+        const std::string& pattern = m_system.pattern;
         std::set<std::string> fitting;
         const CopiedFile* kept = nullptr;
         for (const CopiedFile& file : copied.files) {
@@ -125,8 +154,7 @@ private:
             Add(507, kept->place, kept->name + " goes to directory 13");
         } else if (fitting.empty()) {
             Add(502, entry.place,
-                "[" + std::string(entry.InstallSection()) + "] copies no file to system32\\drivers that fits " +
-                    pattern);
+                "[" + std::string(entry.installSection) + "] copies no file to system32\\drivers that fits " + pattern);
         } else if (fitting.size() > 1) {
             Add(503, entry.place, *fitting.begin() + " and " + *std::next(fitting.begin()) + " both fit " + pattern);
         }
@@ -140,14 +168,13 @@ private:
         if (!compressed.empty()) {
             compressed.back() = '_';
         }
-        FoundFiles& files = m_check.reading.Files();
-        return path.empty() || files.Find(directory + std::string(path)) || files.Find(directory + compressed);
+        return path.empty() || m_files.Find(directory + std::string(path)) || m_files.Find(directory + compressed);
     }
 
-    void CheckSource(const CopiedFile& file) const
+    void CheckSource(const CopiedFile& file)
     {
         const SetupInf& setup = m_inf.Setup();
-        const std::string processor(ProcessorOf(m_on.system.code));
+        const std::string processor(m_system.processor);
         const SetupInf::Line* source = setup.FindLine("SourceDisksFiles." + processor, file.source);
         source = source != nullptr ? source : setup.FindLine("SourceDisksFiles", file.source);
         if (source == nullptr) {
@@ -171,9 +198,10 @@ private:
         }
     }
 
-    const KitCheck& m_check;
-    const SystemReading& m_on;
-    InfFacts& m_inf;
+    FoundFiles& m_files;
+    const InfFacts& m_inf;
+    const PackageSystem& m_system;
+    std::vector<PackageFinding> m_findings;
 };
 
 /// A driver file that packages of a family copy on a system.
@@ -194,8 +222,9 @@ std::vector<FamilyFile> FilesOfAllSystems(const KitCheck& check)
             if (!met.Qualifies() || PatternFor(*met.inf, on.system.code).empty()) {
                 continue;
             }
-            for (const auto& [name, entry] : InstallSections(on, *met.inf)) {
-                const CopiedFiles copied = FilesCopiedBy(met.inf->Setup(), entry->InstallSection(), on.system.code);
+            for (const auto& [name, entry] : InstallSectionsOf(*met.inf, on.sectionNames)) {
+                const CopiedFiles copied =
+                    FilesCopiedBy(met.inf->Setup(), entry->installSection, ProcessorOf(on.system.code));
                 for (const CopiedFile& file : copied.files) {
                     if (file.GoesToDriverDirectory()) {
                         files.push_back({.inf = met.inf,
@@ -211,12 +240,47 @@ std::vector<FamilyFile> FilesOfAllSystems(const KitCheck& check)
 }
 } // namespace
 
-void CheckPackages(const KitCheck& check, const SystemReading& on)
+namespace {
+/// @return the systems on which each INF file qualifies, in their order.
+std::map<InfFacts*, std::vector<const SystemReading*>> SystemsByInf(const KitCheck& check)
 {
-    for (const MetInf& met : on.infs) {
-        if (met.Qualifies()) {
-            PackageCheck(check, on, *met.inf).Run();
+    std::map<InfFacts*, std::vector<const SystemReading*>> systems;
+    for (const std::string& system : check.systems) {
+        const SystemReading& on = check.reading.On(system);
+        for (const MetInf& met : on.infs) {
+            if (met.Qualifies()) {
+                systems[met.inf].push_back(&on);
+            }
         }
+    }
+    return systems;
+}
+
+void CheckPackage(const KitCheck& check, InfFacts& inf, const std::vector<const SystemReading*>& systems)
+{
+    std::map<std::vector<std::string>, InstallSections> sections;
+    std::map<std::pair<const InstallSections*, PackageSystem>, std::vector<PackageFinding>> known;
+    for (const SystemReading* const on : systems) {
+        const auto [named, isNew] = sections.try_emplace(on->sectionNames);
+        if (isNew) {
+            named->second = InstallSectionsOf(inf, on->sectionNames);
+        }
+        const auto [found, isNewSystem] = known.try_emplace({&named->second, PackageSystemOf(on->system, inf)});
+        if (isNewSystem) {
+            found->second = PackageCheck(check.reading.Files(), inf, found->first.second).Run(named->second);
+        }
+        for (const auto& [rule, place, what] : found->second) {
+            // A finding about the file as a whole is known by the file's name.
+            check.Add(rule, inf.Path(), place, what, on->system.section, place.line == 0 ? inf.Path() : "");
+        }
+    }
+}
+} // namespace
+
+void CheckPackages(const KitCheck& check)
+{
+    for (const auto& [inf, systems] : SystemsByInf(check)) {
+        CheckPackage(check, *inf, systems);
     }
 }
 

@@ -47,16 +47,3 @@ std::string IdOf(const Rule& rule)
 {
     return std::string(kPrefix) + std::to_string(rule.number);
 }
-
-std::string_view NameOf(Severity severity)
-{
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "error";
-}

@@ -31,6 +31,3 @@ struct Rule
 
 /// @return "MK" and the rule's number.
 [[nodiscard]] std::string IdOf(const Rule& rule);
-
-/// @return "error", "warning" or "note".
-[[nodiscard]] std::string_view NameOf(Severity severity);

@@ -114,10 +114,10 @@ std::vector<ModelsOfMaker> MakersOf(const SetupInf& inf)
     for (const SetupInf::Line& line : inf.LinesOf("Manufacturer")) {
         ModelsOfMaker& maker = makers.emplace_back();
         // A maker without a value has the models of its own name.
-        maker.models = line.Field(0).empty() ? line.key : std::string(line.Field(0));
+        maker.models = line.Field(0).empty() ? line.key : line.Field(0);
         for (std::size_t field = 1; field < line.fields.size(); ++field) {
             if (!line.fields[field].empty()) {
-                maker.decorations.push_back(line.fields[field]);
+                maker.decorations.emplace_back(line.fields[field]);
             }
         }
     }
@@ -144,10 +144,11 @@ std::vector<SetupSystem> ProductsOf(OSCode system, const SystemFacts& facts)
     return products;
 }
 
-std::vector<std::string> SectionsOfSetup(const SetupInf& inf, const SetupSystem& system)
+std::vector<std::string> SectionsOfSetup(const SetupInf& inf, const std::vector<ModelsOfMaker>& makers,
+                                         const SetupSystem& system)
 {
     std::vector<std::string> sections;
-    for (const ModelsOfMaker& maker : MakersOf(inf)) {
+    for (const ModelsOfMaker& maker : makers) {
         AddSectionsOf(maker, inf, system, sections);
     }
     return sections;

@@ -33,6 +33,8 @@ struct SetupSystem
 /// @return a system's products: workstation, server, domain controller. The 6.2 systems for x64 share one section.
 [[nodiscard]] std::vector<SetupSystem> ProductsOf(OSCode system, const SystemFacts& facts);
 
+/// @param makers  Of the INF.
 /// @return the model sections that set-up would search on the system, one for each maker that has one. Where a
 ///         decoration asks for a suite of products, which nobody can know here, both answers are in the list.
-[[nodiscard]] std::vector<std::string> SectionsOfSetup(const SetupInf& inf, const SetupSystem& system);
+[[nodiscard]] std::vector<std::string> SectionsOfSetup(const SetupInf& inf, const std::vector<ModelsOfMaker>& makers,
+                                                       const SetupSystem& system);

@@ -1,6 +1,6 @@
 #include "SourceLines.h"
 
-#include <string_view>
+#include <algorithm>
 
 #include "FolderListing.h"
 
@@ -34,22 +34,6 @@ std::string FromUtf16(std::string_view bytes)
     return text;
 }
 
-/// CR LF, CR and LF each end a line.
-std::vector<std::string> LinesIn(const std::string& bytes)
-{
-    const std::string text = bytes.starts_with(kUtf16Mark) ? FromUtf16(bytes) : bytes;
-    std::vector<std::string> lines(1);
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\r' || text[at] == '\n') {
-            at += text[at] == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
-            lines.emplace_back();
-        } else {
-            lines.back() += text[at];
-        }
-    }
-    return lines;
-}
-
 std::string Normalised(std::string_view line)
 {
     std::string text;
@@ -73,9 +57,35 @@ std::string SourceLines::NormalisedLine(const std::filesystem::path& file, std::
     if (file.empty()) {
         return {};
     }
-    const auto [known, isNew] = m_files.try_emplace(file);
-    if (isNew) {
-        known->second = LinesIn(ReadFileBytes(file).value_or(std::string()));
+    if (file != m_file) {
+        Read(file);
     }
-    return line == 0 || line > known->second.size() ? std::string() : Normalised(known->second[line - 1]);
+    while (m_rest && m_lines.size() < line) {
+        ReadLine();
+    }
+    return line == 0 || line > m_lines.size() ? std::string() : Normalised(m_lines[line - 1]);
+}
+
+void SourceLines::Read(const std::filesystem::path& file)
+{
+    m_file = file;
+    m_text = ReadFileBytes(file).value_or(std::string());
+    if (m_text.starts_with(kUtf16Mark)) {
+        m_text = FromUtf16(m_text);
+    }
+    m_rest = m_text;
+    m_lines.clear();
+}
+
+/// CR LF, CR and LF each end a line.
+void SourceLines::ReadLine()
+{
+    const auto end = std::ranges::find_if(*m_rest, [](char c) { return c == '\r' || c == '\n'; });
+    const auto size = static_cast<std::size_t>(end - m_rest->begin());
+    m_lines.push_back(m_rest->substr(0, size));
+    if (end == m_rest->end()) {
+        m_rest.reset();
+    } else {
+        m_rest->remove_prefix(size + (m_rest->substr(size).starts_with("\r\n") ? 2 : 1));
+    }
 }

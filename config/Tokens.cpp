@@ -1,13 +1,26 @@
 #include "Tokens.h"
 
+#include <algorithm>
+
 std::optional<std::string_view> TokenCursor::Next(std::string_view delimiters)
 {
-    const auto begin = m_text.find_first_not_of(delimiters, m_position);
-    if (begin == std::string_view::npos) {
-        m_position = m_text.size();
+    // The few delimiters are compared in place: the library's search would call a function for each character.
+    const auto isDelimiter = [delimiters](char c) {
+        for (const char delimiter : delimiters) {
+            if (c == delimiter) {
+                return true;
+            }
+        }
+        return false;
+    };
+    const auto begin = std::find_if_not(m_text.begin(), m_text.end(), isDelimiter);
+    if (begin == m_text.end()) {
+        m_text = {};
         return std::nullopt;
     }
-    const auto end = m_text.find_first_of(delimiters, begin);
-    m_position = end == std::string_view::npos ? m_text.size() : end + 1;
-    return m_text.substr(begin, end == std::string_view::npos ? end : end - begin);
+    const auto end = std::find_if(begin, m_text.end(), isDelimiter);
+    const auto start = static_cast<std::size_t>(begin - m_text.begin());
+    const std::string_view token = m_text.substr(start, static_cast<std::size_t>(end - begin));
+    m_text.remove_prefix(std::min(start + token.size() + 1, m_text.size()));
+    return token;
 }

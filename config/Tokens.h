@@ -15,6 +15,5 @@ public:
     [[nodiscard]] std::optional<std::string_view> Next(std::string_view delimiters);
 
 private:
-    std::string_view m_text;
-    std::string_view::size_type m_position = 0;
+    std::string_view m_text; ///< what is left
 };

@@ -10,7 +10,11 @@ constexpr int32_t kNotFound = -1;
 // Positions are signed 32-bit with -1 for "not found". As an unsigned size, -1 is after the end of every text.
 int32_t LastPosition(std::string_view text, std::string_view marker)
 {
-    const std::size_t position = text.rfind(marker);
+    // Every marker begins with an ampersand, which few characters of an ID are.
+    std::size_t position = text.rfind('&');
+    while (position != std::string_view::npos && !text.substr(position).starts_with(marker)) {
+        position = position == 0 ? std::string_view::npos : text.rfind('&', position - 1);
+    }
     return position == std::string_view::npos ? kNotFound : static_cast<int32_t>(position);
 }
 

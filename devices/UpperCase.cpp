@@ -1,5 +1,7 @@
 #include "UpperCase.h"
 
+#include "AsciiCase.h"
+
 void MakeUpperCase(std::span<char> text, LeadByteTest isLeadByte)
 {
     bool isSecondByte = false;
@@ -12,8 +14,6 @@ void MakeUpperCase(std::span<char> text, LeadByteTest isLeadByte)
             continue;
         }
         isSecondByte = isLeadByte(static_cast<unsigned char>(c));
-        if (c >= 'a' && c <= 'z') {
-            c = static_cast<char>(c - 'a' + 'A');
-        }
+        c = UpperAscii(c);
     }
 }

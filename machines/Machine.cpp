@@ -4,6 +4,19 @@
 #include "ServedFamilies.h"
 #include "StoredText.h"
 
+std::string_view NameOf(Severity severity)
+{
+    switch (severity) {
+        case Severity::Note:
+            return "note";
+        case Severity::Warning:
+            return "warning";
+        case Severity::Error:
+            return "error";
+    }
+    return "error";
+}
+
 std::string TextOf(const Diagnostic& diagnostic)
 {
     std::string text = Printable(diagnostic.source);

@@ -27,6 +27,9 @@ enum class Severity
     Error,   ///< nothing could be read
 };
 
+/// @return "note", "warning" or "error".
+[[nodiscard]] std::string_view NameOf(Severity severity);
+
 /// Something to tell the user about an input.
 struct Diagnostic
 {

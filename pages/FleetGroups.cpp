@@ -109,6 +109,9 @@ private:
         if (!group.problem.empty()) {
             m_html.Put("<p>").Text(group.problem).Put("</p>");
         }
+        if (group.folded != 0) {
+            m_html.Put("<p>").Text(CountOf(group.folded, "set")).Put(" of adapters, not shown one by one</p>");
+        }
         m_html.Put("<ul class=devices>");
         for (const FleetDevice& device : group.devices) {
             WriteDevice(device, group.lost);
@@ -194,6 +197,13 @@ void WriteGroups(HtmlWriter& html, const FleetReport& report)
     html.Put(
         "<p>Machines with the same system and the same adapters are one row. An adapter leads to the way in which ");
     html.Put("its driver is found.</p>\n");
+    if (const std::size_t machines = report.FoldedMachines(); machines != 0) {
+        html.Put("<p>There are too many different sets of adapters for one page: ").Text(CountOf(machines, "machine"));
+        html.Put(machines == 1 ? Markup(" is") : Markup(" are"));
+        html.Put(
+            " in rows of state and system alone, without adapters and drivers here, below, and in the CSV. "
+            "<code>morvix-kit plan --ndjson</code> has all of them.</p>\n");
+    }
     WriteTools(html, report);
     html.Put(
         "<table id=groups><caption>Machines by system and adapters, those that need attention first</caption>\n"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "AsciiCase.h"
 #include "FleetAdapters.h"
 #include "FleetGroups.h"
 #include "FleetPageParts.h"
@@ -115,17 +116,12 @@ void WriteUnknown(HtmlWriter& html, const FleetReport& report)
     html.Put("</tbody></table></div></section>\n");
 }
 
-Markup WordOf(Severity severity)
+/// @return the severity as a sentence begins with it.
+std::string WordOf(Severity severity)
 {
-    switch (severity) {
-        case Severity::Note:
-            return "Note";
-        case Severity::Warning:
-            return "Warning";
-        case Severity::Error:
-            return "Error";
-    }
-    return "Error";
+    std::string word(NameOf(severity));
+    word.front() = UpperAscii(word.front());
+    return word;
 }
 
 void WriteFindings(HtmlWriter& html, const std::vector<FleetFinding>& findings)
@@ -143,7 +139,7 @@ void WriteFindings(HtmlWriter& html, const std::vector<FleetFinding>& findings)
         html.Put(ShapeOf(finding.severity == Severity::Error     ? FleetMark::Bad
                          : finding.severity == Severity::Warning ? FleetMark::Doubtful
                                                                  : FleetMark::None));
-        html.Put("<code>").Text(finding.id).Put("</code> ").Put(WordOf(finding.severity)).Put("<td><code>");
+        html.Put("<code>").Text(finding.id).Put("</code> ").Text(WordOf(finding.severity)).Put("<td><code>");
         html.Text(finding.file).Text(finding.line == 0 ? "" : ":" + std::to_string(finding.line)).Put("</code><td>");
         html.Text(finding.harm).Put("<td>").Text(finding.cure).Put("\n");
     }
@@ -152,7 +148,7 @@ void WriteFindings(HtmlWriter& html, const std::vector<FleetFinding>& findings)
 
 void WriteRemark(HtmlWriter& html, const FleetRemark& remark)
 {
-    html.Put("<li>").Put(WordOf(remark.severity)).Put(": ").Text(remark.what);
+    html.Put("<li>").Text(WordOf(remark.severity)).Put(": ").Text(remark.what);
     html.Text(remark.cure.empty() ? "" : "; " + remark.cure).Put(" <details><summary>");
     html.Text(CountOf(remark.sources.size(), "machine")).Put("</summary><ul class=machines>");
     for (const std::string& source : remark.sources) {
@@ -176,7 +172,7 @@ std::size_t DevicesOfUnknownPresence(const FleetReport& report)
     std::size_t devices = 0;
     for (const FleetGroup& group : report.Groups()) {
         const auto count = std::ranges::count(group.devices, Presence::Unknown, &FleetDevice::presence);
-        devices += static_cast<std::size_t>(count) * group.machines.size();
+        devices += static_cast<std::size_t>(count) * group.machines.size() + group.unknownPresences;
     }
     return devices;
 }
@@ -208,7 +204,7 @@ void WriteAssumptions(HtmlWriter& html, const FleetReport& report, const FleetPa
         "driver that does not start, no description of a machine tells.\n");
     for (const Diagnostic& remark : facts.kitRemarks) {
         html.Put("<li>")
-            .Put(WordOf(remark.severity))
+            .Text(WordOf(remark.severity))
             .Put(": <code>")
             .Text(remark.source)
             .Put("</code>: ")

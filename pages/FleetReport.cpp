@@ -1,9 +1,13 @@
 #include "FleetReport.h"
 
 #include <algorithm>
+#include <iterator>
+#include <set>
+#include <span>
 #include <utility>
 
 #include "PlanText.h"
+#include "RecordNames.h"
 
 namespace {
 /// Appends a part of a group's identity. Texts of registries hold any byte, so each part has its length before it.
@@ -64,7 +68,7 @@ bool LacksDriver(const DevicePlan& device)
 /// Whether the result value will say something else than SUCCESS, or nothing.
 bool HasDoubtfulResult(const DevicePlan& device)
 {
-    return !device.search->report || ResultIfBound(*device.search->report) != "SUCCESS";
+    return !device.search->report || ResultIfBound(*device.search->report) != kResultSuccess;
 }
 
 bool IsSame(const SearchOutcome& one, const SearchOutcome& other)
@@ -181,7 +185,7 @@ void FleetReport::Remark(const std::vector<Diagnostic>& diagnostics)
     }
 }
 
-void FleetReport::Finish()
+void FleetReport::Finish(const FleetLimits& limits)
 {
     std::ranges::stable_sort(m_groups, [](const FleetGroup& one, const FleetGroup& other) {
         if (one.state != other.state) {
@@ -189,6 +193,79 @@ void FleetReport::Finish()
         }
         return one.machines.size() > other.machines.size();
     });
+    if (const std::size_t kept = GroupsWithin(limits); kept < m_groups.size()) {
+        Fold(kept);
+        DropUnusedTrails();
+    }
+}
+
+/// @return how many of the first groups are within the limits.
+std::size_t FleetReport::GroupsWithin(const FleetLimits& limits) const
+{
+    std::set<std::size_t> trails;
+    for (std::size_t group = 0; group < m_groups.size(); ++group) {
+        for (const FleetDevice& device : m_groups[group].devices) {
+            trails.insert(device.trail);
+        }
+        if (group == limits.groups || trails.size() > limits.trails) {
+            return group;
+        }
+    }
+    return m_groups.size();
+}
+
+void FleetReport::Fold(std::size_t kept)
+{
+    using Common = std::tuple<FleetState, std::string, std::string, std::string, std::string>;
+    std::map<Common, FleetGroup> folded;
+    for (FleetGroup& group : std::span(m_groups).subspan(kept)) {
+        const PlannedSystem& system = group.system;
+        const auto [place, isNew] =
+            folded.try_emplace({group.state, system.section, system.family, system.from, system.familyFrom});
+        FleetGroup& into = place->second;
+        if (isNew) {
+            into.state = group.state;
+            into.outcome = group.outcome;
+            into.system = group.system;
+            into.system.reasons.clear();
+        }
+        ++into.folded;
+        const auto unknown = std::ranges::count(group.devices, Presence::Unknown, &FleetDevice::presence);
+        into.unknownPresences += static_cast<std::size_t>(unknown) * group.machines.size();
+        std::ranges::move(group.machines, std::back_inserter(into.machines));
+    }
+    m_groups.resize(kept);
+    for (auto& [common, group] : folded) {
+        m_groups.push_back(std::move(group));
+    }
+    std::ranges::stable_sort(m_groups, {}, &FleetGroup::state);
+}
+
+void FleetReport::DropUnusedTrails()
+{
+    std::vector<FleetTrail> kept;
+    std::map<std::size_t, std::size_t> places;
+    for (FleetGroup& group : m_groups) {
+        for (FleetDevice& device : group.devices) {
+            const auto [place, isNew] = places.try_emplace(device.trail, kept.size());
+            if (isNew) {
+                kept.push_back(m_trails[device.trail]);
+                kept.back().machines = 0;
+            }
+            device.trail = place->second;
+            kept[device.trail].machines += group.machines.size();
+        }
+    }
+    m_trails = std::move(kept);
+}
+
+std::size_t FleetReport::FoldedMachines() const
+{
+    std::size_t machines = 0;
+    for (const FleetGroup& group : m_groups) {
+        machines += group.folded == 0 ? 0 : group.machines.size();
+    }
+    return machines;
 }
 
 std::size_t FleetReport::Machines(FleetState state) const

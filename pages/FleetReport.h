@@ -70,6 +70,17 @@ struct FleetGroup
     std::vector<RejectedDevice> leftAlone; ///< devices of the maker that are not served
     std::size_t notReached = 0;
     std::vector<FleetMachine> machines;
+    /// For a group that stands for others of one state and system: how many, and how many devices of unknown presence
+    /// their machines have. Nothing else is kept of their devices.
+    std::size_t folded = 0;
+    std::size_t unknownPresences = 0;
+};
+
+/// A page for 10,000 machines shall stay below 2 MB, even if no two of them are alike. A fleet has some hundred groups.
+struct FleetLimits
+{
+    std::size_t groups = 500; ///< that are shown one by one
+    std::size_t trails = 600; ///< that these groups' devices have together
 };
 
 /// A machine of which nothing can be said, and why.
@@ -100,8 +111,9 @@ public:
     /// An argument that names no machine.
     void AddUnreadable(const Diagnostic& reason);
 
-    /// Brings the groups into the order of the page.
-    void Finish();
+    /// Brings the groups into the order of the page. Those beyond the limits are folded: one group for each state and
+    /// system takes their machines.
+    void Finish(const FleetLimits& limits = {});
 
     [[nodiscard]] const std::vector<FleetGroup>& Groups() const { return m_groups; }
     [[nodiscard]] const std::vector<FleetTrail>& Trails() const { return m_trails; }
@@ -112,6 +124,8 @@ public:
     [[nodiscard]] std::size_t Machines() const { return m_machines; }
     /// @return the number of machines in that state.
     [[nodiscard]] std::size_t Machines(FleetState state) const;
+    /// @return the number of machines in folded groups.
+    [[nodiscard]] std::size_t FoldedMachines() const;
 
 private:
     using TrailKey = std::tuple<std::string, std::string, std::string, std::string>;
@@ -119,6 +133,9 @@ private:
     void AddTo(MachinePlan plan, std::vector<LostDriver> lost);
     std::size_t TrailOf(const PlannedSystem& system, const DevicePlan& device);
     void Remark(const std::vector<Diagnostic>& diagnostics);
+    [[nodiscard]] std::size_t GroupsWithin(const FleetLimits& limits) const;
+    void Fold(std::size_t kept);
+    void DropUnusedTrails();
 
     const MachinePaths& m_paths;
     std::size_t m_machines = 0;

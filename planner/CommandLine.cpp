@@ -196,6 +196,7 @@ private:
         CLI::Option* const json = addFormat("--json", PlanFormat::Json, "one JSON document");
         CLI::Option* const ndjson = addFormat("--ndjson", PlanFormat::NdJson, "one JSON document a line and machine");
         CLI::Option* const trace = addFormat("--trace", PlanFormat::Trace, "the lines that the installer would trace");
+        app.add_flag("--findings", m_plan.findings, "check the kit; JSON names each device's findings");
         json->excludes(ndjson)->excludes(trace);
         ndjson->excludes(trace);
         AddOutputOptions(app, m_plan.output);
@@ -295,9 +296,11 @@ private:
             "text, json, or sarif (2.1.0)");
         app.add_option("--baseline", m_check.baseline, "leave out the findings accepted there")->type_name("FILE");
         app.add_option("--write-baseline", m_check.writeBaseline, "accept all findings of today")->type_name("FILE");
-        AddChoice<Severity>(app, "--fail-on", m_check.failOn,
-                            {{"error", Severity::Error}, {"warning", Severity::Warning}, {"note", Severity::Note}},
-                            "exit 1 from this severity on (error)");
+        std::vector<std::pair<std::string, Severity>> severities;
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+            severities.emplace_back(NameOf(severity), severity);
+        }
+        AddChoice(app, "--fail-on", m_check.failOn, severities, "exit 1 from this severity on (error)");
         AddOutputOptions(app, m_check.output);
     }
 

@@ -25,6 +25,7 @@ struct PlanCommand
     std::vector<std::string> machines;
     PlanFormat format = PlanFormat::Text;
     bool requireDriver = false;
+    bool findings = false; ///< the JSON names the findings in the kit that concern each device
     OutputOptions output;
 };
 

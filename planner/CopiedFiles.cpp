@@ -25,12 +25,6 @@ std::vector<std::string_view> PartsOf(std::string_view list)
     }
 }
 
-/// The parts that a system of the NT family tries after an install section's name, the first that exists wins.
-std::vector<std::string> Decorations(OSCode system)
-{
-    return {".NT" + std::string(ProcessorOf(system)), ".NT", ""};
-}
-
 /// @return the folder of the files of a list, as "DestinationDirs" gives it: a number and perhaps a folder below.
 std::string DestinationOf(const SetupInf& inf, std::string_view listName)
 {
@@ -72,7 +66,7 @@ void AddSection(const SetupInf& inf, const std::string& section, CopiedFiles& co
     for (const SetupInf::Line& line : lines) {
         copied.namesOtherInfs |= EqualsIgnoringCase(line.key, "Include") || EqualsIgnoringCase(line.key, "Needs");
         if (EqualsIgnoringCase(line.key, "CopyFiles")) {
-            for (const std::string& list : line.fields) {
+            for (const std::string_view list : line.fields) {
                 AddList(inf, line, list, copied);
             }
         }
@@ -93,11 +87,14 @@ bool CopiedFile::StaysInDriverStore() const
     return PartsOf(destination).front() == "13";
 }
 
-CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection, OSCode system)
+CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection, std::string_view processor)
 {
     CopiedFiles copied;
-    for (const std::string& decoration : Decorations(system)) {
-        const std::string section = std::string(installSection) + decoration;
+    const std::string ofProcessor = ".NT" + std::string(processor);
+    // What a system of the NT family tries after an install section's name; the first that exists wins.
+    for (const std::string_view decoration :
+         {std::string_view(ofProcessor), std::string_view(".NT"), std::string_view()}) {
+        const std::string section = std::string(installSection).append(decoration);
         copied.known = inf.HasSection(section);
         if (copied.known) {
             AddSection(inf, section, copied);
@@ -114,7 +111,7 @@ CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection, 
 
 CopiedFiles FilesCopiedBy(const Profile& inf, std::string_view installSection, OSCode system)
 {
-    return FilesCopiedBy(SetupInf(inf), installSection, system);
+    return FilesCopiedBy(SetupInf(inf), installSection, ProcessorOf(system));
 }
 
 std::string_view ProcessorOf(OSCode system)

@@ -31,7 +31,9 @@ struct CopiedFiles
 };
 
 /// @param installSection  As the model line names it, without the parts that name a system or processor.
-[[nodiscard]] CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection, OSCode system);
+/// @param processor       As INF files name it.
+[[nodiscard]] CopiedFiles FilesCopiedBy(const SetupInf& inf, std::string_view installSection,
+                                        std::string_view processor);
 [[nodiscard]] CopiedFiles FilesCopiedBy(const Profile& inf, std::string_view installSection, OSCode system);
 
 /// @return the processor of a system as INF files name it: "amd64", "ia64" or "x86".

@@ -15,13 +15,16 @@ std::string WithoutBackslash(std::string_view path)
     }
     return std::string(path);
 }
+} // namespace
 
-bool LiesBelow(std::string_view path, std::string_view folder)
+bool LiesIn(std::string_view path, std::string_view folder)
 {
+    while (folder.ends_with('\\')) {
+        folder.remove_suffix(1);
+    }
     return path.size() >= folder.size() && EqualsIgnoringCase(path.substr(0, folder.size()), folder) &&
            (path.size() == folder.size() || path[folder.size()] == '\\' || path[folder.size()] == '/');
 }
-} // namespace
 
 MachinePaths::MachinePaths(const std::filesystem::path& kit, const std::string& setupDir, std::vector<FolderMap> maps)
 {
@@ -46,7 +49,7 @@ MachinePaths::MachinePaths(const std::filesystem::path& kit, const std::string& 
 
 const MachinePaths::Root* MachinePaths::RootOf(std::string_view path) const
 {
-    const auto root = std::ranges::find_if(m_roots, [path](const Root& r) { return LiesBelow(path, r.onMachine); });
+    const auto root = std::ranges::find_if(m_roots, [path](const Root& r) { return LiesIn(path, r.onMachine); });
     return root == m_roots.end() ? nullptr : &*root;
 }
 

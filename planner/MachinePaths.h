@@ -15,6 +15,9 @@ struct FolderMap
     std::filesystem::path here;
 };
 
+/// @return true when a path on the machine is a folder or lies below it. Letter case does not count.
+[[nodiscard]] bool LiesIn(std::string_view path, std::string_view folder);
+
 class MachinePaths
 {
 public:

@@ -99,6 +99,7 @@ struct DevicePlan
     std::size_t instances = 0;
     std::shared_ptr<const SearchOutcome> search;
     std::shared_ptr<const StoreState> store; ///< after this device
+    std::vector<std::string> findings;       ///< rules of a check of the kit; empty where nobody checked it
 };
 
 /// A device that the installer leaves alone.

@@ -1,4 +1,8 @@
+#include <optional>
+
+#include "CheckKit.h"
 #include "Commands.h"
+#include "DeviceFindings.h"
 #include "OrderedWork.h"
 #include "PlanJson.h"
 #include "PlanText.h"
@@ -31,6 +35,9 @@ public:
     PlanPrinter(const PlanCommand& command, Planner& planner, const TextStyle& style, bool isOne)
         : m_command(command), m_planner(planner), m_style(style), m_isOne(isOne), m_head(PlanJsonHead(planner.Kit()))
     {
+        if (command.findings) {
+            m_findings = CheckKit(planner.Kit(), nullptr, {});
+        }
     }
 
     [[nodiscard]] std::string Head() const { return m_command.format == PlanFormat::Json ? m_head : std::string(); }
@@ -56,7 +63,10 @@ public:
     {
         PlannedMachine answer;
         std::string trace;
-        const MachinePlan plan = m_planner.Plan(machine, m_command.format == PlanFormat::Trace ? &trace : nullptr);
+        MachinePlan plan = m_planner.Plan(machine, m_command.format == PlanFormat::Trace ? &trace : nullptr);
+        if (m_findings) {
+            AddFindings(plan);
+        }
         answer.lacksDriver = LacksDriver(plan);
         answer.diagnostics = plan.diagnostics;
         const MachinePaths& paths = m_planner.Kit().Paths();
@@ -81,11 +91,19 @@ public:
     }
 
 private:
+    void AddFindings(MachinePlan& plan) const
+    {
+        for (DevicePlan& device : plan.devices) {
+            device.findings = FindingsOf(device, plan.system.section, *m_findings, m_planner.Kit().Paths());
+        }
+    }
+
     const PlanCommand& m_command;
     Planner& m_planner;
     const TextStyle& m_style;
     bool m_isOne;
     std::string m_head;
+    std::optional<KitFindings> m_findings; ///< when they are wanted
 };
 } // namespace
 
@@ -93,6 +111,10 @@ ExitCode Run(const PlanCommand& command)
 {
     Output output(command.output);
     std::string problem;
+    if (command.findings && command.format != PlanFormat::Json && command.format != PlanFormat::NdJson) {
+        output.Complain("--findings is for --json and --ndjson; morvix-kit check prints findings as text");
+        return ExitCode::Usage;
+    }
     const std::unique_ptr<KitFolder> kit = OpenKit(command.kit, problem);
     if (!kit) {
         output.Complain(problem);

@@ -3,19 +3,6 @@
 #include "JsonWriter.h"
 
 namespace {
-std::string_view NameOf(Severity severity)
-{
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "error";
-}
-
 void WriteTexts(JsonWriter& json, std::string_view key, const std::vector<std::string>& texts)
 {
     json.Key(key).BeginArray();
@@ -80,7 +67,7 @@ void WriteDevice(JsonWriter& json, const DevicePlan& device, const MachinePaths&
     json.EndArray();
     WriteTexts(json, "stored", device.store->now);
     WriteReport(json, search.report);
-    json.Key("findings").BeginArray().EndArray();
+    WriteTexts(json, "findings", device.findings);
     json.EndObject();
 }
 

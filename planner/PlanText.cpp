@@ -5,6 +5,7 @@
 
 #include "NetworkDevices.h"
 #include "Printable.h"
+#include "RecordNames.h"
 
 namespace {
 std::string MatchText(const Match& match, const MachinePaths& paths)
@@ -71,7 +72,7 @@ void AppendDevice(std::string& out, const DevicePlan& device, const MachinePaths
     if (search.verdict == SearchVerdict::Matched) {
         if (search.report) {
             AppendField(out, style, "result", InWords(*search.report),
-                        ResultIfBound(*search.report) == "SUCCESS" ? Colour::None : Colour::Doubtful);
+                        ResultIfBound(*search.report) == kResultSuccess ? Colour::None : Colour::Doubtful);
         } else {
             AppendField(out, style, "result", "none is written: the INF's name belongs to no driver family",
                         Colour::Doubtful);

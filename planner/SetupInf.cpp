@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "AsciiCase.h"
 #include "EqualsIgnoringCase.h"
 
 namespace {
@@ -18,6 +19,10 @@ std::string_view WithoutBlanks(std::string_view text)
 /// @return the place of the first `character` that is not in quotation marks.
 std::size_t FindOutsideQuotes(std::string_view text, char character)
 {
+    const std::size_t quote = text.find('"');
+    if (quote == std::string_view::npos) {
+        return text.find(character);
+    }
     bool quoted = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') {
@@ -46,26 +51,24 @@ std::string WithoutQuotes(std::string_view text)
     return plain;
 }
 
-/// One line of the profile, put together again.
-std::string TextOfEntry(const Profile::Entry& entry)
+/// @return a line without its comment and the blanks around it.
+std::string_view WithoutComment(std::string_view text)
 {
-    std::string text(entry.name);
-    if (entry.value) {
-        text += '=';
-        text += *entry.value;
-    }
-    return std::string(WithoutBlanks(std::string_view(text).substr(0, FindOutsideQuotes(text, ';'))));
+    return WithoutBlanks(text.substr(0, FindOutsideQuotes(text, ';')));
+}
+
+/// @return true for an entry whose blanks around the equals sign are those of set-up.
+bool HasPlainBlanks(const Profile::Entry& entry)
+{
+    const std::size_t outside = entry.name.size() + entry.value.value_or(std::string_view()).size();
+    return entry.text.substr(entry.name.size(), entry.text.size() - outside).find_first_not_of(" \t=") ==
+           std::string_view::npos;
 }
 
 /// @return true for a line that the next one belongs to.
 bool GoesOn(std::string_view text)
 {
     return text.ends_with('\\') && std::ranges::count(text, '"') % 2 == 0;
-}
-
-char LowerAscii(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 } // namespace
 
@@ -94,9 +97,13 @@ void SetupInf::ReadSectionNames() const
 
 const std::vector<SetupInf::Line>& SetupInf::LinesOf(std::string_view section) const
 {
-    if (const auto known = m_lines.find(section); known != m_lines.end()) {
-        return known->second;
-    }
+    const auto known = m_lines.find(section);
+    return known != m_lines.end() ? known->second
+                                  : m_lines.try_emplace(std::string(section), ReadLinesOf(section)).first->second;
+}
+
+std::vector<SetupInf::Line> SetupInf::ReadLinesOf(std::string_view section) const
+{
     ReadSectionNames();
     std::vector<Line> lines;
     if (const auto found = m_sections.find(section); found != m_sections.end()) {
@@ -104,7 +111,7 @@ const std::vector<SetupInf::Line>& SetupInf::LinesOf(std::string_view section) c
             std::ranges::move(ReadSection(part), std::back_inserter(lines));
         }
     }
-    return m_lines.try_emplace(std::string(section), std::move(lines)).first->second;
+    return lines;
 }
 
 const SetupInf::Line* SetupInf::FindLine(std::string_view section, std::string_view key) const
@@ -125,14 +132,11 @@ std::vector<SetupInf::Line> SetupInf::ReadSection(std::size_t section) const
 {
     std::vector<Line> lines;
     const std::size_t count = m_text->EntryCount(section);
+    lines.reserve(count);
     for (std::size_t index = 0; index < count; ++index) {
-        const Profile::Entry first = m_text->EntryAt(section, index);
-        std::string text = TextOfEntry(first);
         const std::size_t start = index;
-        while (GoesOn(text) && index + 1 < count) {
-            text.pop_back();
-            text += TextOfEntry(m_text->EntryAt(section, ++index));
-        }
+        const Profile::Entry first = m_text->EntryAt(section, index);
+        const std::string_view text = LineFrom(first, section, index);
         if (text.empty()) {
             continue;
         }
@@ -145,22 +149,51 @@ std::vector<SetupInf::Line> SetupInf::ReadSection(std::size_t section) const
     return lines;
 }
 
+/// @param first  Entry where the line begins.
+/// @param index  Of that entry; becomes that of the line's last one.
+/// @return the line, put together.
+std::string_view SetupInf::LineFrom(const Profile::Entry& first, std::size_t section, std::size_t& index) const
+{
+    const auto textOf = [this](const Profile::Entry& entry) {
+        return WithoutComment(HasPlainBlanks(entry) ? entry.text
+                                                    : Keep(std::string(entry.name) + "=" + std::string(*entry.value)));
+    };
+    const std::string_view text = textOf(first);
+    if (!GoesOn(text)) {
+        return text;
+    }
+    std::string whole(text);
+    while (GoesOn(whole) && index + 1 < m_text->EntryCount(section)) {
+        whole.pop_back();
+        whole += textOf(m_text->EntryAt(section, ++index));
+    }
+    return Keep(std::move(whole));
+}
+
 SetupInf::Line SetupInf::Split(std::string_view text) const
 {
     Line line;
-    const auto plain = [this](std::string_view part) { return WithoutQuotes(Replaced(WithoutBlanks(part))); };
     if (const std::size_t equals = FindOutsideQuotes(text, '='); equals != std::string_view::npos) {
-        line.key = WithoutQuotes(WithoutBlanks(text.substr(0, equals)));
+        const std::string_view key = WithoutBlanks(text.substr(0, equals));
+        line.key = key.find('"') == std::string_view::npos ? key : Keep(WithoutQuotes(key));
         text.remove_prefix(equals + 1);
     }
+    // A model line has two.
+    line.fields.reserve(2);
     for (;;) {
         const std::size_t comma = FindOutsideQuotes(text, ',');
-        line.fields.push_back(plain(text.substr(0, comma)));
+        line.fields.push_back(Plain(WithoutBlanks(text.substr(0, comma))));
         if (comma == std::string_view::npos) {
             return line;
         }
         text.remove_prefix(comma + 1);
     }
+}
+
+/// @return a part of a line without its quotation marks, with what its %names% mean.
+std::string_view SetupInf::Plain(std::string_view part) const
+{
+    return part.find_first_of("%\"") == std::string_view::npos ? part : Keep(WithoutQuotes(Replaced(part)));
 }
 
 /// Replaces the %names% that [Strings] has. A text of [Strings] itself holds none.

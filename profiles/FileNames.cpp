@@ -2,17 +2,17 @@
 
 #include <algorithm>
 
+#include "AsciiCase.h"
+
 namespace {
 constexpr std::string_view kInf = ".INF";
 
-char Upper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
+// A lambda, because a pointer to a function would be called for each letter.
+constexpr auto kUpper = [](char c) { return UpperAscii(c); };
 
 bool EqualNames(std::string_view left, std::string_view right)
 {
-    return std::ranges::equal(left, right, {}, Upper, Upper);
+    return std::ranges::equal(left, right, {}, kUpper, kUpper);
 }
 
 bool ComesBefore(const std::string& left, const std::string& right)
@@ -22,7 +22,7 @@ bool ComesBefore(const std::string& left, const std::string& right)
         // A case-sensitive file system can have both; the platform could not.
         return left < right;
     }
-    return std::ranges::lexicographical_compare(left, right, before, Upper, Upper);
+    return std::ranges::lexicographical_compare(left, right, before, kUpper, kUpper);
 }
 } // namespace
 

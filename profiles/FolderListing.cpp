@@ -50,6 +50,9 @@ std::optional<std::string> ReadFileBytes(const std::filesystem::path& file)
     }
     std::ifstream stream(file, std::ios::binary);
     std::string bytes;
+    if (const auto size = std::filesystem::file_size(file, error); !error) {
+        bytes.reserve(size);
+    }
     // Not byte by byte: a kit has tens of megabytes.
     std::array<char, 16384> block; // NOLINT(cppcoreguidelines-pro-type-member-init): only what was read is looked at
     while (stream.read(block.data(), block.size()) || stream.gcount() != 0) {

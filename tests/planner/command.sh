@@ -12,6 +12,8 @@ source "$tests/lib/exports.sh"
 
 program=${MORVIX_KIT:-$host_build/planner/morvix-kit}
 [[ -x $program ]] || fail "there is no $program: run scripts/build host first"
+sarif_schema=$build_dir/page-checks/node_modules/@microsoft/jest-sarif/lib/schemas/sarif-2.1.0-rtm.5.json
+[[ -s $sarif_schema ]] || fail "there is no $sarif_schema: run scripts/setup first"
 work=$build_dir/planner-test
 rm -rf -- "$work"
 mkdir -p -- "$work/fleet"
@@ -44,16 +46,18 @@ valid_json() { python3 -m json.tool "$1" >/dev/null; }
 
 # follows SCHEMA FILE: a document, or one on each line.
 follows() {
-    local schema=$repo/docs/schemas/$1
+    local schema=$1
+    [[ $schema == /* ]] || schema=$repo/docs/schemas/$1
     [[ -e $schema ]] || schema=$tests/$1
     python3 - "$schema" "$2" <<'END'
 import json, sys, jsonschema
-schema = json.load(open(sys.argv[1]))
-jsonschema.Draft202012Validator.check_schema(schema)
+schema = json.load(open(sys.argv[1], encoding="utf-8"))
+validator = jsonschema.validators.validator_for(schema)
+validator.check_schema(schema)
 lines = open(sys.argv[2], encoding="utf-8").read().splitlines()
 assert lines, "nothing was printed"
 for line in lines:
-    jsonschema.validate(json.loads(line), schema)
+    validator(schema).validate(json.loads(line))
 END
 }
 
@@ -134,6 +138,13 @@ json_follows_the_schema() {
         ends_with 0 plan kit PC7.reg fleet --ndjson && [[ $(wc -l <out) == 4 ]] && follows morvix-plan-1.json out &&
         ends_with 1 diff kit less fleet --json && follows morvix-diff-1.json out
 }
+plan_names_findings() {
+    ends_with 0 plan kit-complete PC7.reg fleet --json --findings && follows morvix-plan-1.json out &&
+        [[ $(jq -c '[.machines[].devices[] | select(.match != null) | .findings] | unique' out) == '[["MK505"]]' ]] &&
+        ends_with 0 plan kit-complete PC7.reg --json && [[ $(jq -c '.machines[].devices[].findings' out) == '[]' ]] &&
+        ends_with 2 plan kit-complete PC7.reg --findings && says '--json' &&
+        ends_with 2 plan kit-complete PC7.reg --findings --trace && says '--json'
+}
 promise "JSON follows its schemas, each line of NDJSON too" json_follows_the_schema
 order_is_that_of_the_input() {
     local number
@@ -207,16 +218,25 @@ baseline_accepts() {
         ends_with 1 check checked --baseline accepted.txt && ends_with 2 check checked --baseline none.txt && says none.txt &&
         printf 'x\n' >broken.txt && ends_with 2 check checked --baseline broken.txt && says 'line 1'
 }
+promise "plan --findings names beside each device the findings in the kit that concern it" plan_names_findings
 promise "check --baseline leaves out what was accepted, wherever its line has moved, and nothing else" baseline_accepts
 promise "check ends with 1 from the severity of --fail-on on" check_ends_by_severity
 check_formats() {
     ends_with 1 check checked --format json && follows morvix-check-1.json out &&
         ends_with 1 check checked --format sarif && follows sarif.json out &&
+        follows "$sarif_schema" out &&
         [[ $(jq '.runs[0] as $run | all($run.results[]; .ruleId == $run.tool.driver.rules[.ruleIndex].id)' out) == true ]] &&
         [[ $(jq -r '.runs[0].results[] | select(.ruleId == "MK105") | .locations[].physicalLocation.artifactLocation.uri' out |
             sort -u) == checked/Morvix.ini ]]
 }
-promise "check writes JSON by its schema, and of SARIF what services take" check_formats
+promise "check writes JSON by its schema, SARIF by the official one, and of SARIF what services take" check_formats
+# What the schema of SARIF takes and what it does not: otherwise the promise above would mean nothing.
+sarif_schema_is_strict() {
+    ends_with 1 check checked --format sarif && jq -c '.runs[0].results[0].level = "fatal"' out >broken.sarif &&
+        ! follows "$sarif_schema" broken.sarif 2>/dev/null && jq -c 'del(.runs[0].tool)' out >broken.sarif &&
+        ! follows "$sarif_schema" broken.sarif 2>/dev/null
+}
+promise "the schema of SARIF refuses what is no SARIF" sarif_schema_is_strict
 sample_kit_is_sound() {
     ends_with 0 check kit-complete --baseline "$repo/kit/accepted-findings.txt" --fail-on note &&
         grep -qx '0 errors, 0 warnings, 0 notes, 15 accepted before on 7 systems' out && [[ ! -s err ]]

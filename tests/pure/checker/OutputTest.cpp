@@ -90,6 +90,26 @@ TEST(Sarif, HasNoMoreResultsThanServicesTakeAndKeepsTheWorst)
 
 static_assert(kMostSarifResults == 25000);
 
+TEST(Sarif, OfMoreFindingsThanServicesTakeHasTheMost)
+{
+    KitFindings found;
+    for (std::size_t number = 0; number <= kMostSarifResults; ++number) {
+        found.findings.push_back({.rule = 305,
+                                  .file = "Drv/ngea.inf",
+                                  .here = {},
+                                  .line = static_cast<uint32_t>(number + 1),
+                                  .what = "x",
+                                  .systems = {},
+                                  .key = {}});
+    }
+    const std::string sarif = FindingSarif(found, "1.0.0", "/nowhere");
+    std::size_t results = 0;
+    for (std::size_t at = sarif.find("\"ruleId\""); at != std::string::npos; at = sarif.find("\"ruleId\"", at + 1)) {
+        ++results;
+    }
+    EXPECT_EQ(kMostSarifResults, results);
+}
+
 TEST(Sarif, PathsAreRelativeAndEscaped)
 {
     KitFindings found;

@@ -31,6 +31,15 @@ protected:
                            .findings = {}};
 };
 
+std::size_t CountOfText(std::string_view page, std::string_view text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = page.find(text); at != std::string_view::npos; at = page.find(text, at + text.size())) {
+        ++count;
+    }
+    return count;
+}
+
 /// The tags of a page with the names of their attributes; a text that broke out of its place would show here.
 std::string SkeletonOf(std::string_view page)
 {
@@ -220,6 +229,39 @@ TEST_F(FleetPageTest, TenThousandMachinesFitIntoTwoMegabytes)
     const std::string page = Page();
     EXPECT_GT(page.size(), 1U << 19);
     EXPECT_LT(page.size(), 2'000'000U);
+}
+
+TEST_F(FleetPageTest, TenThousandMachinesOfWhichNoTwoAreAlikeFitIntoTwoMegabytes)
+{
+    constexpr int kMachines = 10000;
+    std::size_t lacking = 0;
+    for (int machine = 0; machine < kMachines; ++machine) {
+        const std::string number = std::to_string(10000 + machine);
+        const bool lacks = machine % 3 == 0;
+        lacking += lacks ? 1 : 0;
+        m_report.Add(
+            PlanOf("DEPARTMENT-" + number,
+                   {Device("VEN_5D1A&DEV_1A2B&SUBSYS_" + number + "5D1A&REV_01", Found("ngea" + number + ".inf")),
+                    Device("VEN_5D1A&DEV_1A2B&SUBSYS_" + number + "5D1B&REV_01",
+                           lacks ? NotFound() : Found("ngea" + number + ".inf"))},
+                   machine % 2 == 0 ? "Win732E" : "Win832E"));
+    }
+    ASSERT_EQ(10000U, m_report.Groups().size());
+    const std::string page = Page();
+    EXPECT_GT(page.size(), 1U << 19);
+    EXPECT_LT(page.size(), 2'000'000U);
+    EXPECT_EQ(10000U, CountOfText(page, "<li data-file="));
+    EXPECT_EQ(lacking, m_report.Machines(FleetState::Lacks));
+    EXPECT_EQ(FleetState::Lacks, m_report.Groups().front().state);
+    EXPECT_THAT(page, HasSubstr("<p>There are too many different sets of adapters for one page: 9,7"));
+    EXPECT_THAT(page, HasSubstr(" sets of adapters, not shown one by one</p>"));
+    EXPECT_THAT(page, HasSubstr("Whether the card of 20,000 devices is still in its machine, nobody has said"));
+}
+
+TEST_F(FleetPageTest, AFleetOfFewSetsOfAdaptersSaysNothingOfOthers)
+{
+    m_report.Add(PlanOf("PC7", {Device(kCard, Found("ngea.inf"))}));
+    EXPECT_THAT(Page(), Not(HasSubstr("too many")));
 }
 
 TEST(FleetAdapters, DevicesOfOneAdapterShareVendorAndDevice)

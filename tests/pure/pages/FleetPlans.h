@@ -52,7 +52,8 @@ inline DevicePlan Device(std::string key, SearchOutcome search)
             .presence = Presence::Unknown,
             .instances = 1,
             .search = std::make_shared<const SearchOutcome>(std::move(search)),
-            .store = nullptr};
+            .store = nullptr,
+            .findings = {}};
 }
 
 inline MachinePlan PlanOf(std::string name, std::vector<DevicePlan> devices, std::string section = "Win732E")

@@ -167,6 +167,47 @@ TEST_F(FleetReportTest, TheVerdictIsOneSentence)
     EXPECT_EQ(FleetMark::Bad, VerdictOf(m_report).mark);
 }
 
+TEST_F(FleetReportTest, GroupsBeyondTheLimitsAreFoldedByStateAndSystem)
+{
+    const auto card = [](int number) {
+        return "VEN_5D1A&DEV_1A2B&SUBSYS_0000" + std::to_string(1000 + number) + "&REV_01";
+    };
+    for (int number = 0; number < 8; ++number) {
+        m_report.Add(PlanOf("M" + std::to_string(number),
+                            {Device(card(number), number == 5 ? NotFound() : Found("ngea.inf"))},
+                            number < 7 ? "Win732E" : "Win832E"));
+    }
+    m_report.Finish({.groups = 2, .trails = 100});
+    const std::vector<FleetGroup>& groups = m_report.Groups();
+    ASSERT_EQ(4U, groups.size());
+    EXPECT_EQ(FleetState::Lacks, groups[0].state);
+    EXPECT_EQ("M5", groups[0].machines.at(0).name);
+    EXPECT_EQ(0U, groups[1].folded);
+    EXPECT_EQ(5U, groups[2].folded);
+    EXPECT_EQ(5U, groups[2].machines.size());
+    EXPECT_EQ(5U, groups[2].unknownPresences);
+    EXPECT_TRUE(groups[2].devices.empty());
+    EXPECT_EQ("Win832E", groups[3].system.section);
+    EXPECT_EQ(6U, m_report.FoldedMachines());
+    EXPECT_EQ(7U, m_report.Machines(FleetState::Served));
+    ASSERT_EQ(2U, m_report.Trails().size());
+    EXPECT_EQ(card(5), m_report.Trails()[groups[0].devices.at(0).trail].device.key);
+    EXPECT_EQ(1U, m_report.Trails()[1].machines);
+}
+
+TEST_F(FleetReportTest, TheDevicesOfTheShownGroupsHaveALimitToo)
+{
+    for (int number = 0; number < 4; ++number) {
+        const std::string revision = "&REV_0" + std::to_string(number);
+        m_report.Add(PlanOf("M" + std::to_string(number), {Device("VEN_5D1A&DEV_1A2B" + revision, Found("ngea.inf")),
+                                                           Device("VEN_5D1A&DEV_1A2C" + revision, Found("ngea.inf"))}));
+    }
+    m_report.Finish({.groups = 100, .trails = 5});
+    EXPECT_EQ(3U, m_report.Groups().size());
+    EXPECT_EQ(4U, m_report.Trails().size());
+    EXPECT_EQ(2U, m_report.FoldedMachines());
+}
+
 TEST(SystemNames, EverySystemHasANameForPeople)
 {
     for (const SystemRow& row : kSystems) {

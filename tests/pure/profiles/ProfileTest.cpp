@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <random>
 #include <thread>
 
 using namespace std::string_literals;
@@ -439,4 +441,84 @@ TEST(Profile, ManyThreadsAskOneObject)
         thread.join();
     }
     EXPECT_THAT(wrong, Each(Eq(0)));
+}
+
+namespace {
+/// What a reader makes of a file: its sections with the lines of each.
+std::vector<std::string> PartsOf(const Profile& profile)
+{
+    std::vector<std::string> parts;
+    for (std::size_t section = 0; section < profile.SectionCount(); ++section) {
+        parts.push_back("[" + std::string(profile.SectionName(section)));
+        for (std::size_t index = 0; index < profile.EntryCount(section); ++index) {
+            const Profile::Entry entry = profile.EntryAt(section, index);
+            parts.push_back(std::to_string(entry.namePlace.line) + " " + std::string(entry.name) +
+                            (entry.value ? "=" + std::string(*entry.value) : ""));
+        }
+    }
+    return parts;
+}
+} // namespace
+
+TEST(ProfileDialects, AreReadAlikeWhereBothTakeTheSameSectionsAndLines)
+{
+    const CodePage page(1252);
+    constexpr auto kPieces = std::to_array<const char*>(
+        {"[", "]", "a", "b=c", " ", "\t", "\n", "\r\n", ";", "\"", "[a]\n", "=", "\xEF\xBB\xBF", "\xFE\xFF", "\xE4"});
+    std::mt19937 engine(1);
+    int alike = 0;
+    int different = 0;
+    for (int number = 0; number < 20000; ++number) {
+        std::string text;
+        for (auto count = engine() % 12; count > 0; --count) {
+            text += kPieces.at(engine() % kPieces.size());
+        }
+        const Profile windows(text, page, ProfileDialect::Windows);
+        const Profile wine(text, page, ProfileDialect::Wine);
+        EXPECT_EQ(windows.IsReadAlike(), wine.IsReadAlike()) << testing::PrintToString(text);
+        const bool same = PartsOf(windows) == PartsOf(wine);
+        EXPECT_TRUE(same || !windows.IsReadAlike()) << testing::PrintToString(text);
+        alike += windows.IsReadAlike() ? 1 : 0;
+        different += same ? 0 : 1;
+    }
+    EXPECT_LT(1000, alike);
+    EXPECT_LT(1000, different);
+}
+
+TEST(ProfileIndex, FindsTheFirstLineOfEachNameAmongThousands)
+{
+    const CodePage page(1252);
+    std::string text = "[one]\n";
+    for (const char* const section : {"[two]\n", "[three]\n"}) {
+        for (int line = 0; line < 3000; ++line) {
+            text += "; a comment\nname" + std::to_string(line) + "=" + std::to_string(line) + "\nname" +
+                    std::to_string(line / 2) + "=again\n";
+        }
+        text += section;
+    }
+    const Profile profile(text, page, ProfileDialect::Windows);
+    for (int line = 0; line < 3000; ++line) {
+        const std::string name = "NAME" + std::to_string(line);
+        const auto first = profile.FindEntry("one", name);
+        ASSERT_TRUE(first.has_value()) << name;
+        EXPECT_EQ(static_cast<uint32_t>(line * 3 + 3), first->namePlace.line) << name;
+        const auto second = profile.FindEntry("two", name);
+        ASSERT_TRUE(second.has_value()) << name;
+        EXPECT_EQ(static_cast<uint32_t>(9000 + 1 + line * 3 + 3), second->namePlace.line) << name;
+    }
+    EXPECT_FALSE(profile.FindEntry("one", "name3000").has_value());
+    EXPECT_FALSE(profile.FindEntry("three", "name1").has_value());
+}
+
+TEST(ProfileEntries, AreListedUnlessTheyAreCommentsOrEmpty)
+{
+    const CodePage page(1252);
+    const Profile profile("[a]\nb = c\n;d=e\n=\nf\n", page, ProfileDialect::Windows);
+    ASSERT_EQ(4U, profile.EntryCount(1));
+    EXPECT_TRUE(profile.IsListed(1, 0));
+    EXPECT_FALSE(profile.IsListed(1, 1));
+    EXPECT_TRUE(profile.IsListed(1, 2));
+    EXPECT_TRUE(profile.IsListed(1, 3));
+    EXPECT_EQ("b = c", profile.EntryAt(1, 0).text);
+    EXPECT_EQ("f", profile.EntryAt(1, 3).text);
 }
