@@ -139,9 +139,12 @@ json_follows_the_schema() {
         ends_with 1 diff kit less fleet --json && follows morvix-diff-1.json out
 }
 plan_names_findings() {
-    ends_with 0 plan kit-complete PC7.reg fleet --json --findings && follows morvix-plan-1.json out &&
-        [[ $(jq -c '[.machines[].devices[] | select(.match != null) | .findings] | unique' out) == '[["MK505"]]' ]] &&
-        ends_with 0 plan kit-complete PC7.reg --json && [[ $(jq -c '.machines[].devices[].findings' out) == '[]' ]] &&
+    local each='[.machines[].devices[] | select(.match != null) | .findings] | unique'
+    # Windows XP needs no catalog.
+    ends_with 0 plan kit-complete PC7.reg fleet/A.reg --json --findings && follows morvix-plan-1.json out &&
+        [[ $(jq -c "$each" out) == '[["MK505"]]' ]] &&
+        ends_with 0 plan kit-complete fleet/C.reg --ndjson --findings && [[ $(jq -c "$each" out) == '[[]]' ]] &&
+        ends_with 0 plan kit-complete PC7.reg --json && [[ $(jq -c "$each" out) == '[[]]' ]] &&
         ends_with 2 plan kit-complete PC7.reg --findings && says '--json' &&
         ends_with 2 plan kit-complete PC7.reg --findings --trace && says '--json'
 }
