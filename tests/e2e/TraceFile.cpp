@@ -26,12 +26,12 @@ std::string ShortFormOf(const std::string& path)
 }
 
 // Longer paths come first, so that writing takes the closest name.
-StandIns StandInsFor(const RunFolder& folder, const StandIns& more)
+StandIns StandInsFor(const std::string& folder, const StandIns& more)
 {
     StandIns standIns = more;
-    const StandIns ownOnes = {{"<KIT>", folder.Path()},
-                              {"<KIT-UPPER>", UpperCase(folder.Path())},
-                              {"<KIT-SHORT>", ShortFormOf(folder.Path())},
+    const StandIns ownOnes = {{"<KIT>", folder},
+                              {"<KIT-UPPER>", UpperCase(folder)},
+                              {"<KIT-SHORT>", ShortFormOf(folder)},
                               {"<SYSTEM>", SystemDirectory()},
                               {"<WINDOWS>", WindowsDirectory()},
                               {"<LF>", "\n"},
@@ -74,8 +74,17 @@ std::string LineAt(const std::vector<std::string>& lines, size_t index)
 std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& folder,
                                     const std::vector<std::string>& lines, const StandIns& more)
 {
+    const auto everyLine = [](const std::vector<std::string>& all) { return all; };
+    return DifferenceFromKeptTrace(name, folder.Path(), lines, everyLine, more);
+}
+
+std::string DifferenceFromKeptTrace(const std::string& name, const std::string& folder,
+                                    const std::vector<std::string>& allLines, const TraceView& view,
+                                    const StandIns& more)
+{
     const StandIns standIns = StandInsFor(folder, more);
-    const std::vector<std::string> expected = ReadKept(name, standIns);
+    const std::vector<std::string> expected = view(ReadKept(name, standIns));
+    const std::vector<std::string> lines = view(allLines);
     size_t at = 0;
     while (at < expected.size() && at < lines.size() && expected[at] == lines[at]) {
         ++at;

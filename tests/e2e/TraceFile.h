@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,14 @@ using StandIns = std::vector<std::pair<std::string, std::string>>;
 /// @return the first difference with the lines before it, or an empty text when there is none.
 [[nodiscard]] std::string DifferenceFromKeptTrace(const std::string& name, const RunFolder& folder,
                                                   const std::vector<std::string>& lines, const StandIns& more = {});
+
+/// The lines of a trace that count.
+using TraceView = std::function<std::vector<std::string>(const std::vector<std::string>&)>;
+
+/// The same for a run in any folder, of whose trace and of the kept one only the lines of `view` are compared.
+[[nodiscard]] std::string DifferenceFromKeptTrace(const std::string& name, const std::string& folder,
+                                                  const std::vector<std::string>& lines, const TraceView& view,
+                                                  const StandIns& more = {});
 
 /// @return `lines` without the three lines that reject each of the machine's real PCI devices, which differ between
 ///         machines.
