@@ -29,8 +29,8 @@ public:
     [[nodiscard]] virtual std::optional<StoredValue> Value(Key key, std::string_view name) = 0;
 };
 
-/// How many keys are looked at in one registry. Real machines have some thousands; only a registry that was made or
-/// damaged to list keys without end gets there.
+/// How many keys are looked at in one registry. Real machines have a few thousand at most; only a registry that was
+/// made or damaged to list keys without end gets there.
 inline constexpr std::size_t kMostKeysOfWalk = 20'000;
 
 /// Copies the keys that a description of a machine needs.
