@@ -3,6 +3,7 @@ rem Writes what decides about drivers on this machine into one file: PCI devices
 rem processor, code page and storage controllers. Changes nothing and needs nothing but reg.exe.
 rem   collect.cmd [FILE]     without FILE: %COMPUTERNAME%.reg in the current folder
 setlocal
+set "failed=no"
 set "out=%~1"
 if "%out%"=="" set "out=%COMPUTERNAME%.reg"
 set "part=%TEMP%\collect-%RANDOM%-%RANDOM%.reg"
@@ -13,6 +14,10 @@ reg query HKLM\SOFTWARE /reg:64 >nul 2>nul
 if not errorlevel 1 set "view=/reg:64"
 :known
 set "ccs=HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet"
+rem A file that stays cannot be written either. Nothing but this one file is deleted, not even with a pattern for a name.
+if exist "%out%\*" goto nothing
+for %%f in ("%out%") do if "%%~f"=="%out%" if exist "%out%" del "%out%" >nul 2>nul
+if exist "%out%" goto nothing
 rem The first of the joined parts; each of them begins with a header of its own.
 >"%out%" echo REGEDIT4
 if not exist "%out%" goto nothing
@@ -22,6 +27,7 @@ call :key "%ccs%\Control\Class\{4D36E97B-E325-11CE-BFC1-08002BE10318}"
 call :key "HKEY_LOCAL_MACHINE\SYSTEM\Select"
 rem Single values of large keys, in the older form of the format.
 >"%part%" echo REGEDIT4
+if not exist "%part%" goto nopart
 call :values "%ccs%\Control\Session Manager\Environment" PROCESSOR_ARCHITECTURE
 call :values "%ccs%\Control\Windows" CSDVersion
 call :values "%ccs%\Control\Nls\CodePage" ACP
@@ -30,11 +36,16 @@ set "names=CurrentVersion CurrentMajorVersionNumber CurrentMinorVersionNumber Cu
 call :values "HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion" "%names% ProductName InstallationType"
 call :values "HKEY_LOCAL_MACHINE\SOFTWARE\Norda\Network_Services\TERN" OEMVersion
 call :join
+if "%failed%"=="yes" goto nothing
 echo Written: %out%
 exit /b 0
 
 :nothing
 echo collect.cmd: "%out%" cannot be written. 1>&2
+exit /b 1
+
+:nopart
+echo collect.cmd: "%part%" cannot be written. 1>&2
 exit /b 1
 
 rem A key with everything below it; one that is missing is left out.
@@ -46,7 +57,9 @@ goto :eof
 
 :join
 if not exist "%part%" goto :eof
+for %%f in ("%out%") do set "before=%%~zf"
 copy /b "%out%"+"%part%" "%out%" >nul
+for %%f in ("%out%") do if "%%~zf"=="%before%" set "failed=yes"
 del "%part%"
 goto :eof
 

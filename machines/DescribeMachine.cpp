@@ -99,6 +99,20 @@ uint32_t CodePageFor(const RegistryTree& tree, const MachineOrigin& origin, cons
     return ReadSystemDescription(facts).codePage.value.value_or(kUsualCodePage);
 }
 
+/// Only the registry of this machine itself shows that there really is no key: an answer then. Elsewhere the key was
+/// left out or lost, and an answer without devices would be wrong.
+Diagnostic NoDevices(const MachineOrigin& origin)
+{
+    constexpr char kExport[] = R"(export HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Enum\PCI too)";
+    return {.severity = origin.isComplete ? Severity::Warning : Severity::Error,
+            .source = origin.source,
+            .line = 0,
+            .what = R"(has no key Enum\PCI: no devices are known)",
+            .cure = origin.isComplete                 ? ""
+                    : origin.kind == SourceKind::Hive ? "copy the hive again"
+                                                      : kExport};
+}
+
 std::string FileNameOf(std::string_view path)
 {
     const std::size_t end = path.find_last_of("/\\");
@@ -185,13 +199,12 @@ Machine RefusedMachine(const MachineOrigin& origin, std::vector<Diagnostic> diag
 Machine DescribeMachine(const RegistryTree& tree, const MachineOrigin& origin, std::vector<Diagnostic> diagnostics)
 {
     if (tree.IsEmpty()) {
-        diagnostics.push_back(
-            {.severity = Severity::Error,
-             .source = origin.source,
-             .line = 0,
-             .what = "has none of the keys that describe a machine",
-             .cure = R"(export HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Enum\PCI, or use collect.cmd)"});
-        return RefusedMachine(origin, std::move(diagnostics));
+        return RefusedMachine(
+            origin, {{.severity = Severity::Error,
+                      .source = origin.source,
+                      .line = 0,
+                      .what = "has none of the keys that describe a machine",
+                      .cure = R"(export HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Enum\PCI, or use collect.cmd)"}});
     }
     Machine machine;
     machine.source = origin.source;
@@ -214,11 +227,11 @@ Machine DescribeMachine(const RegistryTree& tree, const MachineOrigin& origin, s
     machine.devices = DevicesBelow(facts.FindKey(R"(*\Enum\PCI)"), text, remarks);
     machine.devicesOf9x = DevicesBelow(facts.FindKey(R"(Enum\PCI)"), text, remarks);
     if (!machine.devices && !machine.devicesOf9x) {
-        machine.diagnostics.push_back({.severity = Severity::Warning,
-                                       .source = origin.source,
-                                       .line = 0,
-                                       .what = R"(has no key Enum\PCI: no devices are known)",
-                                       .cure = R"(export HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Enum\PCI too)"});
+        Diagnostic remark = NoDevices(origin);
+        if (remark.severity == Severity::Error) {
+            return RefusedMachine(origin, {std::move(remark)});
+        }
+        machine.diagnostics.push_back(std::move(remark));
     }
     machine.name = NameOfMachine(origin.source, origin.kind, machine.system.computerName.value.value_or(""));
     return machine;

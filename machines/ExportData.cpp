@@ -123,6 +123,14 @@ void TakePlainBytes(std::u16string_view& text, std::size_t most, std::string& by
     text.remove_prefix(kWritten * taken);
 }
 
+/// @return true for a list of texts with its end: an empty text.
+bool IsWholeList(const StoredValue& value)
+{
+    const std::size_t width = value.wide ? 2 : 1;
+    return value.type == kRegistryTextList && value.bytes.size() % width == 0 &&
+           value.bytes.ends_with(std::string_view("\0\0\0", 4).substr(0, 2 * width));
+}
+
 /// @return true when nothing but blanks or a comment follows.
 bool EndsHere(std::u16string_view rest)
 {
@@ -159,13 +167,15 @@ ExportData::State ExportData::Begin(std::u16string_view data, ExportText text, b
 {
     m_value = {.type = kRegistryText, .bytes = {}, .wide = text != ExportText::EightBit};
     m_text.clear();
+    m_isSurelyWhole = false;
     data = WithoutBlanks(data);
     if (data.starts_with(u'"')) {
         data.remove_prefix(1);
         return m_state = ReadText(data);
     }
     if (data.starts_with(u'-')) {
-        return m_state = EndsHere(data.substr(1)) ? State::Deletes : State::Bad;
+        m_isSurelyWhole = EndsHere(data.substr(1));
+        return m_state = m_isSurelyWhole ? State::Deletes : State::Bad;
     }
     if (TakePrefix(data, u"dword:")) {
         return m_state = BeginNumber(data);
@@ -190,11 +200,13 @@ StoredValue ExportData::Take()
 
 ExportData::State ExportData::BeginNumber(std::u16string_view digits)
 {
-    const std::optional<uint32_t> number = NumberOf(WithoutBlanks(digits.substr(0, digits.find(u';'))));
+    digits = WithoutBlanks(digits.substr(0, digits.find(u';')));
+    const std::optional<uint32_t> number = NumberOf(digits);
     if (!number) {
         return State::Bad;
     }
     m_value.type = kRegistryNumber;
+    m_isSurelyWhole = digits.size() == 8;
     for (unsigned shift = 0; shift < 32; shift += 8) {
         m_value.bytes.push_back(static_cast<char>(*number >> shift & 0xFF));
     }
@@ -230,6 +242,7 @@ ExportData::State ExportData::ReadText(std::u16string_view text)
     if (!isClosed) {
         return State::OpenText;
     }
+    m_isSurelyWhole = true;
     m_text.push_back(u'\0');
     if (m_value.wide) {
         m_value.bytes = BytesOf(m_text);
@@ -252,6 +265,7 @@ ExportData::State ExportData::ReadBytes(std::u16string_view bytes)
     // One or two digits, then a comma or the end; blanks between them do not count.
     uint32_t byte = 0;
     unsigned digits = 0;
+    bool endsWithPair = true;
     for (std::size_t at = 0; at <= bytes.size(); ++at) {
         const char16_t unit = at < bytes.size() ? bytes[at] : u',';
         if (IsBlank(unit)) {
@@ -269,9 +283,11 @@ ExportData::State ExportData::ReadBytes(std::u16string_view bytes)
         }
         if (digits != 0) {
             m_value.bytes.push_back(static_cast<char>(byte));
+            endsWithPair = digits == 2;
         }
         byte = 0;
         digits = 0;
     }
+    m_isSurelyWhole = !goesOn && endsWithPair && IsWholeList(m_value);
     return goesOn ? State::OpenBytes : State::Complete;
 }

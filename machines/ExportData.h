@@ -29,6 +29,9 @@ public:
     State Continue(std::u16string_view line);
     /// @return the value; only when it is complete. What was read is moved out.
     [[nodiscard]] StoredValue Take();
+    /// @return true when the last line that was read ends the value for certain: more digits cannot follow. Bytes may
+    ///         always go on, except after the end of a list of texts.
+    [[nodiscard]] bool IsSurelyWhole() const { return m_isSurelyWhole; }
 
 private:
     State BeginNumber(std::u16string_view digits);
@@ -39,6 +42,7 @@ private:
     StoredValue m_value;
     std::u16string m_text;
     State m_state = State::Bad;
+    bool m_isSurelyWhole = false;
 };
 
 /// Reads a quoted name at the front of a line; "@" is the name of the unnamed value, which is empty.

@@ -1,13 +1,16 @@
 #include "ExportLines.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
 constexpr std::string_view kMarkUtf16{"\xFF\xFE", 2};
 constexpr std::string_view kMarkUtf16Swapped{"\xFE\xFF", 2};
 constexpr std::string_view kMarkUtf8{"\xEF\xBB\xBF", 3};
-constexpr std::string_view kEightBitHeader = "REGEDIT4";
+// What the first line of an export begins with, in 8-bit form and in UTF-16.
+constexpr std::array kEightBitHeaders = std::to_array<std::string_view>({"REGEDIT4", "Windows "});
+constexpr std::string_view kWideHeader{"W\0i\0n\0d\0", 8};
 // Enough to recognise a mark or a header at the beginning of a line.
 constexpr std::size_t kLookAhead = 8;
 // A text of 1 MiB in UTF-16 takes 2 MiB; lines of bytes are short.
@@ -25,6 +28,11 @@ char16_t ExportLine::First() const
                                                         static_cast<unsigned char>(bytes[1]) << 8);
     }
     return static_cast<unsigned char>(bytes.front());
+}
+
+bool ExportLine::GoesOn() const
+{
+    return bytes.ends_with(text == ExportText::Utf16 ? std::string_view("\\\0", 2) : std::string_view("\\"));
 }
 
 void ExportLine::Read(std::u16string& read) const
@@ -55,8 +63,13 @@ std::size_t ExportLines::FollowMark(std::string_view bytes)
         m_text = ExportText::Utf16Swapped;
         return kMarkUtf16Swapped.size();
     }
-    if (IsWide() && bytes.starts_with(kEightBitHeader)) {
-        m_text = ExportText::EightBit;
+    if (IsWide()) {
+        if (std::ranges::any_of(kEightBitHeaders,
+                                [bytes](std::string_view header) { return bytes.starts_with(header); })) {
+            m_text = ExportText::EightBit;
+        }
+    } else if (bytes.starts_with(kWideHeader)) {
+        m_text = ExportText::Utf16;
     } else if (m_text == ExportText::Unknown) {
         m_text = bytes.size() > 1 && bytes[1] == '\0' ? ExportText::Utf16 : ExportText::EightBit;
     }

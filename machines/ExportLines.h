@@ -29,6 +29,8 @@ struct ExportLine
 
     /// @return the first character; 0 for an empty line.
     [[nodiscard]] char16_t First() const;
+    /// @return true when it ends with a backslash: bytes go on in the next line.
+    [[nodiscard]] bool GoesOn() const;
     /// Reads the line's text; in 8-bit form each unit is one byte.
     /// @param read  Receives it. One text for all lines is allocated only a few times.
     void Read(std::u16string& read) const;
@@ -66,7 +68,7 @@ private:
     Sink m_sink;
     ExportText m_text = ExportText::Unknown;
     std::string m_rest;         // the line that is not complete yet
-    std::size_t m_searched = 0; // bytes of m_rest without an end of line
+    std::size_t m_searched = 0; // so many bytes of m_rest need not be searched for an end of line again
     std::size_t m_number = 0;
     bool m_isInLine = false;  // its beginning was read, its end was not
     bool m_skipsRest = false; // of a line that was too long

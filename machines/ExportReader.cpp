@@ -9,7 +9,7 @@
 namespace {
 constexpr std::size_t kMostDiagnostics = 20;
 constexpr char16_t kMark = 0xFEFF;
-constexpr char kExportAgain[] = "export it again";
+constexpr char kEndTheLine[] = "export it again, or end the last line if the file is whole";
 
 enum class Root
 {
@@ -77,18 +77,37 @@ void ExportReader::Finish()
         Refuse(0, "the file is empty");
         return;
     }
-    if (IsOpen()) {
-        Warn(m_valueLine, "the file ends inside the value \"" + Printable(m_valueName) + "\"", kExportAgain);
-    }
-    if (m_lines.EndsInsideCharacter()) {
-        Warn(0, "the file ends in the middle of a character", kExportAgain);
-    }
+    CheckEnd();
     if (m_unsaid != 0) {
-        m_diagnostics.push_back({.severity = Severity::Warning,
+        m_diagnostics.push_back({.severity = m_isDamaged ? Severity::Error : Severity::Warning,
                                  .source = m_source,
                                  .line = m_lastUnsaid,
                                  .what = std::to_string(m_unsaid) + " more lines are damaged, up to this one",
-                                 .cure = kExportAgain});
+                                 .cure = "export it again"});
+    }
+    if (m_isDamaged) {
+        m_isRefused = true;
+        m_tree = RegistryTree();
+        m_key = nullptr;
+        // Only what the refusal rests on.
+        std::erase_if(m_diagnostics, [](const Diagnostic& each) { return each.severity != Severity::Error; });
+    }
+}
+
+/// Finds what the end of the file may have cut off, beside its last line.
+void ExportReader::CheckEnd()
+{
+    if (IsOpen()) {
+        Complain(m_valueLine, "the file ends inside the value \"" + Printable(m_valueName) + "\"");
+    } else if (m_endsInsideSkipped) {
+        Complain(0, "the file ends inside a value");
+    } else if (!m_isDamaged && m_key != nullptr && !m_endsWithBlankLine && IsDeviceKey(*m_wanted) &&
+               FindValue(*m_key, "CompatibleIDs") == nullptr) {
+        Complain(0, "the file ends inside a device: neither its IDs nor the blank line after a key follow",
+                 "export it again, or add a blank line if the file is whole");
+    }
+    if (m_lines.EndsInsideCharacter()) {
+        Complain(0, "the file ends in the middle of a character");
     }
 }
 
@@ -106,16 +125,25 @@ void ExportReader::Refuse(std::size_t line, std::string what)
 
 void ExportReader::Warn(std::size_t line, std::string what, std::string cure)
 {
+    Remark(Severity::Warning, line, std::move(what), std::move(cure));
+}
+
+/// Reports damage by which a device or a fact of the system may be lost.
+void ExportReader::Complain(std::size_t line, std::string what, std::string cure)
+{
+    m_isDamaged = true;
+    Remark(Severity::Error, line, std::move(what), std::move(cure));
+}
+
+void ExportReader::Remark(Severity severity, std::size_t line, std::string what, std::string cure)
+{
     if (m_diagnostics.size() == kMostDiagnostics) {
         ++m_unsaid;
         m_lastUnsaid = line;
         return;
     }
-    m_diagnostics.push_back({.severity = Severity::Warning,
-                             .source = m_source,
-                             .line = line,
-                             .what = std::move(what),
-                             .cure = std::move(cure)});
+    m_diagnostics.push_back(
+        {.severity = severity, .source = m_source, .line = line, .what = std::move(what), .cure = std::move(cure)});
 }
 
 void ExportReader::ReadLine(const ExportLine& line)
@@ -129,12 +157,13 @@ void ExportReader::ReadLine(const ExportLine& line)
     }
     const char16_t first = line.First();
     if (line.isShifted) {
-        Warn(line.number, "a byte is missing or too many in this line; what follows is read from the next line on",
-             kExportAgain);
+        // It may have swallowed the line of a key.
+        Complain(line.number, "a byte is missing or too many in this line");
         m_open = ExportData::State::Complete;
         m_key = first == u'[' ? nullptr : m_key;
         return;
     }
+    const bool goesOn = IsOpen() || m_endsInsideSkipped;
     if (first == u'[') {
         ReadBracket(line);
     } else if (IsOpen()) {
@@ -144,9 +173,46 @@ void ExportReader::ReadLine(const ExportLine& line)
     } else if (m_key != nullptr || first == kMark || first == u'R' || first == u'W') {
         ReadOtherLine(line);
     }
-    if (line.isLast && !IsOpen()) {
-        Warn(line.number, "the last line has no end: the file may be cut off", kExportAgain);
+    m_endsWithBlankLine = line.bytes.empty();
+    m_endsInsideSkipped = m_key == nullptr && line.GoesOn();
+    if (line.isLast && !IsOpen() && !m_endsInsideSkipped) {
+        CheckLastLine(line, goesOn);
     }
+}
+
+/// A last line without its end is whole or cut off.
+/// @param goesOn  A value of an earlier line goes on in it.
+void ExportReader::CheckLastLine(const ExportLine& line, bool goesOn)
+{
+    if (!m_diagnostics.empty() && m_diagnostics.back().line == line.number) {
+        return;
+    }
+    if (goesOn ? m_key != nullptr && m_data.IsSurelyWhole() : IsWholeLine(line)) {
+        Warn(line.number, "the last line has no end: the file may be cut off");
+    } else {
+        Complain(line.number, "the file ends inside this line", kEndTheLine);
+    }
+}
+
+/// @return true when nothing can be missing at the end of the last line, which was read before and begins anew.
+bool ExportReader::IsWholeLine(const ExportLine& line)
+{
+    std::u16string_view text = line.isCut ? std::u16string_view() : WithoutBlanks(TextOf(line));
+    if (line.isCut || text.starts_with(u'[')) {
+        // The values of a key that is needed would follow.
+        return m_key == nullptr && text.ends_with(u']');
+    }
+    if (text.empty() || text.starts_with(u';') || ReadHeader(text)) {
+        return true;
+    }
+    if (m_key == nullptr) {
+        std::u16string name;
+        if (!TakeName(text, name) || !WithoutBlanks(text).starts_with(u'=')) {
+            return false;
+        }
+        m_data.Begin(WithoutBlanks(text).substr(1), line.text, m_wideHex);
+    }
+    return m_data.IsSurelyWhole();
 }
 
 /// @return the line's text, valid until the text of another line is read.
@@ -197,7 +263,7 @@ void ExportReader::ReadOtherLine(const ExportLine& line)
         return;
     }
     if (m_key != nullptr) {
-        Warn(line.number, "neither a key nor a value: \"" + Printable(content.substr(0, 40)) + "\"", kExportAgain);
+        Complain(line.number, "neither a key nor a value: \"" + Printable(content.substr(0, 40)) + "\"");
     }
 }
 
@@ -208,7 +274,7 @@ void ExportReader::ReadBracket(const ExportLine& line)
     if (line.isCut) {
         m_key = nullptr;
         m_open = ExportData::State::Complete;
-        Warn(line.number, "a line that is too long to be a key", kExportAgain);
+        Complain(line.number, "a line that is too long to be a key");
         return;
     }
     std::u16string_view path = WithoutBlanks(TextOf(line)).substr(1);
@@ -220,13 +286,13 @@ void ExportReader::ReadBracket(const ExportLine& line)
             GoOn(line);
         } else if (m_key != nullptr || path.starts_with(u"HK")) {
             m_key = nullptr;
-            Warn(line.number, "no root of a registry: \"" + Printable(path.substr(0, 40)) + "\"", kExportAgain);
+            Complain(line.number, "no root of a registry: \"" + Printable(path.substr(0, 40)) + "\"");
         }
         return;
     }
     if (std::exchange(m_open, ExportData::State::Complete) != ExportData::State::Complete) {
-        Warn(m_valueLine, "the value \"" + Printable(m_valueName) + "\" does not end before the next key",
-             kExportAgain);
+        // It has swallowed the values after it.
+        Complain(m_valueLine, "the value \"" + Printable(m_valueName) + "\" does not end before the next key");
     }
     m_key = nullptr;
     if (root == Root::Machine) {
@@ -237,7 +303,12 @@ void ExportReader::ReadBracket(const ExportLine& line)
 void ExportReader::ReadKey(std::u16string_view path, const ExportLine& line, bool isRemoved)
 {
     if (!path.ends_with(u']')) {
-        Warn(line.number, "a key's name without its end: \"" + Printable(path) + "\"", kExportAgain);
+        const std::string what = "a key's name without its end: \"" + Printable(path) + "\"";
+        if (line.isLast || MayBecomeWanted(NamesIn(path))) {
+            Complain(line.number, what);
+        } else {
+            Warn(line.number, what);
+        }
         return;
     }
     path.remove_suffix(1);
@@ -252,21 +323,21 @@ void ExportReader::ReadKey(std::u16string_view path, const ExportLine& line, boo
     }
     m_key = m_tree.Enter(names, line.text != ExportText::EightBit);
     if (m_key == nullptr) {
-        WarnOfSize(line.number);
+        ComplainOfSize(line.number);
     }
 }
 
-void ExportReader::WarnOfSize(std::size_t line)
+void ExportReader::ComplainOfSize(std::size_t line)
 {
     if (!std::exchange(m_saidSize, true)) {
-        Warn(line, "more devices and values than any machine has; the rest is left out", kExportAgain);
+        Complain(line, "more devices and values than any machine has");
     }
 }
 
 void ExportReader::ReadValue(const ExportLine& line)
 {
     if (line.isCut) {
-        Warn(line.number, "a line that is too long to be a value", kExportAgain);
+        Complain(line.number, "a line that is too long to be a value");
         return;
     }
     std::u16string_view rest = TextOf(line);
@@ -278,10 +349,11 @@ void ExportReader::ReadValue(const ExportLine& line)
     const bool hasName = TakeName(rest, name);
     rest = WithoutBlanks(rest);
     if (!hasName || !rest.starts_with(u'=')) {
-        Warn(line.number, "a value that cannot be read: \"" + Printable(rest.substr(0, 40)) + "\"", kExportAgain);
+        Complain(line.number, "a value that cannot be read: \"" + Printable(rest.substr(0, 40)) + "\"");
     } else {
         m_valueName.swap(name);
         m_valueLine = line.number;
+        m_isContinued = false;
         TakeData(m_data.Begin(rest.substr(1), line.text, m_wideHex));
     }
     if (!joined.empty() && !IsOpen()) {
@@ -292,7 +364,19 @@ void ExportReader::ReadValue(const ExportLine& line)
 /// Goes on with a value that its first line has not ended.
 void ExportReader::GoOn(const ExportLine& line)
 {
+    m_isContinued = true;
     TakeData(line.isCut ? ExportData::State::Bad : m_data.Continue(TextOf(line)));
+}
+
+/// A value that cannot be read. One that is not needed is not missed, unless its next lines may be another one.
+void ExportReader::ComplainOfValue()
+{
+    const std::string what = "the value \"" + Printable(m_valueName) + "\" cannot be read";
+    if (m_isContinued || WantsValue(*m_wanted, m_valueName)) {
+        Complain(m_valueLine, what);
+    } else {
+        Warn(m_valueLine, what);
+    }
 }
 
 void ExportReader::TakeData(ExportData::State state)
@@ -304,7 +388,7 @@ void ExportReader::TakeData(ExportData::State state)
             m_open = state;
             return;
         case ExportData::State::Bad:
-            Warn(m_valueLine, "the value \"" + Printable(m_valueName) + "\" cannot be read", kExportAgain);
+            ComplainOfValue();
             return;
         case ExportData::State::Deletes:
             m_key->values.erase(UpperCaseName(m_valueName));
@@ -313,6 +397,6 @@ void ExportReader::TakeData(ExportData::State state)
             break;
     }
     if (WantsValue(*m_wanted, m_valueName) && !m_tree.SetValue(*m_key, m_valueName, m_data.Take())) {
-        WarnOfSize(m_valueLine);
+        ComplainOfSize(m_valueLine);
     }
 }

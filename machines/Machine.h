@@ -24,7 +24,7 @@ enum class Severity
 {
     Note,    ///< worth knowing; the answers do not depend on it
     Warning, ///< something is missing or was assumed; the rest is answered
-    Error,   ///< nothing could be read
+    Error,   ///< no answer: the machine is refused
 };
 
 /// @return "note", "warning" or "error".
@@ -174,7 +174,7 @@ struct Machine
     std::string name;   ///< for people: see NameOfMachine
     std::string source; ///< the file, as the user named it; "-" or "live"
     SourceKind kind = SourceKind::Export;
-    bool refused = false;   ///< nothing could be read: the diagnostics say why, everything below is empty
+    bool refused = false;   ///< not read, or not to be relied on: the diagnostics say why, everything below is empty
     bool dirty = false;     ///< a hive that was not closed: its latest changes may be missing
     std::string controlSet; ///< the control set that was read, such as "ControlSet001"; empty when there is none
     SystemDescription system;

@@ -90,16 +90,16 @@ public:
         return Found(hivex_node_get_child(m_hive.get(), key, ToUtf8(name.units).c_str()));
     }
 
-    [[nodiscard]] std::vector<StoredName> SubKeys(Key key) override
+    [[nodiscard]] std::vector<SubKey> SubKeys(Key key) override
     {
-        std::vector<StoredName> names;
+        std::vector<SubKey> found;
         const UniqueMemory<hive_node_h> children(hivex_node_children(m_hive.get(), key));
         for (const hive_node_h* child = children.get(); child != nullptr && *child != 0; ++child) {
             if (const UniqueMemory<char> name{hivex_node_name(m_hive.get(), *child)}) {
-                names.push_back({.units = FromUtf8(name.get()), .wide = true});
+                found.push_back({.name = {.units = FromUtf8(name.get()), .wide = true}, .key = *child});
             }
         }
-        return names;
+        return found;
     }
 
     [[nodiscard]] std::optional<StoredValue> Value(Key key, std::string_view name) override
@@ -216,7 +216,11 @@ void ReadSoftwareHive(const std::string& path, RegistryTree& tree, std::vector<D
     if (software.isDirty) {
         diagnostics.push_back(DirtyRemark(path));
     }
-    CopyWantedKeys(*software.view, "SOFTWARE", {}, tree);
+    software.trouble.what = CopyWantedKeys(*software.view, "SOFTWARE", {}, tree);
+    if (!software.trouble.what.empty()) {
+        software.trouble.severity = Severity::Warning;
+        diagnostics.push_back(software.trouble);
+    }
 }
 } // namespace
 
@@ -228,7 +232,10 @@ Machine ReadHive(const std::string& path, const MachineOrigin& origin)
     }
     const std::string controlSet = CurrentControlSet(*opened.view);
     RegistryTree tree;
-    CopyWantedKeys(*opened.view, "SYSTEM", controlSet, tree);
+    opened.trouble.what = CopyWantedKeys(*opened.view, "SYSTEM", controlSet, tree);
+    if (!opened.trouble.what.empty()) {
+        return RefusedMachine(origin, {opened.trouble});
+    }
     if (tree.Find("SYSTEM\\" + controlSet) == nullptr) {
         const std::string what = controlSet.empty() ? "not a SYSTEM hive: nothing says which control set is current"
                                                     : "the current control set, " + controlSet + ", is missing";

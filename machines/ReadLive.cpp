@@ -35,18 +35,20 @@ public:
         return OpenBelow(m_keys[key].get(), EightBitName(name).c_str());
     }
 
-    [[nodiscard]] std::vector<StoredName> SubKeys(Key key) override
+    [[nodiscard]] std::vector<SubKey> SubKeys(Key key) override
     {
-        std::vector<StoredName> names;
+        std::vector<SubKey> found;
         for (DWORD index = 0;; ++index) {
             // A name has up to 255 characters, of up to three bytes each.
             std::array<char, 1024> name{};
             DWORD length = name.size();
             if (RegEnumKeyExA(m_keys[key].get(), index, name.data(), &length, nullptr, nullptr, nullptr, nullptr) !=
                 ERROR_SUCCESS) {
-                return names;
+                return found;
             }
-            names.push_back(EightBitName(name.data()));
+            if (const std::optional<Key> opened = OpenBelow(m_keys[key].get(), name.data())) {
+                found.push_back({.name = EightBitName(name.data()), .key = *opened});
+            }
         }
     }
 
@@ -101,7 +103,13 @@ Machine ReadLive(const MachineOrigin& origin)
 {
     LiveView view;
     RegistryTree tree;
-    CopyWantedKeys(view, "", "CurrentControlSet", tree);
+    if (const std::string trouble = CopyWantedKeys(view, "", "CurrentControlSet", tree); !trouble.empty()) {
+        return RefusedMachine(origin, {{.severity = Severity::Error,
+                                        .source = origin.source,
+                                        .line = 0,
+                                        .what = trouble,
+                                        .cure = "name an export of the keys that are needed"}});
+    }
     Machine machine = DescribeMachine(tree, origin, {});
     if (machine.devices) {
         for (PciDevice& device : *machine.devices) {

@@ -13,8 +13,18 @@
 namespace {
 namespace fs = std::filesystem;
 
-// A list may name lists; one that names itself would never end.
-constexpr int kMostListsInLists = 8;
+// How many lists may name each other in a row.
+constexpr std::size_t kMostListsInLists = 8;
+
+/// Without the mark of a file in UTF-8, and without blanks on either side.
+std::string_view ArgumentIn(std::string_view line)
+{
+    constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+    constexpr std::string_view kBlanks = " \t\r";
+    line.remove_prefix(line.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0);
+    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+    return line.substr(0, line.find_last_not_of(kBlanks) + 1);
+}
 
 std::u16string UpperCaseFileName(const fs::path& path)
 {
@@ -33,14 +43,14 @@ bool LooksLikeMachine(const fs::path& path)
 class Expansion
 {
 public:
-    void Add(const std::string& argument, const fs::path& base, int depth)
+    void Add(const std::string& argument, const fs::path& base)
     {
         if (argument == "-") {
             m_found.sources.push_back({.place = MachineSource::Place::StandardInput, .path = argument});
         } else if (argument == "live") {
             m_found.sources.push_back({.place = MachineSource::Place::ThisMachine, .path = argument});
         } else if (argument.starts_with('@')) {
-            AddList(base / fs::path(argument.substr(1)), depth);
+            AddList(base / fs::path(argument.substr(1)));
         } else {
             AddPath(base / fs::path(argument));
         }
@@ -93,35 +103,38 @@ private:
         }
     }
 
-    void AddList(const fs::path& list, int depth)
+    void AddList(const fs::path& list)
     {
-        if (depth == kMostListsInLists) {
-            Complain(list, "lists are nested too deeply; does this one name itself?");
+        std::error_code error;
+        const fs::path canonical = fs::weakly_canonical(list, error);
+        if (std::ranges::find(m_open, canonical) != m_open.end()) {
+            Complain(list, "the list names itself", "remove the line that names it");
             return;
         }
-        std::error_code ignored;
+        if (m_open.size() == kMostListsInLists) {
+            Complain(list, "lists are nested too deeply", "name its machines in the list that names it");
+            return;
+        }
         std::ifstream lines(list, std::ios::binary);
-        if (!lines || fs::is_directory(list, ignored)) {
-            Complain(list, "the list cannot be opened");
+        if (!lines || fs::is_directory(list, error)) {
+            Complain(list, "the list cannot be opened", "name a text file with one machine a line");
             return;
         }
+        m_open.push_back(canonical);
         std::string line;
         while (std::getline(lines, line)) {
-            constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-            std::string_view argument = line;
-            argument.remove_prefix(argument.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0);
-            while (argument.ends_with('\r') || argument.ends_with(' ') || argument.ends_with('\t')) {
-                argument.remove_suffix(1);
-            }
+            const std::string_view argument = ArgumentIn(line);
             if (!argument.empty() && !argument.starts_with('#')) {
-                Add(std::string(argument), list.parent_path(), depth + 1);
+                Add(std::string(argument), list.parent_path());
             }
         }
         if (lines.bad()) {
-            Complain(list, "the list cannot be read to its end");
+            Complain(list, "the list cannot be read to its end", "copy it and try again");
         }
+        m_open.pop_back();
     }
 
+    std::vector<fs::path> m_open; // the lists that are being read, each named by the one before
     MachineSources m_found;
 };
 } // namespace
@@ -130,7 +143,7 @@ MachineSources ExpandSources(std::span<const std::string> arguments)
 {
     Expansion expansion;
     for (const std::string& argument : arguments) {
-        expansion.Add(argument, {}, 0);
+        expansion.Add(argument, {});
     }
     return expansion.Take();
 }

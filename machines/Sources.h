@@ -26,9 +26,9 @@ struct MachineSources
 };
 
 /// Expands the MACHINE arguments: a file; a folder, whose exports and hives follow in the order of their names in upper
-/// case; "@list", a text file with one argument a line, in which blank lines and lines that begin with '#' do not count
-/// and relative paths begin at the list's own folder; "-", standard input; "live", this machine. Nothing is opened but
-/// the lists.
+/// case; "@list", a text file with one argument a line, in which blank lines and lines that begin with '#' do not
+/// count, nor do blanks around a line, and relative paths begin at the list's own folder; "-", standard input; "live",
+/// this machine. Nothing is opened but the lists.
 [[nodiscard]] MachineSources ExpandSources(std::span<const std::string> arguments);
 
 /// @return the files among the sources.

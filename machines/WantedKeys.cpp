@@ -18,6 +18,24 @@ bool Fits(std::span<const std::u16string_view> path, std::string_view pattern)
     return !path.empty();
 }
 
+/// As Fits, for a path whose last name has lost its end.
+bool MayFit(std::span<const std::u16string_view> path, std::string_view pattern)
+{
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        const std::size_t end = pattern.find('\\');
+        const std::string_view wanted = pattern.substr(0, end);
+        if (at + 1 == path.size()) {
+            return wanted == "*" || NameIs(path[at], wanted.substr(0, path[at].size()));
+        }
+        const bool fits = wanted != "*" ? NameIs(path[at], wanted) : at != 1 || IsControlSet(path[at]);
+        if (!fits || end == std::string_view::npos) {
+            return false;
+        }
+        pattern.remove_prefix(end + 1);
+    }
+    return true;
+}
+
 /// How many names each path has: most keys of an export are passed over by that number.
 constexpr std::array kDepths = [] {
     std::array<std::size_t, kWantedKeys.size()> depths{};
@@ -36,6 +54,16 @@ const WantedKey* FindWantedKey(std::span<const std::u16string_view> path)
         }
     }
     return nullptr;
+}
+
+bool MayBecomeWanted(std::span<const std::u16string_view> path)
+{
+    return std::ranges::any_of(kWantedKeys, [path](const WantedKey& key) { return MayFit(path, key.path); });
+}
+
+bool IsDeviceKey(const WantedKey& key)
+{
+    return key.path.find(R"(ENUM\PCI)") != std::string_view::npos;
 }
 
 bool WantsValue(const WantedKey& key, std::u16string_view name)

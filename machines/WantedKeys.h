@@ -63,6 +63,13 @@ inline constexpr std::array kWantedKeys = std::to_array<WantedKey>({
 /// @return null for a key that is not needed.
 [[nodiscard]] const WantedKey* FindWantedKey(std::span<const std::u16string_view> path);
 
+/// @param path  Names of which the last one has lost its end.
+/// @return true when the whole path may be that of a key that is needed.
+[[nodiscard]] bool MayBecomeWanted(std::span<const std::u16string_view> path);
+
+/// @return true for a PCI device, its instances, and the key that holds the devices.
+[[nodiscard]] bool IsDeviceKey(const WantedKey& key);
+
 [[nodiscard]] bool WantsValue(const WantedKey& key, std::u16string_view name);
 
 /// @return true for "CurrentControlSet" and "ControlSet" with three digits.

@@ -74,9 +74,9 @@ TEST(Export, InEightBitTextOfTheNewFormatHoldsWideBytes)
 TEST(Export, IsTheSameInBlocksOfAnySize)
 {
     const std::string text = kExportHeader + Device(kCardName, kId) + "[" + kPciKey +
-                             "\\X\\1]\n\"Class\"=\"a\r\nb\"\r\n" + "nonsense\r\n" + Device("VEN_1", "b");
+                             "\\X\\1]\n\"Class\"=\"a\r\nb\"\r\n" + "\"Other\"=nonsense\r\n" + Device("VEN_1", "b");
     for (const std::string& bytes : {Utf16(text), text, Utf16(text) + Utf16(text), Utf16(text) + "REGEDIT4\r\n" + text,
-                                     text + "\xEF\xBB\xBF\xFF\xFE;nonsense\r\n" + text}) {
+                                     text + "[HKLM\\Other]\r\n\xEF\xBB\xBF\xFF\xFE;nonsense\r\n" + text}) {
         const std::string expected = Describe(ReadText(bytes));
         EXPECT_THAT(expected, HasSubstr("VEN_1"));
         for (const std::size_t size : {1U, 2U, 3U, 5U, 7U, 8U, 9U, 64U, 1001U}) {
@@ -88,14 +88,14 @@ TEST(Export, IsTheSameInBlocksOfAnySize)
 TEST(Export, ListsDevicesAndInstancesInTheRegistrysOrder)
 {
     const std::string text = kExportHeader + Device("VEN_b", "x") + DeviceKey("VEN_a", "9") + DeviceKey("VEN_A_", "1") +
-                             DeviceKey("VEN_a", "10") + DeviceKey("VEN_C", "b") + DeviceKey("ven_c", "A");
+                             DeviceKey("VEN_a", "10") + DeviceKey("VEN_C", "b") + DeviceKey("ven_c", "A") + "\r\n";
     EXPECT_EQ("VEN_a/10/9 VEN_A_/1 VEN_b/3&1 VEN_C/A/b ", DeviceNames(ReadText(Utf16(text))));
 }
 
 TEST(Export, KeepsADeviceWithoutInstances)
 {
-    EXPECT_EQ("VEN_1 ", DeviceNames(ReadText(kExportHeader + "[" + kPciKey + "\\VEN_1]\r\n")));
-    EXPECT_EQ("", DeviceNames(ReadText(kExportHeader + "[" + kPciKey + "]\r\n")));
+    EXPECT_EQ("VEN_1 ", DeviceNames(ReadText(kExportHeader + "[" + kPciKey + "\\VEN_1]\r\n\r\n")));
+    EXPECT_EQ("", DeviceNames(ReadText(kExportHeader + "[" + kPciKey + "]\r\n\r\n")));
     EXPECT_EQ("<no key>",
               DeviceNames(ReadText(kExportHeader + R"([HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Windows])"
                                                    "\r\n")));
@@ -116,7 +116,7 @@ TEST(Export, LeavesOutWhatLiesBelowAnInstance)
 TEST(Export, MergesAKeyThatComesTwiceAndTheLaterValueWins)
 {
     const std::string text = kExportHeader + DeviceKey(kCardName, "1") + "\"Class\"=\"a\"\r\n\"Service\"=\"s\"\r\n" +
-                             DeviceKey(kCardName, "1") + "\"CLASS\"=\"b\"\r\n";
+                             DeviceKey(kCardName, "1") + "\"CLASS\"=\"b\"\r\n\r\n";
     const Machine machine = ReadText(text);
     ASSERT_EQ(kCardName + "/1 ", DeviceNames(machine));
     EXPECT_EQ(std::string("b\0", 2), machine.devices->front().instances.front().setupClass->bytes);
@@ -127,7 +127,7 @@ TEST(Export, RemovesKeysAndValuesThatItDeletes)
 {
     const std::string text = kExportHeader + Device("VEN_1", "a") + Device("VEN_2", kId) + "[-" + kPciKey +
                              "\\ven_1]\r\n" + "\"Class\"=\"x\"\r\n" + DeviceKey("VEN_2", "3&1") +
-                             "\"CompatibleIDs\"=-\r\n";
+                             "\"CompatibleIDs\"=-\r\n\r\n";
     const Machine machine = ReadText(text);
     EXPECT_EQ("VEN_2/3&1 ", DeviceNames(machine));
     EXPECT_EQ("<none>", FirstIds(machine));
@@ -144,8 +144,8 @@ TEST(Export, MayRemoveTheWholeTree)
 TEST(Export, TakesRootsAndKeysInAnyLetterCase)
 {
     for (const std::string root : {"hkey_local_machine", "HKLM", "hklm", "Hkey_Local_Machine"}) {
-        const std::string text =
-            kExportHeader + "[" + root + R"(\system\currentcontrolset\enum\pci\VEN_1\2])" + "\r\n\"class\"=\"Net\"\r\n";
+        const std::string text = kExportHeader + "[" + root + R"(\system\currentcontrolset\enum\pci\VEN_1\2])" +
+                                 "\r\n\"class\"=\"Net\"\r\n\r\n";
         const Machine machine = ReadText(text);
         EXPECT_EQ("VEN_1/2 ", DeviceNames(machine));
         EXPECT_EQ("CurrentControlSet", ReadText(text).controlSet.empty() ? "" : "CurrentControlSet");
@@ -155,12 +155,14 @@ TEST(Export, TakesRootsAndKeysInAnyLetterCase)
 
 TEST(Export, PassesOverOtherRoots)
 {
-    const std::string text = kExportHeader + R"([HKEY_USERS\SYSTEM\CurrentControlSet\Enum\PCI\VEN_1\2])" + "\r\n" +
-                             R"([HKEY_LOCAL_MACHINES\SYSTEM\CurrentControlSet\Enum\PCI\VEN_2\2])" + "\r\n" +
-                             Device("VEN_3", "a");
-    const Machine machine = ReadText(text);
-    EXPECT_EQ("VEN_3/3&1 ", DeviceNames(machine));
-    EXPECT_EQ("PC7.reg:4: no root of a registry: \"HKEY_LOCAL_MACHINES\\SYSTEM\\CurrentContro\"; export it again\n",
+    const std::string text =
+        kExportHeader + R"([HKEY_USERS\SYSTEM\CurrentControlSet\Enum\PCI\VEN_1\2])" + "\r\n" + Device("VEN_3", "a");
+    EXPECT_EQ("VEN_3/3&1 ", DeviceNames(ReadText(text)));
+    EXPECT_EQ("", Remarks(ReadText(text)));
+    const Machine machine = ReadText(kExportHeader + Device("VEN_3", "a") + "\r\n" +
+                                     R"([HKEY_LOCAL_MACHINES\SYSTEM\CurrentControlSet\Enum\PCI\VEN_2\2])" + "\r\n");
+    EXPECT_TRUE(machine.refused);
+    EXPECT_EQ("PC7.reg:7: no root of a registry: \"HKEY_LOCAL_MACHINES\\SYSTEM\\CurrentContro\"; export it again\n",
               Remarks(machine));
 }
 
@@ -175,6 +177,20 @@ TEST(Export, JoinedFromSeveralFilesIsOneMachine)
     EXPECT_EQ(std::string("A\0\0", 3),
               ReadText(first + old + second).devices->back().instances.front().compatibleIds->bytes);
     EXPECT_EQ("", Remarks(ReadText(first + old + second)));
+}
+
+TEST(Export, JoinedInFormsThatNoMarkSeparatesIsOneMachine)
+{
+    const std::string first = kExportHeader + Device("VEN_1", "a");
+    const std::string second = kExportHeader + Device("VEN_2", kId);
+    for (const std::string& bytes :
+         {Utf16(first) + second, Wide(first) + second, first + Wide(second), "\xEF\xBB\xBF" + first + Wide(second),
+          Utf16(first) + second + Wide(first), Utf16(first) + "REGEDIT4\r\n\r\n" + Wide(second)}) {
+        const Machine machine = ReadText(bytes);
+        EXPECT_EQ("VEN_1/3&1 VEN_2/3&1 ", DeviceNames(machine));
+        EXPECT_EQ("", Remarks(machine));
+        EXPECT_EQ(Describe(machine), Describe(ReadInBlocks(bytes, 3)));
+    }
 }
 
 TEST(Export, JoinedWithoutAnEndOfLineBetweenIsReadOn)
@@ -259,7 +275,8 @@ TEST(Export, TurnsTextsIntoTheMachinesCodePage)
 TEST(Export, FindsTheCurrentControlSet)
 {
     const auto set = [](const std::string& name) {
-        return "[HKEY_LOCAL_MACHINE\\SYSTEM\\" + name + "\\Enum\\PCI\\VEN_" + name.substr(name.size() - 1) + "\\1]\r\n";
+        return "[HKEY_LOCAL_MACHINE\\SYSTEM\\" + name + "\\Enum\\PCI\\VEN_" + name.substr(name.size() - 1) +
+               "\\1]\r\n\r\n";
     };
     const auto select = [](int number) {
         return "[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\r\n\"Current\"=dword:" + std::to_string(number) + "\r\n";
@@ -303,7 +320,7 @@ TEST(Export, LooksIntoTheNumberedSetForWhatTheCurrentOneLacks)
 TEST(Export, HasTheDevicesOfTheOldSystemsBelowTheRoot)
 {
     const std::string text =
-        "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\Enum\\PCI\\VEN_5D1A&DEV_1\\BUS_00]\r\n\"Class\"=\"Net\"\r\n";
+        "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\Enum\\PCI\\VEN_5D1A&DEV_1\\BUS_00]\r\n\"Class\"=\"Net\"\r\n\r\n";
     const Machine machine = ReadText(text);
     EXPECT_FALSE(machine.devices);
     ASSERT_TRUE(machine.devicesOf9x);

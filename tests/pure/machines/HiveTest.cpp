@@ -180,6 +180,29 @@ TEST(Hive, ThatIsNoSystemHiveIsRefused)
     EXPECT_THAT(folder.RemarksOn(WriteHive(missing)), HasSubstr("nothing says which"));
 }
 
+TEST(Hive, ThatListsAKeyOftenHasItOnce)
+{
+    HiveKey root;
+    root.At("Select").Number("Current", 2);
+    root.At(R"(ControlSet002\Enum\PCI\VEN_1)").timesListed = 20'000;
+    root.At(R"(ControlSet002\Enum\PCI\VEN_1\1)").timesListed = 20'000;
+    const Machine machine = HiveFolder().Read(WriteHive(root));
+    EXPECT_FALSE(machine.refused);
+    ASSERT_TRUE(machine.devices && machine.devices->size() == 1);
+    EXPECT_EQ(1U, machine.devices->front().instances.size());
+}
+
+TEST(Hive, WithoutTheKeyOfTheDevicesIsRefused)
+{
+    HiveKey root;
+    root.At("Select").Number("Current", 2);
+    root.At(R"(ControlSet002\Control\ProductOptions)").Text("ProductType", "WinNT");
+    const HiveFolder folder;
+    EXPECT_EQ("SYSTEM: has no key Enum\\PCI: no devices are known; copy the hive again\n",
+              folder.RemarksOn(WriteHive(root)));
+    EXPECT_TRUE(folder.Read(WriteHive(root)).refused);
+}
+
 TEST(Hive, WithAnyByteOfItsKeysChangedIsReadOrRefused)
 {
     const std::string whole = WriteHive(SystemKeys());

@@ -83,6 +83,10 @@ uint32_t AddValue(Cells& cells, const std::string& name, uint32_t type, const st
 
 uint32_t AddKey(Cells& cells, const HiveKey& key, const std::string& name, uint32_t parent, bool isRoot)
 {
+    uint32_t listed = 0;
+    for (const auto& [subName, subKey] : key.keys) {
+        listed += subKey.timesListed;
+    }
     std::string values;
     for (const auto& [valueName, value] : key.values) {
         Put(values, AddValue(cells, valueName, value.first, value.second));
@@ -92,7 +96,7 @@ uint32_t AddKey(Cells& cells, const HiveKey& key, const std::string& name, uint3
     Put(content, isRoot ? 0x2C : 0x20, 2);
     content.append(12, '\0');
     Put(content, parent);
-    Put(content, static_cast<uint32_t>(key.keys.size()));
+    Put(content, listed);
     Put(content, 0);
     const std::size_t subKeyList = content.size();
     Put(content, kNone);
@@ -107,10 +111,13 @@ uint32_t AddKey(Cells& cells, const HiveKey& key, const std::string& name, uint3
     const uint32_t cell = cells.Add(content + name);
     if (!key.keys.empty()) {
         std::string list = "lh";
-        Put(list, static_cast<uint32_t>(key.keys.size()), 2);
+        Put(list, listed, 2);
         for (const auto& [subName, subKey] : key.keys) {
-            Put(list, AddKey(cells, subKey, subName, cell, false));
-            Put(list, HashOf(subName));
+            const uint32_t subCell = AddKey(cells, subKey, subName, cell, false);
+            for (uint32_t time = 0; time < subKey.timesListed; ++time) {
+                Put(list, subCell);
+                Put(list, HashOf(subName));
+            }
         }
         cells.PatchNumber(cell, subKeyList, cells.Add(list));
     }

@@ -10,6 +10,7 @@ struct HiveKey
 {
     std::map<std::string, HiveKey> keys;
     std::map<std::string, std::pair<uint32_t, std::string>> values;
+    uint32_t timesListed = 1; ///< in the key above it; more than once in a damaged hive only
 
     /// @param path  Names with backslashes between them.
     HiveKey& At(const std::string& path);

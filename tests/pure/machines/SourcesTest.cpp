@@ -82,8 +82,8 @@ TEST(Sources, OfAListAreItsLines)
     folder.Write("sub/a.reg");
     folder.Write("b.reg");
     folder.Write("lists/more", "../b.reg");
-    const std::string list = folder.Write(
-        "lists/list", "\xEF\xBB\xBF# comment\r\n\r\n../sub  \r\n" + folder.At("b.reg") + "\n@more\n-\nmissing\n");
+    const std::string list = folder.Write("lists/list", "\xEF\xBB\xBF# comment\r\n \r\n\t# another\r\n  ../sub  \r\n" +
+                                                            folder.At("b.reg") + "\n@more\n-\nmissing\n");
     EXPECT_THAT(folder.Expand({"@" + list}), ElementsAre("0 lists/../sub/a.reg", "0 b.reg", "0 lists/../b.reg", "1 -",
                                                          "lists/missing: no such file or folder"));
 }
@@ -97,15 +97,45 @@ TEST(Sources, ThatNameNothingAreReportedAndTheOthersExpanded)
         folder.Expand({folder.At("gone"), file, folder.At("empty"), "@" + folder.At("gone"), "@" + folder.At("empty")}),
         ElementsAre("0 a.reg", "gone: no such file or folder",
                     "empty: has no registry exports (.reg) and no SYSTEM hive; name the files",
-                    "gone: the list cannot be opened", "empty: the list cannot be opened"));
+                    "gone: the list cannot be opened; name a text file with one machine a line",
+                    "empty: the list cannot be opened; name a text file with one machine a line"));
 }
 
-TEST(Sources, OfAListThatNamesItselfEnd)
+TEST(Sources, OfAListThatNamesItselfAreThoseOfItsOtherLines)
 {
     const SourceFolder folder;
-    const std::string list = folder.Write("list", "@list\n");
+    folder.Write("a.reg");
+    const std::string list = folder.Write("list", "@list\na.reg\n@sub/../list\n");
+    std::filesystem::create_directories(folder.At("sub"));
     EXPECT_THAT(folder.Expand({"@" + list}),
-                ElementsAre("list: lists are nested too deeply; does this one name itself?"));
+                ElementsAre("0 a.reg", "list: the list names itself; remove the line that names it",
+                            "sub/../list: the list names itself; remove the line that names it"));
+    folder.Write("one", "@two\n");
+    const std::string two = folder.Write("two", "@one\na.reg\n");
+    EXPECT_THAT(folder.Expand({"@" + two}),
+                ElementsAre("0 a.reg", "two: the list names itself; remove the line that names it"));
+}
+
+TEST(Sources, OfAListThatIsNamedTwiceAreReadTwice)
+{
+    const SourceFolder folder;
+    folder.Write("a.reg");
+    folder.Write("list", "a.reg\n");
+    const std::string both = folder.Write("both", "@list\n@list\n");
+    EXPECT_THAT(folder.Expand({"@" + both}), ElementsAre("0 a.reg", "0 a.reg"));
+}
+
+TEST(Sources, OfListsThatAreNestedTooDeeplyAreReported)
+{
+    const SourceFolder folder;
+    folder.Write("a.reg");
+    folder.Write("list8", "a.reg\n");
+    for (int list = 7; list >= 0; --list) {
+        folder.Write("list" + std::to_string(list), "@list" + std::to_string(list + 1) + "\n");
+    }
+    EXPECT_THAT(folder.Expand({"@" + folder.At("list1")}), ElementsAre("0 a.reg"));
+    EXPECT_THAT(folder.Expand({"@" + folder.At("list0")}),
+                ElementsAre("list8: lists are nested too deeply; name its machines in the list that names it"));
 }
 
 TEST(Sources, OfNothingAreNone)

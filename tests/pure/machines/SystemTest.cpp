@@ -25,9 +25,10 @@ std::string System(const std::string& version, const std::string& productType, c
            "Session Manager\\Environment]\r\n" + Value("PROCESSOR_ARCHITECTURE", processor) + further;
 }
 
+/// Reads an export of these keys and of a machine without devices.
 Machine Read(const std::string& text)
 {
-    return ReadText(kExportHeader + text);
+    return ReadText(kExportHeader + "[" + kPciKey + "]\r\n\r\n" + text + "\r\n");
 }
 
 SystemView ViewOf(const std::string& text)

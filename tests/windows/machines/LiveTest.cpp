@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 
 #include "ReadMachine.h"
 #include "RegistryKeys.h"
@@ -126,4 +127,21 @@ TEST(Collect, WritesWhatDescribesThisMachine)
 TEST(Collect, EndsWithAnErrorWhenTheFileCannotBeWritten)
 {
     EXPECT_NE(0, std::system(("cmd /c " + kKit + R"(\collect.cmd C:\no\such\folder\PC7.reg >nul 2>nul)").c_str()));
+}
+
+TEST(Collect, EndsWithAnErrorWhenWhatIsThereCannotBeReplaced)
+{
+    const ScratchDirectory folder;
+    const auto collect = [](const std::string& path) {
+        return std::system(("cmd /c " + kKit + "\\collect.cmd " + path + " >nul 2>nul").c_str());
+    };
+    std::filesystem::create_directory(folder.At("PC8.reg"));
+    EXPECT_NE(0, collect(folder.At("PC8.reg")));
+    WriteFileBytes(folder.At("PC9.reg"), "old");
+    RunCommand("attrib +r " + folder.At("PC9.reg"));
+    EXPECT_NE(0, collect(folder.At("PC9.reg")));
+    EXPECT_EQ("old", ReadFileBytes(folder.At("PC9.reg")));
+    RunCommand("attrib -r " + folder.At("PC9.reg"));
+    EXPECT_EQ(0, collect(folder.At("PC9.reg")));
+    EXPECT_NE("old", ReadFileBytes(folder.At("PC9.reg")));
 }
