@@ -48,6 +48,10 @@ std::vector<std::u16string_view> NamesIn(std::u16string_view path)
 
 std::u16string_view WithoutMark(std::u16string_view text)
 {
+    // Wine's "reg export" ends a file with a CR that has no LF; in joined files the mark comes after it.
+    while (text.starts_with(u'\r')) {
+        text.remove_prefix(1);
+    }
     return text.starts_with(kMark) ? text.substr(1) : text;
 }
 } // namespace

@@ -202,6 +202,14 @@ TEST(Export, JoinedWithoutAnEndOfLineBetweenIsReadOn)
     EXPECT_EQ("", Remarks(machine));
 }
 
+TEST(Export, JoinedAfterACarriageReturnWithoutALineFeedIsReadOn)
+{
+    const std::string first = Utf16(kExportHeader + DeviceKey("VEN_1", "1") + "\"ConfigFlags\"=dword:0000000a\r\n");
+    const Machine machine = ReadText(first + std::string("\r\0", 2) + Utf16(kExportHeader + Device("VEN_2", kId)));
+    EXPECT_EQ("VEN_1/1 VEN_2/3&1 ", DeviceNames(machine));
+    EXPECT_EQ("", Remarks(machine));
+}
+
 TEST(Export, ReadsEveryKindOfValueAsAnEightBitCallReturnsIt)
 {
     struct Row
