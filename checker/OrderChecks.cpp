@@ -86,7 +86,8 @@ private:
         if (chain.last != nullptr && chain.last->met == place) {
             return;
         }
-        Listing& listing = m_listings.emplace_back(Listing{.met = place, .entry = &entry});
+        m_listings.push_back({.met = place, .entry = &entry});
+        Listing& listing = m_listings.back();
         if (chain.last != nullptr) {
             chain.last->next = &listing;
         } else {

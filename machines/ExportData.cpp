@@ -128,7 +128,7 @@ bool IsWholeList(const StoredValue& value)
 {
     const std::size_t width = value.wide ? 2 : 1;
     return value.type == kRegistryTextList && value.bytes.size() % width == 0 &&
-           value.bytes.ends_with(std::string_view("\0\0\0", 4).substr(0, 2 * width));
+           value.bytes.ends_with(std::string_view("\0\0\0\0", 4).substr(0, 2 * width));
 }
 
 /// @return true when nothing but blanks or a comment follows.

@@ -10,7 +10,7 @@ struct FileCloser
 {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
-using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
+using UniqueStream = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Reads an export to its end. An error of the file itself refuses the machine.
 /// @param file   Open for reading bytes; it stays open.

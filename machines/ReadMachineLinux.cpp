@@ -31,7 +31,7 @@ Machine ReadMachine(const MachineSource& source, const ReadingOptions& options)
         return Refuse(origin, "this machine has no registry", "name an export or a hive");
     }
     const bool isInput = source.place == MachineSource::Place::StandardInput;
-    const UniqueFile opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rbe"));
+    const UniqueStream opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rbe"));
     if (!isInput && !opened) {
         return RefusedMachine(origin, {FileRemark(source.path, errno)});
     }

@@ -24,7 +24,7 @@ Machine ReadMachine(const MachineSource& source, const ReadingOptions& options)
         return ReadLive(origin);
     }
     const bool isInput = source.place == MachineSource::Place::StandardInput;
-    const UniqueFile opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rb"));
+    const UniqueStream opened(isInput ? nullptr : std::fopen(source.path.c_str(), "rb"));
     if (!isInput && !opened) {
         return RefusedMachine(origin, {FileRemark(source.path, errno)});
     }

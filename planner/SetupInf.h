@@ -35,6 +35,7 @@ public:
     explicit SetupInf(const Profile& text) : m_text(&text) {}
     SetupInf(const SetupInf&) = delete;
     SetupInf& operator=(const SetupInf&) = delete;
+    ~SetupInf() = default;
 
     [[nodiscard]] bool HasSection(std::string_view name) const;
     /// @return the lines of all sections of the name, letter case aside; none when there is no such section.

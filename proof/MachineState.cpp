@@ -47,6 +47,11 @@ void AddValues(HKEY key, const std::string& path, std::string& lines)
         if (status == ERROR_NO_MORE_ITEMS) {
             return;
         }
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) {
+            // A key that was deleted meanwhile answers every call with an error.
+            lines += path + " : error " + std::to_string(status) + '\n';
+            return;
+        }
         lines += path + " : " + std::string(name.data(), nameChars) + " = ";
         lines += status == ERROR_SUCCESS ? ShownValue(type, std::span(data).first(bytes))
                                          : "error " + std::to_string(status);

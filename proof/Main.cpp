@@ -22,6 +22,7 @@ namespace {
 // Exit codes, beside 0; proof.cmd knows them.
 constexpr int kNo = 1; ///< not elevated, changed files, no step left
 constexpr int kFailed = 5;
+constexpr int kOtherRun = 6;
 constexpr int kRestart = 3010;
 
 using Arguments = std::span<char*>;
@@ -58,7 +59,8 @@ int RunOneStep(Arguments /*arguments*/)
     // The system may start the batch file once more while a run goes on, when another user logs on.
     const UniqueHandle running(CreateMutexA(nullptr, FALSE, "Global\\MorvixProof"));
     if (!running || WaitForSingleObject(running.get(), 0) == WAIT_TIMEOUT) {
-        throw std::runtime_error("another run goes on");
+        std::fputs("proof_tools: another run goes on\n", stderr);
+        return kOtherRun;
     }
     switch (RunNextStep(Folders())) {
         case AfterStep::AllDone:

@@ -26,9 +26,18 @@ void AddFolder(ZipArchive& archive, const std::string& folder, const std::string
         const std::string path = folder + '\\' + file.name;
         if (file.isFolder) {
             AddFolder(archive, path, name + file.name + '/');
-        } else {
-            archive.Add(name + file.name, ReadWholeFile(path), file.localTime);
+            continue;
         }
+        std::string shownName = name + file.name;
+        std::string content;
+        try {
+            content = ReadWholeFile(path);
+        } catch (const std::runtime_error& failure) {
+            // A scanner, or what a step has left, may hold a file: the others are worth sending.
+            shownName += ".unreadable.txt";
+            content = failure.what();
+        }
+        archive.Add(shownName, content, file.localTime);
     }
 }
 } // namespace

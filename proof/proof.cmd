@@ -82,8 +82,8 @@ exit /b 2
 rem Whatever ends the machine meanwhile, the next logon of this administrator goes on.
 :steps
 set "MORVIX_DISPOSABLE=1"
-schtasks /create /f /tn MorvixProof /sc onlogon /rl highest /tr "cmd /c \"\"%~f0\" /continue\"" >nul 2>nul
-if not "%errorlevel%"=="0" reg add "%runonce%" /v MorvixProof /t REG_SZ /d "cmd /c \"\"%~f0\" /continue\"" /f >nul
+schtasks /create /f /tn MorvixProof /sc onlogon /rl highest /tr "cmd /c \"\"%MORVIX_PROOF%\proof.cmd\" /continue\"" >nul 2>nul
+if not "%errorlevel%"=="0" reg add "%runonce%" /v MorvixProof /t REG_SZ /d "cmd /c \"\"%MORVIX_PROOF%\proof.cmd\" /continue\"" /f >nul
 set "turns=0"
 :next
 rem A step that cannot even be recorded must not be tried for ever.
@@ -93,7 +93,7 @@ proof_tools.exe step
 if "%errorlevel%"=="0" goto next
 if "%errorlevel%"=="1" goto over
 if "%errorlevel%"=="3010" goto restart
-if "%errorlevel%"=="5" exit /b 5
+if "%errorlevel%"=="6" exit /b 6
 rem The program that runs the steps has crashed itself: the next call finds the step begun, and goes on after it.
 goto next
 
@@ -104,6 +104,10 @@ if not "%errorlevel%"=="0" echo proof.cmd: restart the machine by hand.
 exit /b 0
 
 :over
+rem What a step leaves when its limit ends it.
+schtasks /delete /f /tn morvix-proof >nul 2>nul
+net share morvix-proof /delete /y >nul 2>nul
+net user morvix-proof /delete >nul 2>nul
 schtasks /delete /f /tn MorvixProof >nul 2>nul
 reg delete "%runonce%" /v MorvixProof /f >nul 2>nul
 proof_tools.exe facts "%report%\facts-after.txt"

@@ -119,7 +119,7 @@ wrong_usage_is_two() {
         ends_with 2 plan kit PC7.reg --json --trace && says 'exclude' &&
         ends_with 2 explain kit PC7.reg VEN_5D1A && says 'more than one device' &&
         ends_with 2 explain kit PC7.reg FFFF && says 'no such device' &&
-        ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written (No such file'
+        ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written \(No such file'
 }
 promise "wrong usage ends with 2 and one line that says what and how" wrong_usage_is_two
 driver_is_required() {
