@@ -7,7 +7,7 @@
 #include "Trimmed.h"
 
 namespace {
-std::string_view WithoutComment(std::string_view text)
+std::string_view BeforeComment(std::string_view text)
 {
     return text.substr(0, text.find(';'));
 }
@@ -122,7 +122,7 @@ std::string_view ProcessorOf(OSCode system)
 
 std::string InstallSectionOf(std::string_view modelValue)
 {
-    return std::string(PartsOf(WithoutComment(modelValue)).front());
+    return std::string(PartsOf(BeforeComment(modelValue)).front());
 }
 
 bool FitsPattern(std::string_view name, std::string_view pattern)

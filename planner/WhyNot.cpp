@@ -69,12 +69,12 @@ std::optional<std::string> FindElsewhere(const KitFolder& kit, const std::string
 /// @return the path as the kit has it, when it was named from here.
 std::string PathInKit(const KitFolder& kit, std::string_view inf)
 {
-    const std::string slashed = WithSlashes(inf);
+    std::string slashed = WithSlashes(inf);
     std::error_code error;
     const std::filesystem::path here = std::filesystem::canonical(slashed, error);
     if (!error) {
         const std::filesystem::path root = std::filesystem::canonical(kit.Where().folder, error);
-        const std::string inside = here.lexically_relative(root).generic_string();
+        std::string inside = here.lexically_relative(root).generic_string();
         if (!error && !inside.empty() && !inside.starts_with("..")) {
             return inside;
         }
