@@ -70,8 +70,8 @@ struct FleetGroup
     std::vector<RejectedDevice> leftAlone; ///< devices of the maker that are not served
     std::size_t notReached = 0;
     std::vector<FleetMachine> machines;
-    /// For a group that stands for others of one state and system: how many, and how many devices of unknown presence
-    /// their machines have. Nothing else is kept of their devices.
+    /// For a group that replaces several groups of one state and system: how many, and how many devices of unknown
+    /// presence their machines have. Nothing else is kept of their devices.
     std::size_t folded = 0;
     std::size_t unknownPresences = 0;
 };

@@ -109,7 +109,7 @@ std::string ProcessorName(WORD machine)
     }
 }
 
-/// Programs for x64 on an ARM64 machine are told x64 by the older question.
+/// On an ARM64 machine, GetNativeSystemInfo returns x64 to a program for x64.
 std::string TrueProcessor()
 {
     using MachineFn = BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*);
@@ -203,7 +203,8 @@ std::string Screen()
 std::string SystemFacts()
 {
     std::string text = Line("emulator", Emulator()) + Line("version", TrueVersion()) +
-                       Line("version as programs are told", ProgramsVersion()) + Line("processor", TrueProcessor());
+                       Line("version that GetVersionEx returns", ProgramsVersion()) +
+                       Line("processor", TrueProcessor());
     for (const RegistryFact& fact : kRegistryFacts) {
         text += Line(fact.name, ReadRegistryText(fact.key, fact.value));
     }

@@ -26,7 +26,7 @@ struct SystemNumbers
 /// Dots per inch of the screen.
 [[nodiscard]] int ScreenDpi();
 
-/// @return why a run without an adapter cannot be had here; no value when it can.
+/// @return why a run without an adapter is not possible on this machine; no value when it is.
 [[nodiscard]] std::optional<std::string> WhyNoMachineWithoutAdapter();
 /// @return why no window can be seen here; no value when it can.
 [[nodiscard]] std::optional<std::string> WhyNoWindows();

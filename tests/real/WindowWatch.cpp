@@ -4,13 +4,12 @@
 #include <tlhelp32.h>
 
 #include <array>
-#include <cstring>
-#include <memory>
 #include <stdexcept>
 
 #include "Bundle.h"
 #include "Handles.h"
 #include "ScratchDirectory.h"
+#include "Screenshot.h"
 
 namespace {
 BOOL CALLBACK Collect(HWND window, LPARAM list)
@@ -47,32 +46,6 @@ std::string ProgramOf(DWORD processId)
     }
     return "process " + std::to_string(processId);
 }
-
-struct ScreenCloser
-{
-    void operator()(HDC screen) const noexcept { ReleaseDC(nullptr, screen); }
-};
-using UniqueScreen = std::unique_ptr<std::remove_pointer_t<HDC>, ScreenCloser>;
-
-struct MemoryDcCloser
-{
-    void operator()(HDC dc) const noexcept { DeleteDC(dc); }
-};
-using UniqueMemoryDc = std::unique_ptr<std::remove_pointer_t<HDC>, MemoryDcCloser>;
-
-struct BitmapCloser
-{
-    void operator()(HBITMAP bitmap) const noexcept { DeleteObject(bitmap); }
-};
-using UniqueBitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, BitmapCloser>;
-
-template <class Header>
-std::string BytesOf(const Header& header)
-{
-    std::string bytes(sizeof(header), '\0');
-    std::memcpy(bytes.data(), &header, sizeof(header));
-    return bytes;
-}
 } // namespace
 
 std::string SeenWindow::Description() const
@@ -102,32 +75,9 @@ std::vector<SeenWindow> WindowWatch::New() const
 
 void LeavePicture(const std::string& name)
 {
-    const int left = GetSystemMetrics(SM_XVIRTUALSCREEN);
-    const int top = GetSystemMetrics(SM_YVIRTUALSCREEN);
-    const int width = GetSystemMetrics(SM_CXVIRTUALSCREEN);
-    const int height = GetSystemMetrics(SM_CYVIRTUALSCREEN);
-    const UniqueScreen screen(GetDC(nullptr));
-    const UniqueMemoryDc memory(CreateCompatibleDC(screen.get()));
-    const UniqueBitmap bitmap(CreateCompatibleBitmap(screen.get(), width, height));
-    const HGDIOBJ bitmapBefore = SelectObject(memory.get(), bitmap.get());
-    BITMAPINFOHEADER info{};
-    info.biSize = sizeof(info);
-    info.biWidth = width;
-    info.biHeight = height;
-    info.biPlanes = 1;
-    info.biBitCount = 24;
-    // Each row of points ends at a multiple of four bytes.
-    std::string points((static_cast<std::size_t>(width) * 3 + 3) / 4 * 4 * static_cast<std::size_t>(height), '\0');
-    const BOOL copied = BitBlt(memory.get(), 0, 0, width, height, screen.get(), left, top, SRCCOPY);
-    // A bitmap is read while it is selected nowhere.
-    SelectObject(memory.get(), bitmapBefore);
-    if (copied == FALSE || GetDIBits(screen.get(), bitmap.get(), 0, static_cast<UINT>(height), points.data(),
-                                     reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS) == 0) {
+    const std::string picture = Screenshot();
+    if (picture.empty()) {
         throw std::runtime_error("the screen cannot be read");
     }
-    BITMAPFILEHEADER file{};
-    file.bfType = 0x4D42;
-    file.bfOffBits = sizeof(file) + sizeof(info);
-    file.bfSize = static_cast<DWORD>(file.bfOffBits + points.size());
-    WriteFileBytes(ResultFile(name + ".bmp"), BytesOf(file) + BytesOf(info) + points);
+    WriteFileBytes(ResultFile(name + ".bmp"), picture);
 }
