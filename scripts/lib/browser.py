@@ -65,6 +65,15 @@ class Page:
             raise BrowserError(f"{expression}: {answer['exceptionDetails']}")
         return answer["result"].get("value")
 
+    def wait_until(self, expression):
+        """Whether an expression of the page's language becomes true: what a page does in answer to an event comes later."""
+        end = time.monotonic() + LIMIT
+        while not self.run(expression):
+            if time.monotonic() > end:
+                return False
+            time.sleep(0.05)
+        return True
+
     def press(self, key, code=None, text="", modifiers=0):
         """Presses and releases a key, as a keyboard does."""
         codes = {"Tab": 9, "Enter": 13, " ": 32, "Backspace": 8}

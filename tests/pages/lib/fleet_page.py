@@ -118,7 +118,7 @@ def adapters_lead_to_their_way(page):
     page.open(fleet)
     tab_to(page, "e.matches('.devices a')")
     page.press("Enter", text="\r")
-    check(page.run("document.querySelector('.trail:target').open"), "the way stays closed")
+    check(page.wait_until("document.querySelector('.trail:target')?.open"), "the way stays closed")
     text = page.run("document.querySelector('.trail:target').innerText")
     for word in ("Served because", "Searched", "Driver", "Passed over"):
         check(word in text, text)
