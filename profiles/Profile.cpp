@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <stdexcept>
+#include <utility>
 
 #include "ProfileAnswers.h"
 #include "ProfileParser.h"
@@ -291,13 +292,28 @@ void Profile::IndexSections()
     }
 }
 
+/// The table grows with the names: most lines of a large section may be comments that all have the same one.
 void Profile::IndexLines(Lines& lines) const
 {
-    lines.slots = EmptySlots(lines.lines.size());
+    lines.slots = EmptySlots(0);
+    std::size_t names = 0;
     for (uint32_t line = 0; line < lines.lines.size(); ++line) {
-        if (CanBeAsked(lines, line)) {
-            uint32_t& slot = lines.slots[LineSlot(lines, TextOf(lines.lines[line].name))];
-            slot = std::min(slot, line);
+        if (!CanBeAsked(lines, line)) {
+            continue;
+        }
+        uint32_t& slot = lines.slots[LineSlot(lines, TextOf(lines.lines[line].name))];
+        if (slot != kNone) {
+            continue;
+        }
+        slot = line;
+        ++names;
+        if (names * 2 > lines.slots.size()) {
+            const std::vector<uint32_t> full = std::exchange(lines.slots, EmptySlots(names));
+            for (const uint32_t first : full) {
+                if (first != kNone) {
+                    lines.slots[LineSlot(lines, TextOf(lines.lines[first].name))] = first;
+                }
+            }
         }
     }
 }

@@ -123,9 +123,6 @@ template <class Text>
 void ProfileParser<Text>::ReadLines(const Profile::Section& section, Profile::Lines& lines)
 {
     m_afterNameless = false;
-    m_end = section.end;
-    m_lineFeedFrom = 1;
-    m_lineFeed = 0;
     m_hasNuls = Find({section.begin, section.end}, '\0') != section.end;
     for (std::size_t begin = section.begin; begin < section.end;) {
         const std::size_t end = LineEnd(begin);
@@ -146,6 +143,7 @@ std::vector<uint32_t> ProfileParser<Text>::FindLineStarts() const
     for (std::size_t begin = 0; begin < m_units.size(); begin = NextLine(LineEnd(begin))) {
         starts.push_back(m_text.OffsetOf(begin));
     }
+    starts.shrink_to_fit();
     return starts;
 }
 
@@ -201,12 +199,8 @@ std::optional<std::size_t> ProfileParser<Text>::LineStart(std::size_t unit) cons
 template <class Text>
 std::size_t ProfileParser<Text>::LineEnd(std::size_t unit) const
 {
-    // Lines may all end with a CR: the next LF is looked for once.
-    if (unit < m_lineFeedFrom || unit > m_lineFeed) {
-        m_lineFeedFrom = unit;
-        m_lineFeed = Find({unit, m_end}, '\n');
-    }
-    return Find({unit, m_lineFeed}, '\r');
+    const UnitsView rest = m_units.substr(unit);
+    return unit + static_cast<std::size_t>(std::ranges::find_if(rest, EndsLine<Unit>) - rest.begin());
 }
 
 template <class Text>

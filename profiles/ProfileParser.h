@@ -48,7 +48,7 @@ public:
     /// @param text      outlives the object
     /// @param appended  the profile's m_text, for lines that read differently in the code page; null for single bytes
     ProfileParser(const Profile& profile, const Text& text, std::string* appended)
-        : m_profile(profile), m_text(text), m_units(text.units), m_appended(appended), m_end(m_units.size())
+        : m_profile(profile), m_text(text), m_units(text.units), m_appended(appended)
     {
     }
 
@@ -89,9 +89,6 @@ private:
     const Text& m_text;
     UnitsView m_units;
     std::string* m_appended;
-    std::size_t m_end; ///< of what is read now
-    mutable std::size_t m_lineFeedFrom = 1;
-    mutable std::size_t m_lineFeed = 0; ///< the first one from m_lineFeedFrom on, or m_end
     std::string m_encoded;
     bool m_isReadAlike = true;
     bool m_hasNuls = true;        ///< in the section that is read
