@@ -1,6 +1,9 @@
 #include "KitFolder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -29,9 +32,16 @@ FileStamp StampOfFile(const std::filesystem::path& file)
 }
 
 /// Such a text is the same in every code page.
-bool IsAscii(const std::string& bytes)
+bool IsAscii(std::string_view bytes)
 {
-    return std::ranges::all_of(bytes, [](char c) { return c >= 0; });
+    // Eight at a time: of a large kit this reads every byte.
+    uint64_t all = 0;
+    std::size_t at = 0;
+    for (uint64_t word = 0; at + sizeof word <= bytes.size(); at += sizeof word) {
+        std::memcpy(&word, bytes.data() + at, sizeof word);
+        all |= word;
+    }
+    return (all & 0x8080808080808080U) == 0 && std::ranges::all_of(bytes.substr(at), [](char c) { return c >= 0; });
 }
 
 /// The entries that a folder listed when it was read.

@@ -35,7 +35,8 @@ enum class ProfileEncoding
 
 /// An INI or INF file, read as the platform's private-profile functions read it. Any number of threads may ask the
 /// object at the same time. The lines of a section are read when they are first asked for, because a search asks for
-/// few sections of a file; from then on a question about a single-byte file allocates nothing.
+/// few sections of a file, and indexed by name when they are asked for often. Apart from these two times a question
+/// about a single-byte file allocates nothing.
 class Profile
 {
 public:

@@ -78,6 +78,21 @@ TEST(KitFolder, AFileOfLettersBeyondAsciiIsReadInTheCodePageOfTheMachine)
     EXPECT_TRUE(western.MarkOf(R"(C:\Kit\a.inf)").utf16);
 }
 
+TEST(KitFolder, OneLetterBeyondAsciiWhereverItIsMakesTheCodePageCount)
+{
+    const TestFolder folder;
+    for (std::size_t before = 0; before < 16; ++before) {
+        const std::string file = std::string(before, 'k') + ".inf";
+        folder.Write(file, "[v]\r\n" + std::string(before, 'k') + "\xF7=1");
+        KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+        FolderKitSource western(kit, 1252);
+        FolderKitSource cyrillic(kit, 1251);
+        const std::string key = std::string(before, 'k') + "\xD7";
+        EXPECT_EQ("<default>", Value(western, "v", key.c_str(), R"(C:\Kit\)" + file)) << before;
+        EXPECT_EQ("1", Value(cyrillic, "v", key.c_str(), R"(C:\Kit\)" + file)) << before;
+    }
+}
+
 TEST(KitFolder, NamesAFolderOfTheMachineThatIsNotKnownHere)
 {
     const TestFolder folder;
