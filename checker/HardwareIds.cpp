@@ -30,14 +30,15 @@ bool HasHexDigits(std::string_view part, std::size_t name, std::size_t digits)
 /// @return a key name of a device of which the ID could be a shorter form.
 std::string KeyNameFor(std::string_view id)
 {
-    const std::string_view subSystem = PartOf(id, "&SUBSYS_");
-    const std::string_view revision = PartOf(id, "&REV_");
-    const std::string key = std::string(PartOf(id, "VEN_")) + std::string(PartOf(id, "&DEV_")) +
-                            std::string(subSystem.empty() ? "&SUBSYS_00000000" : subSystem) +
-                            std::string(revision.empty() ? "&REV_00" : revision);
-    const bool wellFormed = HasHexDigits(PartOf(key, "VEN_"), 4, 4) && HasHexDigits(PartOf(key, "&DEV_"), 5, 4) &&
-                            HasHexDigits(PartOf(key, "&SUBSYS_"), 8, 8) && HasHexDigits(PartOf(key, "&REV_"), 5, 2);
-    return wellFormed ? key : std::string();
+    const std::string_view vendor = PartOf(id, "VEN_");
+    const std::string_view device = PartOf(id, "&DEV_");
+    std::string_view subSystem = PartOf(id, "&SUBSYS_");
+    subSystem = subSystem.empty() ? "&SUBSYS_00000000" : subSystem;
+    std::string_view revision = PartOf(id, "&REV_");
+    revision = revision.empty() ? "&REV_00" : revision;
+    const bool wellFormed = HasHexDigits(vendor, 4, 4) && HasHexDigits(device, 5, 4) && HasHexDigits(subSystem, 8, 8) &&
+                            HasHexDigits(revision, 5, 2);
+    return wellFormed ? std::string(vendor).append(device).append(subSystem).append(revision) : std::string();
 }
 } // namespace
 

@@ -29,8 +29,9 @@ std::string_view WithoutSpacesAtEnd(std::string_view text)
 }
 
 constexpr std::size_t kHashSeed = 0xCBF29CE484222325U;
-/// A hash table costs about as much as this many searches of the section, and most sections are asked for few names.
-constexpr uint32_t kQuestionsWithoutIndex = 6;
+/// A hash table of a section costs about as much as passing its lines twice as often as this. Most sections are asked
+/// for few names, or for one of their first.
+constexpr uint64_t kPassesWithoutIndex = 16;
 constexpr std::size_t kHashFactor = 0x100000001B3U;
 } // namespace
 
@@ -253,13 +254,13 @@ Profile::Place Profile::FindLine(std::string_view section, std::string_view key)
     }
     const std::span<const Line> all = LinesOf(*found);
     Lines& lines = m_lines[*found];
-    if (lines.questions.fetch_add(1, std::memory_order_relaxed) < kQuestionsWithoutIndex) {
-        for (std::size_t line = 0; line < all.size(); ++line) {
-            if (CanBeAsked(lines, line) && SameName(TextOf(all[line].name), key)) {
-                return {.section = *found, .line = &all[line]};
-            }
+    if (lines.passed.load(std::memory_order_relaxed) < kPassesWithoutIndex * all.size()) {
+        std::size_t line = 0;
+        while (line < all.size() && !(CanBeAsked(lines, line) && SameName(TextOf(all[line].name), key))) {
+            ++line;
         }
-        return {};
+        lines.passed.fetch_add(line + 1, std::memory_order_relaxed);
+        return {.section = *found, .line = line == all.size() ? nullptr : &all[line]};
     }
     std::call_once(lines.indexed, [&] { IndexLines(lines); });
     const uint32_t line = lines.slots[LineSlot(lines, key)];

@@ -122,8 +122,8 @@ private:
     {
         std::once_flag read;
         std::vector<Line> lines;
-        std::vector<DecodedLine> decoded;    ///< as many, or none
-        std::atomic<uint32_t> questions = 0; ///< for a line by its name
+        std::vector<DecodedLine> decoded; ///< as many, or none
+        std::atomic<uint64_t> passed = 0; ///< lines that questions for a name went through
         std::once_flag indexed;
         std::vector<uint32_t> slots; ///< hash table of the first line of each name
     };

@@ -206,7 +206,7 @@ TEST(Profile, ManyNamesBeyondAsciiAndManyLinesThatEndWithACarriageReturnAreFound
                                                      {"\xEA\xE0\xE0\xE0", "-"}};
     for (const auto& [name, expected] : rows) {
         EXPECT_EQ(bySection.Value(name, "k"), expected);
-        for (int question = 0; question < 10; ++question) {
+        for (int question = 0; question < 40; ++question) {
             EXPECT_EQ(byKey.Value("A", name), expected);
         }
     }
