@@ -309,6 +309,16 @@ read_only_kit_is_planned() {
     cp -r -- kit readonly && chmod -R a-w readonly && ends_with 0 plan readonly PC7.reg && chmod -R u+w readonly
 }
 promise "a kit in a read-only folder is planned" read_only_kit_is_planned
+unreadable_inf_is_named() {
+    local -a restricted=()
+    # An administrator may read everything, unless that right is taken away.
+    ((EUID != 0)) || restricted=(setpriv --bounding-set '-dac_override,-dac_read_search')
+    cp -r -- kit denied && chmod 000 denied/Drv/Win8x64/ngea63x64.inf
+    status=0
+    run_limited 120 "${restricted[@]}" "$program" plan denied PC7.reg >out 2>err </dev/null || status=$?
+    [[ $status == 3 ]] && says 'denied/Drv/Win8x64/ngea63x64.inf: cannot be read \(Permission denied\), and counts as empty'
+}
+promise "an INF file that cannot be read is named with the cause, exit code 3" unreadable_inf_is_named
 unknown_folder_is_named() {
     cp -r -- kit far && sed -i 's/^InfDir=Drv.Win8x64/InfDir=E:\\Drivers/' far/Morvix.ini && mkdir -p drivers &&
         cp -- kit/Drv/Win8x64/*.inf drivers/ && ends_with 0 plan far PC7.reg && says "--map 'E:.=DIR'" &&
