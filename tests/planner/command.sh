@@ -122,6 +122,13 @@ wrong_usage_is_two() {
         ends_with 2 plan kit PC7.reg --output nowhere/file && says 'cannot be written \(No such file'
 }
 promise "wrong usage ends with 2 and one line that says what and how" wrong_usage_is_two
+empty_arguments_are_named() {
+    ends_with 2 plan '' && says 'an argument is empty' && ends_with 2 plan '' PC7.reg && says 'an argument is empty' &&
+        ends_with 2 '' && says 'an argument is empty' && ends_with 2 explain kit PC7.reg '' && says 'an argument is empty' &&
+        ends_with 2 plan --kit= && says '--kit= has no value' && ends_with 2 plan kit PC7.reg --output= && says '--output= has no value' &&
+        ends_with 2 plan kit PC7.reg --output '' && says 'an argument is empty' && ends_with 2 plan kit PC7.reg --map='D:\=' && says FOLDER=DIR
+}
+promise "an argument that is empty, or an option without its value, is named, exit code 2" empty_arguments_are_named
 driver_is_required() {
     ends_with 0 plan kit fleet && ends_with 1 plan kit fleet --require-driver && ends_with 0 plan kit PC7.reg --require-driver
 }
