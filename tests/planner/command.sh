@@ -138,6 +138,13 @@ diff_ends_with_one() {
         ends_with 1 diff kit less fleet && grep -q '^  lost ' out && ends_with 0 diff less kit fleet && grep -q '^  gained ' out
 }
 promise "diff ends with 1 when a machine would lose a driver" diff_ends_with_one
+diff_names_other_infs() {
+    cp -r -- kit moved && mv -- moved/Drv/Win8x64/ngea63x64.inf moved/Drv/Win8x64/other.inf &&
+        ends_with 0 diff kit moved PC7.reg && grep -q '^ *same version, other INF file; result value TAVG_PCIE_Install -> none$' out &&
+        grep -q ' 0 would lose a driver, 1 would change otherwise, ' out && ends_with 0 diff kit moved PC7.reg --json &&
+        follows morvix-diff-1.json out && [[ $(jq -c '[.machines[].devices[] | select(.otherInf) | .change, .new.result]' out) == '["same",null]' ]]
+}
+promise "diff says when another INF file of the same version takes over, with what it means for the result" diff_names_other_infs
 
 # --- outputs ---------------------------------------------------------------------------------------------------------
 json_follows_the_schema() {
