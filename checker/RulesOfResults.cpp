@@ -114,7 +114,8 @@ constexpr auto kResultRules = std::to_array<Rule>({
         .name = "a package for x64 without a catalog",
         .harm = "Windows Vista and later refuse the driver.",
         .cure = "Add the catalog, name it in CatalogFile of [Version], and sign it.",
-        .why = "64-bit Windows loads a driver only when a signed catalog holds its files.",
+        .why = "64-bit Windows loads a driver only when a signed catalog holds its files. Whether the catalog is "
+               "signed is not examined.",
         .bad = "[Version]\n"
                "Signature=\"$Windows NT$\"\n",
         .good = "[Version]\n"

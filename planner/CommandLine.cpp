@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -67,6 +68,20 @@ ProfileDialect DialectOf(const std::string& reader)
     return reader == "wine" ? ProfileDialect::Wine : ProfileDialect::Windows;
 }
 
+/// @return what is wrong with an argument that has no value, such as a script's variable leaves; empty when none has.
+std::string EmptyArgumentProblem(std::span<const char* const> arguments)
+{
+    for (const std::string_view argument : arguments) {
+        if (argument.empty()) {
+            return "an argument is empty";
+        }
+        if (argument.starts_with("--") && argument.find('=') == argument.size() - 1) {
+            return std::string(argument) + " has no value";
+        }
+    }
+    return {};
+}
+
 /// The option table. A command's members are filled while the arguments are parsed.
 class Arguments
 {
@@ -89,6 +104,10 @@ public:
 
     Request Parse(int argc, const char* const* argv)
     {
+        const std::span arguments(argv, static_cast<std::size_t>(argc));
+        if (const std::string problem = EmptyArgumentProblem(arguments); !problem.empty()) {
+            return PrintedAnswer{.text = problem + "; see morvix-kit --help", .code = ExitCode::Usage};
+        }
         if (argc > 1 && *argv[1] != '-' && !IsCommand(argv[1])) {
             return PrintedAnswer{.text = std::string(argv[1]) + " is no command; see morvix-kit --help",
                                  .code = ExitCode::Usage};

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "DriverVersion.h"
+#include "EqualsIgnoringCase.h"
 #include "JsonWriter.h"
 #include "PlanJson.h"
 #include "Printable.h"
@@ -49,10 +50,24 @@ Colour ColourOf(DriverChange change)
     return Colour::None;
 }
 
-std::optional<Match> MatchOf(const MachinePlan& plan, const std::string& key)
+/// @return the search for a device; null when the plan does not reach it.
+const SearchOutcome* SearchOf(const MachinePlan& plan, const std::string& key)
 {
     const auto device = std::ranges::find(plan.devices, key, &DevicePlan::key);
-    return device == plan.devices.end() ? std::nullopt : device->search->match;
+    return device == plan.devices.end() ? nullptr : device->search.get();
+}
+
+void TakeSide(const SearchOutcome* search, std::optional<Match>& match, std::optional<std::string>& result)
+{
+    if (search != nullptr) {
+        match = search->match;
+        result = search->report ? std::optional(search->report->value) : std::nullopt;
+    }
+}
+
+std::string_view FileNameOf(const Match& match)
+{
+    return std::string_view(match.inf).substr(match.inf.rfind('\\') + 1);
 }
 
 DriverChange ChangeBetween(const std::optional<Match>& before, const std::optional<Match>& after)
@@ -77,7 +92,20 @@ std::string DriverText(const std::optional<Match>& match, const MachinePaths& pa
     return match ? Printable(paths.NameOf(match->inf)) + " " + Printable(match->driverVersion) : "no driver";
 }
 
-void WriteMatch(JsonWriter& json, std::string_view key, const std::optional<Match>& match, const MachinePaths& paths)
+/// What else is different about a driver that both kits have; empty when nothing is.
+std::string NoteOf(const DeviceDiff& device)
+{
+    const bool isSameVersion = device.change == DriverChange::Same;
+    std::string note = isSameVersion && device.IsOtherInf() ? "same version, other INF file" : "";
+    if (device.IsOtherResult()) {
+        note += std::string(note.empty() ? "" : "; ") + "result value " + device.resultBefore.value_or("none") +
+                " -> " + device.resultAfter.value_or("none");
+    }
+    return note;
+}
+
+void WriteDriver(JsonWriter& json, std::string_view key, const std::optional<Match>& match,
+                 const std::optional<std::string>& result, const MachinePaths& paths)
 {
     json.Key(key);
     if (!match) {
@@ -90,9 +118,25 @@ void WriteMatch(JsonWriter& json, std::string_view key, const std::optional<Matc
     json.Key("pass").Number(static_cast<uint64_t>(match->pass));
     json.Key("modelSection").Text(match->modelSection);
     json.Key("driverVer").Text(match->driverVersion);
+    json.Key("result").TextOrNull(result);
     json.EndObject();
 }
 } // namespace
+
+bool DeviceDiff::IsOtherInf() const
+{
+    return before && after && !EqualsIgnoringCase(FileNameOf(*before), FileNameOf(*after));
+}
+
+bool DeviceDiff::IsOtherResult() const
+{
+    return before && after && resultBefore != resultAfter;
+}
+
+bool DeviceDiff::IsAlike() const
+{
+    return change == DriverChange::NoDriver || (change == DriverChange::Same && !IsOtherInf() && !IsOtherResult());
+}
 
 bool MachineDiff::Has(DriverChange change) const
 {
@@ -101,9 +145,7 @@ bool MachineDiff::Has(DriverChange change) const
 
 bool MachineDiff::Changes() const
 {
-    return before != after || std::ranges::any_of(devices, [](const DeviceDiff& device) {
-               return device.change != DriverChange::Same && device.change != DriverChange::NoDriver;
-           });
+    return before != after || std::ranges::any_of(devices, [](const DeviceDiff& device) { return !device.IsAlike(); });
 }
 
 bool MachineDiff::IsUnknown() const
@@ -127,8 +169,8 @@ MachineDiff DiffOf(const MachinePlan& before, const MachinePlan& after)
     for (const DevicePlan& device : longer.devices) {
         DeviceDiff& change = diff.devices.emplace_back();
         change.key = device.key;
-        change.before = MatchOf(before, device.key);
-        change.after = MatchOf(after, device.key);
+        TakeSide(SearchOf(before, device.key), change.before, change.resultBefore);
+        TakeSide(SearchOf(after, device.key), change.after, change.resultAfter);
         change.change = ChangeBetween(change.before, change.after);
     }
     return diff;
@@ -157,14 +199,17 @@ std::string DiffText(const MachineDiff& diff, const MachinePaths& oldPaths, cons
         out += "  outcome " + std::string(NameOf(diff.before)) + " -> " + std::string(NameOf(diff.after)) + "\n";
     }
     for (const DeviceDiff& device : diff.devices) {
-        if (device.change == DriverChange::Same || device.change == DriverChange::NoDriver) {
+        if (device.IsAlike()) {
             continue;
         }
+        const std::string indent(2 + kChangeColumns, ' ');
         std::string label(NameOf(device.change));
         label.resize(kChangeColumns, ' ');
-        out += "  " + style.Paint(ColourOf(device.change), label) + Printable(device.key) + "\n" +
-               std::string(2 + kChangeColumns, ' ') + DriverText(device.before, oldPaths) + " -> " +
-               DriverText(device.after, newPaths) + "\n";
+        out += "  " + style.Paint(ColourOf(device.change), label) + Printable(device.key) + "\n" + indent +
+               DriverText(device.before, oldPaths) + " -> " + DriverText(device.after, newPaths) + "\n";
+        if (const std::string note = NoteOf(device); !note.empty()) {
+            out += indent + note + "\n";
+        }
     }
     return out;
 }
@@ -205,8 +250,10 @@ std::string DiffJsonMachine(const MachineDiff& diff, const MachinePaths& oldPath
         json.BeginObject();
         json.Key("key").Text(device.key);
         json.Key("change").Text(NameOf(device.change));
-        WriteMatch(json, "old", device.before, oldPaths);
-        WriteMatch(json, "new", device.after, newPaths);
+        WriteDriver(json, "old", device.before, device.resultBefore, oldPaths);
+        WriteDriver(json, "new", device.after, device.resultAfter, newPaths);
+        json.Key("otherInf").Truth(device.IsOtherInf());
+        json.Key("otherResult").Truth(device.IsOtherResult());
         json.EndObject();
     }
     json.EndArray();

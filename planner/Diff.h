@@ -28,6 +28,17 @@ struct DeviceDiff
     DriverChange change = DriverChange::Same;
     std::optional<Match> before;
     std::optional<Match> after;
+    /// The value that an installation writes; none without a driver, and for an INF file of no driver family.
+    std::optional<std::string> resultBefore{};
+    std::optional<std::string> resultAfter{};
+
+    /// @return true when both kits have a driver, from INF files of different names. A package may move to another
+    /// folder.
+    [[nodiscard]] bool IsOtherInf() const;
+    /// @return true when both kits have a driver, and an installation writes different values.
+    [[nodiscard]] bool IsOtherResult() const;
+    /// @return true when the machine gets the same driver as before, by INF file, version and result value, or none.
+    [[nodiscard]] bool IsAlike() const;
 };
 
 struct MachineDiff

@@ -12,11 +12,13 @@
 
 #ifndef _WIN32
 #include <condition_variable>
+#include <system_error>
 #include <thread>
 #endif
 
 /// Does the same work for many inputs on all processors and takes the answers in the order of the inputs. At most a few
-/// answers wait to be taken, however many inputs there are.
+/// answers wait to be taken, however many inputs there are. Where the system has no more threads to give, those that it
+/// gave do the work, or this one alone.
 /// @param work  Called with the number of an input, by any thread, several at a time.
 /// @param take  Called with each answer, by this thread.
 /// What `work` throws is thrown here.
@@ -26,15 +28,23 @@ void DoInOrder(std::size_t count, const std::function<Answer(std::size_t)>& work
 
 namespace ordered_work {
 #ifndef _WIN32
+/// Runs a function on a new thread. Throws std::system_error when there is none.
+using StartThread = std::function<std::jthread(const std::function<void()>&)>;
+
 template <class Answer>
 class Crew
 {
 public:
-    Crew(std::size_t count, std::size_t workers, const std::function<Answer(std::size_t)>& work)
+    Crew(std::size_t count, std::size_t workers, const std::function<Answer(std::size_t)>& work,
+         const StartThread& start)
         : m_count(count), m_waiting(workers * kWaitingPerWorker), m_work(work)
     {
-        for (std::size_t worker = 0; worker < workers; ++worker) {
-            m_threads.emplace_back([this] { Work(); });
+        try {
+            for (std::size_t worker = 0; worker < workers; ++worker) {
+                m_threads.push_back(start([this] { Work(); }));
+            }
+        } catch (const std::system_error&) {
+            // Those that were started do it all.
         }
     }
     ~Crew()
@@ -50,6 +60,9 @@ public:
 
     Answer TakeNext()
     {
+        if (m_threads.empty()) {
+            return m_work(m_taken++);
+        }
         std::unique_lock lock(m_lock);
         std::optional<Answer>& slot = m_waiting[m_taken % m_waiting.size()];
         m_changed.wait(lock, [&] { return slot.has_value() || m_failure != nullptr; });
@@ -104,6 +117,16 @@ private:
     const std::function<Answer(std::size_t)>& m_work;
     std::vector<std::jthread> m_threads; // the last member: they end before the others go
 };
+
+template <class Answer>
+void DoOnThreads(std::size_t count, std::size_t workers, const std::function<Answer(std::size_t)>& work,
+                 const std::function<void(Answer&&)>& take, const StartThread& start)
+{
+    Crew<Answer> crew(count, workers, work, start);
+    for (std::size_t input = 0; input < count; ++input) {
+        take(crew.TakeNext());
+    }
+}
 #endif
 } // namespace ordered_work
 
@@ -114,10 +137,8 @@ void DoInOrder(std::size_t count, const std::function<Answer(std::size_t)>& work
 #ifndef _WIN32
     const std::size_t workers = std::min<std::size_t>(count, std::max(1U, std::thread::hardware_concurrency()));
     if (workers > 1) {
-        ordered_work::Crew<Answer> crew(count, workers, work);
-        for (std::size_t input = 0; input < count; ++input) {
-            take(crew.TakeNext());
-        }
+        ordered_work::DoOnThreads<Answer>(count, workers, work, take,
+                                          [](const std::function<void()>& run) { return std::jthread(run); });
         return;
     }
 #endif

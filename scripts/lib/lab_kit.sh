@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Test-signed kits for a lab: the sample kit, for another card if need be, with a catalog for each INF file. Sourced after
-# common.sh, msi.sh and signing.sh.
+# Test-signed kits for a lab: the sample kit, for another card if need be, with its catalogs signed. Sourced after common.sh,
+# msi.sh and signing.sh.
 # shellcheck disable=SC2034,SC2154
 
 # The vendor whose adapters the program serves.
@@ -49,36 +49,20 @@ make_lab_certificate() {
     ) >"$release_log" 2>&1 || fail "cannot make a certificate (see $release_log)"
 }
 
-# program_hash FILE: the hash by which a catalog lists a program or driver, as the signing tool reckons it. It does so for
-# signed files only.
-program_hash() {
-    local signed=$1.hashed hash
-    cp -- "$1" "$signed"
-    sign "$signed"
-    hash=$(run_limited 60 osslsigncode verify -in "$signed" 2>&1 | sed -n 's/^Calculated message digest *: *\([0-9A-F]*\).*/\1/p') || true
-    rm -f -- "$signed"
-    [[ -n $hash ]] || fail "${1##*/} has no hash for a catalog"
-    printf '%s' "$hash"
-}
-
-# sign_package INF: names a catalog in an INF file of the sample kit and makes it, signed, for the file and its driver.
-sign_package() {
-    local inf=$1 catalog=${1%.inf}.cat driver hash
-    # The comment about the missing catalog goes.
-    sed -i -e '/^\[Version\]/,/^\[/{/^;/d}' -e "s/^Provider = .*/&\nCatalogFile = ${catalog##*/}\r/" "$inf"
-    driver=${inf%/*}/$(sed -n 's/^ServiceBinary = %12%\\\([a-z0-9.]*\).*/\1/p' "$inf")
-    [[ -f $driver ]] || fail "${inf##*/} has no driver"
-    hash=$(program_hash "$driver") || exit
-    run_limited 60 python3 "$repo/scripts/lib/catalog.py" "$catalog" "$inf" "$driver=$hash" >"$release_log" 2>&1 ||
-        fail "cannot make ${catalog##*/} (see $release_log)"
-    sign "$catalog"
+# sign_catalogs FOLDER: makes the catalogs of the INF files below the folder for the files as they are now, and signs them.
+sign_catalogs() {
+    local catalog
+    make_catalogs "$1" >"$release_log" 2>&1 || fail "cannot make the catalogs (see $release_log)"
+    while IFS= read -r -d '' catalog; do
+        sign "$catalog"
+    done < <(find "$1" -name '*.cat' -print0 | LC_ALL=C sort -z)
 }
 
 # make_lab_kit KIT TARGET: the kit, a copy of the shippable folder, as TARGET/kit with signed catalogs, and TARGET/lab.cer,
 # the certificate that its machines must trust. The key is gone then: nothing else can be signed for those machines. When
 # read_card_ids has read a card, the kit is for it.
 make_lab_kit() {
-    local new=$2.new inf
+    local new=$2.new
     release_log=$build_dir/lab-kit.log
     rm -rf -- "$new"
     mkdir -p -- "$new/kit"
@@ -87,9 +71,7 @@ make_lab_kit() {
     [[ -z ${card_device:-} ]] || set_card "$new/kit/Drv"
     make_lab_certificate "$new"
     sign_pkcs12=$new/lab.p12 sign_stamp=none
-    while IFS= read -r -d '' inf; do
-        sign_package "$inf"
-    done < <(find "$new/kit/Drv" -name '*.inf' -print0 | LC_ALL=C sort -z)
+    sign_catalogs "$new/kit/Drv"
     require_signed_kit "$new/kit"
     openssl x509 -in "$new/lab.pem" -outform DER -out "$new/lab.cer" || fail "cannot write the certificate"
     rm -f -- "$new/lab.p12" "$new/lab.pem"

@@ -39,6 +39,13 @@ collect_built() {
         cmake --install "$1" --component "$2" --prefix "$3" "${@:4}"
 }
 
+# make_catalogs FOLDER: the catalog that each INF file below the folder names, unsigned.
+make_catalogs() { run_limited 60 find "$1" -iname '*.inf' -exec python3 "$repo/scripts/lib/kit_catalogs.py" make {} +; }
+
+# collect_shippable BUILT FOLDER: the shippable folder of what was built in the build folder BUILT, with the catalogs of the
+# sample kit. They list the drivers as they are shipped, without debug information.
+collect_shippable() { collect_built "$1" dist "$2" --strip && make_catalogs "$2/Drv"; }
+
 # named_guid NAME: an identifier made of the upgrade code and a name, the same one each time (a version 5 UUID).
 named_guid() {
     local hash

@@ -70,7 +70,7 @@ make_release() {
     rm -rf -- "$new" "$parts"
     mkdir -p -- "$new" "$parts/symbols"
     {
-        collect_built "$built" dist "$parts/kit" --strip && collect_built "$built" package "$parts/actions" --strip &&
+        collect_shippable "$built" "$parts/kit" && collect_built "$built" package "$parts/actions" --strip &&
             collect_built "$built" dist "$parts/unstripped" && collect_built "$built" package "$parts/unstripped"
     } >"$release_log" 2>&1 || fail "the files of the release cannot be collected (see $release_log)"
     put_kit "$parts/kit"

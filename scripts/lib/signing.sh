@@ -84,7 +84,7 @@ stamp() {
 require_signed_kit() {
     local missing
     if signs && [[ -z $sign_unsigned_kit ]]; then
-        missing=$(run_limited 60 python3 "$repo/scripts/lib/kit_catalogs.py" "$1" 2>&1) ||
+        missing=$(run_limited 60 python3 "$repo/scripts/lib/kit_catalogs.py" check "$1" 2>&1) ||
             fail "the kit is not signed; sign it first (docs/SIGNING.md), or give --unsigned-kit:
 $missing"
     fi

@@ -102,6 +102,12 @@ END
 
 notices_travel() { cmp -- "$repo/packaging/THIRD-PARTY-NOTICES.txt" "$work/kit/THIRD-PARTY-NOTICES.txt"; }
 
+# What another program says of the hashes, tests/package/lab_kit.sh looks at.
+catalogs_list_what_is_shipped() {
+    cp -a -- "$work/kit/Drv" "$work/catalogs" && find "$work/catalogs" -name '*.cat' -delete -printf . >"$work/found" &&
+        make_catalogs "$work/catalogs" && same_files "$work/kit/Drv" "$work/catalogs" && [[ $(stat -c %s "$work/found") == 20 ]]
+}
+
 fill_publisher() {
     sed 's|^contact=.*|contact=Help desk|; s|^support_url=.*|support_url=https://www.test/help|
         s|^product_url=.*|product_url=https://www.test/morvix|; s|^download_url=.*|download_url=https://www.test/get|
@@ -151,6 +157,7 @@ for pair in MorvixRes:MorvixRes.dll kit_ngea62x64:Drv/Win7x64/ngea62x64.sys; do
 done
 promise "the notices hold the licences of what is linked" notices_are_complete
 promise "the notices are shipped with the programs" notices_travel
+promise "each catalog of the sample kit lists the INF file and the driver that are shipped" catalogs_list_what_is_shipped
 
 promise "without a publisher's addresses there are no manifests" test ! -e "$work/release/winget" -a ! -e "$work/release/chocolatey"
 promise "what is missing for them is named" \

@@ -71,14 +71,11 @@ END
     stamper=$(<"$work/tsa/address")
 }
 
-# catalogued_kit FOLDER: a copy of the kit of one system in which each INF file names a signed catalog.
-catalogued_kit() {
-    local inf
+# signed_kit FOLDER: a copy of the kit of one system with its catalogs signed.
+signed_kit() {
     mkdir -p -- "$1/Drv"
     cp -a -- "$dist/Drv/Win7x64" "$1/Drv/"
-    for inf in "$1"/Drv/Win7x64/*.inf; do
-        sign_package "$inf"
-    done
+    sign_catalogs "$1/Drv"
 }
 
 # The catalogs that the tests make are ones that another program accepts.
@@ -179,7 +176,7 @@ make_pkcs12
 make_token
 start_stamper
 sign_with file none
-catalogued_kit "$work/kit"
+signed_kit "$work/kit"
 promise "the catalogs of this test are sound" catalogs_are_sound "$work/kit"
 
 # An unsigned release, with the sample kit.
@@ -189,13 +186,14 @@ promise "a release without a key is not signed" is_not_signed "$work/unsigned/$n
 promise "a release without a key has no signature of its sums" test ! -e "$work/unsigned/SHA256SUMS.p7s"
 
 sign_with file none
-promise "a kit whose INF files have catalogs is called signed" require_signed_kit "$work/kit"
+promise "a kit whose INF files have signed catalogs is called signed" require_signed_kit "$work/kit"
 promise "the sample kit is not called signed" \
-    finds_in_kit 'qdatdma.inf: names no catalog' cp -- "$dist/Drv/Win7x64/qdatdma.inf" .
+    finds_in_kit 'qdatdma.inf: its catalog qdatdma.cat is not signed' cp -- "$dist/Drv/Win7x64/qdatdma.cat" .
+promise "an INF file that names no catalog is found" finds_in_kit 'qdatdma.inf: names no catalog' sed -i /^CatalogFile/d qdatdma.inf
 promise "a kit without INF files is not called signed" finds_in_kit 'no INF file is there' find . -name '*.inf' -delete
 promise "a catalog that is not there is missed" finds_in_kit 'ngea62x64.cat is not there' rm ngea62x64.cat
 promise "a catalog that nobody has signed is found" \
-    finds_in_kit 'ngea62x64.cat is not signed' python3 "$repo/scripts/lib/catalog.py" ngea62x64.cat ngea62x64.inf
+    finds_in_kit 'ngea62x64.cat is not signed' python3 "$repo/scripts/lib/kit_catalogs.py" make ngea62x64.inf
 promise "a file that is no catalog is found" finds_in_kit 'ngea62x64.cat is no catalog' cp -- "$work/Throw-away.pem" ngea62x64.cat
 promise "an INF file that was changed after its catalog was made is found" \
     finds_in_kit 'ngea62x64.cat does not list ngea62x64.inf as it is' sed -i 's/Norda/Other/' ngea62x64.inf

@@ -156,8 +156,8 @@ make_repositories() {
     git_quietly publisher init && git_quietly publisher add . && git_quietly publisher commit -m hook && git_quietly publisher tag v1.0.0
     cp -r -- "$repo/kit" author/kit
     sed "s|https://example.com/morvix|$work/publisher|" "$configuration" >author/.pre-commit-config.yaml
-    # The kit's drivers are built elsewhere: that they are there is enough.
-    find author/kit/Drv -name '*.inf' -execdir sh -c 'for inf; do printf x >"$(sed -n "s/^ServiceBinary = %12%.\([a-z0-9.]*\).*/\1/p" "$inf")"; done' _ {} +
+    # The kit's drivers and catalogs are made elsewhere: that they are there is enough.
+    find author/kit/Drv -name '*.inf' -execdir sh -c 'for inf; do sed -nE "s/^(ServiceBinary = %12%.|CatalogFile = )([a-z0-9.]*).*/\2/p" "$inf" | while read -r file; do printf x >"$file"; done; done' _ {} +
     git_quietly author init && git_quietly author add .
 }
 # hook_says TEXT: one run of the hook does.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <set>
 
@@ -118,25 +119,27 @@ Claim ClaimOf(const std::string& what)
     return {.id = what.substr(0, what.find(' ')), .other = what.substr(what.rfind(' ') + 1)};
 }
 
-bool IsOrderRule(const Finding& finding)
+/// Calls `look` with random kits, one after the other, with the findings about their order and who wins in them.
+void ForEachKit(const std::function<void(const RandomKit&, const std::vector<Finding>&, Winners&)>& look)
 {
-    return finding.rule >= 401 && finding.rule <= 403;
+    for (unsigned seed = 0; seed < kKits; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const RandomKit kit(seed);
+        const TestFolder folder;
+        WriteKit(folder, kit.Files());
+        std::vector<Finding> findings = FindingsIn(folder, {"Win832E"}, Readers::Windows).findings;
+        std::erase_if(findings, [](const Finding& finding) { return finding.rule < 401 || finding.rule > 403; });
+        Winners winners(folder);
+        look(kit, findings, winners);
+    }
 }
 } // namespace
 
 TEST(OrderFindings, NameTheWinnerThatAPlanTakes)
 {
     int claims = 0;
-    for (unsigned seed = 0; seed < kKits; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        const RandomKit kit(seed);
-        const TestFolder folder;
-        WriteKit(folder, kit.Files());
-        Winners winners(folder);
-        for (const Finding& finding : FindingsIn(folder, {"Win832E"}, Readers::Windows).findings) {
-            if (!IsOrderRule(finding)) {
-                continue;
-            }
+    ForEachKit([&](const RandomKit& kit, const std::vector<Finding>& findings, Winners& winners) {
+        for (const Finding& finding : findings) {
             const Claim claim = ClaimOf(finding.what);
             const std::vector<std::string> devices = DevicesOf(claim.id);
             ++claims;
@@ -156,22 +159,17 @@ TEST(OrderFindings, NameTheWinnerThatAPlanTakes)
                           Compare(kit.Versions().at(finding.file), kit.Versions().at(claim.other)));
             }
         }
-    }
+    });
     EXPECT_LT(kKits, claims);
 }
 
 TEST(OrderFindings, TellOfEachIdForWhichAnOlderFileOfTwoWins)
 {
     int lost = 0;
-    for (unsigned seed = 0; seed < kKits; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        const RandomKit kit(seed);
-        const TestFolder folder;
-        WriteKit(folder, kit.Files());
-        Winners winners(folder);
+    ForEachKit([&](const RandomKit& kit, const std::vector<Finding>& findings, Winners& winners) {
         std::set<std::pair<std::string, std::string>> found;
-        for (const Finding& finding : FindingsIn(folder, {"Win832E"}, Readers::Windows).findings) {
-            if (finding.rule == 401 || finding.rule == 402) {
+        for (const Finding& finding : findings) {
+            if (finding.rule != 403) {
                 found.emplace(finding.file, ClaimOf(finding.what).other);
             }
         }
@@ -191,6 +189,6 @@ TEST(OrderFindings, TellOfEachIdForWhichAnOlderFileOfTwoWins)
                 EXPECT_TRUE(found.contains({winner, name})) << device << ": " << winner << " before " << name;
             }
         }
-    }
+    });
     EXPECT_LT(kKits / 4, lost);
 }

@@ -114,6 +114,49 @@ TEST_F(DiffTest, WhatStaysIsNotPrinted)
     EXPECT_EQ("", Text(Diff(MachineWithCards({kCard, kOtherCard}))));
 }
 
+TEST_F(DiffTest, AnotherInfFileOfTheSameVersionIsSaidWithTheResultThatChanges)
+{
+    m_old.Write("Drv/ngea.inf", Inf({.ids = {kCard, kOtherCard}}));
+    m_new.Write("Drv/other.inf", Inf({.ids = {kCard}}));
+    m_new.Write("Drv/NGEB.inf", Inf({.ids = {kOtherCard}}));
+    const MachineDiff diff = Diff(MachineWithCards({kCard, kOtherCard}));
+    EXPECT_EQ(
+        "PC7  PC7.reg  Win832E\n"
+        "  same     VEN_5D1A&DEV_1A2B&SUBSYS_00015D1A&REV_01\n"
+        "           Drv/ngea.inf 10/01/2012,1.2.3.4 -> Drv/other.inf 10/01/2012,1.2.3.4\n"
+        "           same version, other INF file; result value TAVG_PCIE_Install -> none\n"
+        "  same     VEN_5D1A&DEV_1B3C&SUBSYS_00015D1A&REV_02\n"
+        "           Drv/ngea.inf 10/01/2012,1.2.3.4 -> Drv/NGEB.inf 10/01/2012,1.2.3.4\n"
+        "           same version, other INF file\n",
+        Text(diff));
+    EXPECT_TRUE(diff.Changes());
+    EXPECT_FALSE(diff.Has(DriverChange::Lost));
+    const std::string json = DiffJsonMachine(diff, m_oldKit.Paths(), m_newKit.Paths());
+    EXPECT_EQ(R"("same")", MemberOf(json, "/devices/0/change"));
+    EXPECT_EQ(R"("TAVG_PCIE_Install")", MemberOf(json, "/devices/0/old/result"));
+    EXPECT_EQ("null", MemberOf(json, "/devices/0/new/result"));
+    EXPECT_EQ("true", MemberOf(json, "/devices/0/otherInf"));
+    EXPECT_EQ("true", MemberOf(json, "/devices/0/otherResult"));
+    EXPECT_EQ("true", MemberOf(json, "/devices/1/otherInf"));
+    EXPECT_EQ("false", MemberOf(json, "/devices/1/otherResult"));
+}
+
+TEST_F(DiffTest, TheResultOfANewerDriverIsSaidWhenItChanges)
+{
+    m_old.Write("Drv/ngea.inf", Inf({.ids = {kCard}}));
+    m_new.Write("Drv/nf6a.inf", Inf({.driverVersion = "10/01/2012,1.3", .ids = {kCard}}));
+    EXPECT_THAT(Text(Diff()), HasSubstr("  newer "));
+    EXPECT_THAT(Text(Diff()), HasSubstr("\n           result value TAVG_PCIE_Install -> "));
+}
+
+TEST_F(DiffTest, APackageInAnotherFolderStaysTheSame)
+{
+    m_old.Write("Drv/ngea.inf", Inf({.ids = {kCard}}));
+    m_new.Write("Morvix.ini", "[Win832E]\r\nInfSectionName=Norda.NTamd64\r\nInfDir=New\r\n");
+    m_new.Write("New/NGEA.INF", Inf({.ids = {kCard}}));
+    EXPECT_EQ("", Text(Diff()));
+}
+
 TEST_F(DiffTest, ARunThatNowEndsWithAFaultLosesTheDriversAfterIt)
 {
     const std::string broken = "VEN_5D1A&DEV_1A2A&SUBSYS_00015D1A";

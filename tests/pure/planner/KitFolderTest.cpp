@@ -66,6 +66,32 @@ TEST(KitFolder, ReadsEachFileOnceAndSaysSoWhenTheFolderVanishes)
     EXPECT_EQ(Severity::Error, kit.Remarks().front().severity);
 }
 
+TEST(KitFolder, AFileThatCannotBeReadIsNamedWithTheCause)
+{
+    const TestFolder folder;
+    folder.Write("gone.inf", "[Version]\r\nSignature=x\r\n");
+    std::filesystem::create_symlink("loop.inf", folder.Path() / "loop.inf");
+    // This file opens, and has nothing where a reader begins.
+    std::filesystem::create_symlink("/proc/self/mem", folder.Path() / "memory.inf");
+    KitFolder kit(PlaceOf(folder), ProfileDialect::Windows);
+    FolderKitSource source(kit, 1252);
+    EXPECT_EQ("gone.inf loop.inf memory.inf ", Listed(source, "C:\\Kit\\"));
+    std::filesystem::remove(folder.Path() / "gone.inf");
+    for (const char* const name : {"gone.inf", "loop.inf", "memory.inf"}) {
+        EXPECT_EQ("<default>", Value(source, "Version", "Signature", std::string("C:\\Kit\\") + name));
+    }
+    const std::vector<Diagnostic> remarks = kit.Remarks();
+    ASSERT_EQ(3U, remarks.size());
+    const std::array causes{std::errc::no_such_file_or_directory, std::errc::too_many_symbolic_link_levels,
+                            std::errc::io_error};
+    for (std::size_t at = 0; at < causes.size(); ++at) {
+        EXPECT_EQ(Severity::Error, remarks[at].severity);
+        EXPECT_EQ("cannot be read (" + std::make_error_code(causes.at(at)).message() + "), and counts as empty",
+                  remarks[at].what);
+    }
+    EXPECT_EQ((folder.Path() / "gone.inf").string(), remarks[0].source);
+}
+
 TEST(KitFolder, AFileOfLettersBeyondAsciiIsReadInTheCodePageOfTheMachine)
 {
     const TestFolder folder;

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <set>
 #include <stdexcept>
 
 TEST(OrderedWork, AnswersComeInTheOrderOfTheInputsAndFewWait)
@@ -44,4 +46,34 @@ TEST(OrderedWork, WhatOneWorkerThrowsEndsTheWork)
         return 0;
     };
     EXPECT_THROW(DoInOrder<int>(1000, work, [](int&&) {}), std::runtime_error);
+}
+
+TEST(OrderedWork, ThreadsThatCannotBeStartedAreDoneWithout)
+{
+    constexpr std::size_t kInputs = 500;
+    for (const std::size_t given : {0U, 1U, 3U}) {
+        std::size_t started = 0;
+        const auto start = [&](const std::function<void()>& run) {
+            if (started == given) {
+                throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+            }
+            ++started;
+            return std::jthread(run);
+        };
+        std::mutex lock;
+        std::set<std::thread::id> workers;
+        std::vector<std::size_t> answers;
+        ordered_work::DoOnThreads<std::size_t>(
+            kInputs, 4,
+            [&](std::size_t input) {
+                const std::lock_guard guard(lock);
+                workers.insert(std::this_thread::get_id());
+                return input;
+            },
+            [&](std::size_t&& answer) { answers.push_back(answer); }, start);
+        ASSERT_EQ(kInputs, answers.size()) << given;
+        EXPECT_TRUE(std::ranges::is_sorted(answers));
+        EXPECT_EQ(given == 0, workers.contains(std::this_thread::get_id()));
+        EXPECT_LE(workers.size(), std::max<std::size_t>(given, 1));
+    }
 }
