@@ -5,6 +5,8 @@
 set -euo pipefail
 # shellcheck source=../package/lib/package.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/package.sh"
+# shellcheck source=../package/lib/imports.sh
+source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/imports.sh"
 # shellcheck source=../package/lib/release.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/release.sh"
 # shellcheck source=../../scripts/lib/proof.sh
@@ -82,6 +84,15 @@ only_programs_for_real_machines() {
             return 1
         fi
     done <"$build_dir/windows/tests/machine_uses.tsv"
+}
+
+# The shipped files have a test of their own.
+start_on_the_oldest_system() {
+    local -a files
+    mapfile -d '' files < <(find "$bundle" -path "$bundle/dist" -prune -o \( -name '*.exe' -o -name '*.dll' \) -print0)
+    ((${#files[@]} > 10)) || return 1
+    diff <(imported "${files[@]}" | LC_ALL=C comm -23 - <(listed "$repo/tests/e2e/imports.txt" "$repo/tests/real/imports.txt")) \
+        <(listed "$repo/tests/proof/imports.txt")
 }
 
 as_standard_user() {
@@ -163,6 +174,7 @@ try_refusals() {
     promise "the bundle holds two versions of the package" holds_two_versions
     promise "every program of a step is in the bundle" steps_are_complete
     promise "no program of the bundle refuses every real machine" only_programs_for_real_machines
+    promise "the programs of the bundle import what the oldest system has" start_on_the_oldest_system
     proof
     promise "without /disposable nothing starts, and it says why" refuses 2 'thrown away, or put back to a snapshot'
     proof /disposible
