@@ -7,7 +7,7 @@ proof-report --check FOLDER [REPORT.zip]
                                       the steps of the report, what they say of Wine
 
 A report is what proof.cmd has made on a machine. A step with one suite has a row for each of its tests, any other step
-has one row. The page is printed, and the end is 1, also when a row is neither proved nor "not here".
+has one row. When a row is neither proved nor "not here", the page is printed, and proof-report ends with 1.
 """
 import codecs
 import difflib
@@ -47,7 +47,8 @@ tests of their own then, which fail when a test fails, and their cells here are 
 `scripts/test --only proof_bundle --full-matrix`.
 
 `InBoxDriver` binds a network card anew, one that is not connected if there is one. It is "not here" where that could cut the
-line to the machine, over remote desktop or with one connected card only, unless `proof.cmd` was started with `/cut-network`.
+line to the machine, over remote desktop or a remote shell, or with one connected card only, unless `proof.cmd` was started with
+`/cut-network`.
 
 """
 
