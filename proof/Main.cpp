@@ -20,7 +20,9 @@
 
 namespace {
 // Exit codes, beside 0; proof.cmd knows them.
-constexpr int kNo = 1; ///< not elevated, changed files, no step left
+constexpr int kNo = 1; ///< changed files, no step left
+// The command processor itself ends with 1 when it cannot start a program.
+constexpr int kNotElevated = 4;
 constexpr int kFailed = 5;
 constexpr int kOtherRun = 6;
 constexpr int kRestart = 3010;
@@ -38,7 +40,7 @@ BundleFolders Folders()
 
 int TellElevation(Arguments /*arguments*/)
 {
-    return IsElevated() ? 0 : kNo;
+    return IsElevated() ? 0 : kNotElevated;
 }
 
 int CheckSums(Arguments /*arguments*/)

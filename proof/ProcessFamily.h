@@ -20,15 +20,17 @@ class ProcessFamily
 public:
     explicit ProcessFamily(const ProcessRow& first) : m_members{first} {}
 
-    /// Takes in the descendants among the running processes. The system uses numbers of ended processes again, so a
-    /// process older than its supposed parent does not belong.
+    /// Takes in the descendants among the running processes. The system uses numbers of ended processes again: of the
+    /// processes that have had its parent's number, the parent is the last one that started no later than the child.
+    /// Where a time is not known, nothing is taken in, so that no foreign process is ended.
     void Grow(std::span<const ProcessRow> running);
 
-    /// The oldest member first.
+    /// The first process first, then in the order in which they were found; also those that have ended.
     [[nodiscard]] const std::vector<ProcessRow>& Members() const { return m_members; }
 
 private:
     [[nodiscard]] bool Belongs(const ProcessRow& row) const;
 
     std::vector<ProcessRow> m_members;
+    std::vector<ProcessRow> m_strangers; ///< processes that were seen with a member's number
 };

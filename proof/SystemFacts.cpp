@@ -8,6 +8,7 @@
 
 #include "EntryPoints.h"
 #include "Files.h"
+#include "NativeMachine.h"
 #include "RegistryText.h"
 
 namespace {
@@ -112,12 +113,8 @@ std::string ProcessorName(WORD machine)
 /// On an ARM64 machine, GetNativeSystemInfo returns x64 to a program for x64.
 std::string TrueProcessor()
 {
-    using MachineFn = BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*);
-    const auto ask = FindIn<MachineFn>("kernel32.dll", "IsWow64Process2");
-    USHORT process = 0;
-    USHORT native = 0;
-    if (ask != nullptr && ask(GetCurrentProcess(), &process, &native) != FALSE) {
-        return ProcessorName(native);
+    if (const auto native = NativeMachine()) {
+        return ProcessorName(*native);
     }
     SYSTEM_INFO info{};
     GetNativeSystemInfo(&info);

@@ -1,7 +1,8 @@
 @echo off
 rem Proves the program on this machine and leaves report-COMPUTER.zip beside this file. READ-ME.txt says more.
-rem   proof.cmd /disposable [/steps "NAME NAME..."]   a new run, of all steps or of some
-rem   proof.cmd /continue                             goes on after a restart, or where a run was cut off
+rem   proof.cmd /disposable [/steps "NAME NAME..."] [/cut-network]   a new run, of all steps or of some
+rem   proof.cmd /continue                                            goes on after a restart, or where a run was cut off
+rem With /cut-network also the card that may be the line to this machine is bound anew.
 setlocal
 set "MORVIX_PROOF=%~dp0"
 set "MORVIX_PROOF=%MORVIX_PROOF:~0,-1%"
@@ -11,6 +12,7 @@ set "archive=%MORVIX_PROOF%\report-%COMPUTERNAME%.zip"
 set "MORVIX_PROOF_STEPS="
 set "disposable="
 set "continue="
+set "cut_network="
 set "runonce=HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\RunOnce"
 
 :argument
@@ -18,6 +20,7 @@ if "%~1"=="" goto decide
 if /i "%~1"=="/disposable" goto is_disposable
 if /i "%~1"=="/continue" goto is_continued
 if /i "%~1"=="/steps" goto has_steps
+if /i "%~1"=="/cut-network" goto cuts_network
 echo proof.cmd: "%~1" is unknown. READ-ME.txt has the options.
 exit /b 2
 :is_disposable
@@ -33,6 +36,10 @@ set "MORVIX_PROOF_STEPS=%~2"
 shift
 shift
 goto argument
+:cuts_network
+set "cut_network=1"
+shift
+goto argument
 
 :decide
 if defined continue goto may_start
@@ -46,12 +53,12 @@ exit /b 2
 cd /d "%MORVIX_PROOF%"
 proof_tools.exe elevated
 if "%errorlevel%"=="0" goto elevated
-if "%errorlevel%"=="1" goto not_elevated
+if "%errorlevel%"=="4" goto not_elevated
 echo proof.cmd: proof_tools.exe does not run here. Unpack the whole bundle to a local folder of a 64-bit Windows.
 exit /b 2
 :not_elevated
 echo proof.cmd needs the rights of an administrator: start it from a prompt that was opened with "Run as administrator".
-exit /b 2
+exit /b 4
 
 :elevated
 if defined continue goto go_on
@@ -82,6 +89,8 @@ exit /b 2
 rem Whatever ends the machine meanwhile, the next logon of this administrator goes on.
 :steps
 set "MORVIX_DISPOSABLE=1"
+if defined cut_network echo allowed>"%report%\cut-network.txt"
+if exist "%report%\cut-network.txt" set "MORVIX_CUT_NETWORK=1"
 schtasks /create /f /tn MorvixProof /sc onlogon /rl highest /tr "cmd /c \"\"%MORVIX_PROOF%\proof.cmd\" /continue\"" >nul 2>nul
 if not "%errorlevel%"=="0" reg add "%runonce%" /v MorvixProof /t REG_SZ /d "cmd /c \"\"%MORVIX_PROOF%\proof.cmd\" /continue\"" /f >nul
 set "turns=0"

@@ -5,6 +5,8 @@
 set -euo pipefail
 # shellcheck source=../package/lib/package.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/package.sh"
+# shellcheck source=../package/lib/imports.sh
+source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/imports.sh"
 # shellcheck source=../package/lib/release.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/release.sh"
 # shellcheck source=../../scripts/lib/proof.sh
@@ -82,6 +84,15 @@ only_programs_for_real_machines() {
             return 1
         fi
     done <"$build_dir/windows/tests/machine_uses.tsv"
+}
+
+# The shipped files have a test of their own.
+start_on_the_oldest_system() {
+    local -a files
+    mapfile -d '' files < <(find "$bundle" -path "$bundle/dist" -prune -o \( -name '*.exe' -o -name '*.dll' \) -print0)
+    ((${#files[@]} > 10)) || return 1
+    diff <(imported "${files[@]}" | LC_ALL=C comm -23 - <(listed "$repo/tests/e2e/imports.txt" "$repo/tests/real/imports.txt")) \
+        <(listed "$repo/tests/proof/imports.txt")
 }
 
 as_standard_user() {
@@ -163,6 +174,7 @@ try_refusals() {
     promise "the bundle holds two versions of the package" holds_two_versions
     promise "every program of a step is in the bundle" steps_are_complete
     promise "no program of the bundle refuses every real machine" only_programs_for_real_machines
+    promise "the programs of the bundle import what the oldest system has" start_on_the_oldest_system
     proof
     promise "without /disposable nothing starts, and it says why" refuses 2 'thrown away, or put back to a snapshot'
     proof /disposible
@@ -170,7 +182,7 @@ try_refusals() {
     proof /continue
     promise "without a run there is nothing to go on with" refuses 2 'there is no run that could go on'
     as_standard_user
-    promise "without the rights of an administrator nothing starts, and it says so" refuses 2 'needs the rights of an administrator'
+    promise "without the rights of an administrator nothing starts, and it says so" refuses 4 'needs the rights of an administrator'
     printf 'x' >>"$bundle/dist/Morvix.ini"
     rm -- "$bundle/dist/NetInst.dll"
     proof /disposable
@@ -220,7 +232,9 @@ other_report() {
     rm -rf -- "$other" "$other.zip"
     cp -a -- "$work/report" "$other"
     sed -i 's/^emulator: .*/emulator: none/; s/^version: .*/version: 10.0.19045, product type 1, service pack 0/' "$other/facts.txt"
-    sed -i '0,/<testcase /s//<testcase name="Planted" result="completed" classname="Planted"><failure message="of this test"\/><\/testcase><testcase /' \
+    # Names of the system hold what ends a line elsewhere, and letters of its code page.
+    printf 'machine: A\x0bB\x1cC\x85D\n' >>"$other/facts.txt"
+    LC_ALL=C sed -i $'0,/<testcase /s//<testcase name="Planted" result="completed" classname="Planted"><failure message="of this r\xe9seau"\\/><\\/testcase><testcase /' \
         "$other/results/windows_base.xml"
     sed -i 's/^Plan\tended/Plan\tcrashed/; s/^Trace\tended/Trace\trefused/' "$other/steps.tsv"
     cp -- "$work/faults/Crash.xml" "$other/results/Plan.xml"
@@ -235,6 +249,30 @@ one_suite_report() {
         >"$work/other/results/Machine.xml"
     rm -- "$work/other.zip"
     (cd -- "$work/other" && zip -q -r "$work/other.zip" .)
+}
+
+checked() { [[ $status == 0 ]] || { say "$output"; return 1; }; }
+
+# notices TEXT: the page was found wrong, which says this.
+notices() { [[ $status == 1 ]] && page_says "$1"; }
+
+lists_what_was_left_out() {
+    diff <(sed -n 's/^left out: //p' <<<"$output" | LC_ALL=C sort) \
+        <(all_steps | grep -vxFf <(tr ' ' '\n' <<<"${steps:-$(all_steps)}") | LC_ALL=C sort)
+}
+
+all_steps() { sed -n 's/^\([^#|]*\)|.*/\1/p' "$bundle/steps.txt"; }
+
+# The report of this run with two other outcomes.
+changed_report() {
+    local changed=$work/changed
+    rm -rf -- "$changed" "$changed.zip"
+    cp -a -- "$work/report" "$changed"
+    sed -i 's/^Plan\tended/Plan\tcrashed/' "$changed/steps.tsv"
+    rm -f -- "$changed/results/Plan.xml"
+    sed -i -E 's#(<testcase name="IsTheOneOfTheRegistry"[^>]*") */>#\1></testcase>#; s#<testcase name="IsTheOneOfTheRegistry"[^>]*>#&<failure message="planted"/>#' \
+        "$changed/results/SystemVersion.xml"
+    (cd -- "$changed" && zip -q -r "$changed.zip" .)
 }
 
 every_step_has_tests() {
@@ -278,11 +316,12 @@ try_page() {
     promise "the page says what was proved" page_says $'| `Plan` | all of it | proved |'
     other_report
     page "$work"/report-*.zip "$work/other.zip"
+    promise "proof-report ends with 1 when a row failed" same "$status" 1
     promise "a report of a real system has its column" page_says '| step | test | Wine | 10, 2016 to 2022 |'
     promise "the same outcome as in Wine is not marked" row_says '| `Machine` | all of it | proved | proved |'
     promise "a crash that Wine does not have is marked" page_says '| `Plan` | all of it | proved | **crashed: ended with exit code 0xC0000'
     promise "a refusal is marked" page_says '| `Trace` | all of it | proved | **refused to run on this machine: see Refuse.log** |'
-    promise "a failed test is counted and named" page_says '.Planted: failed: of this test'
+    promise "a failed test is counted and named, in letters of the system's code page" page_says '.Planted: failed: of this réseau'
     promise "the page names a real system" page_says '- 10, 2016 to 2022 (10.0.19045, product type 1, service pack 0, x64): rows '
     promise "the page counts refused and different rows" page_says ', refused 1, different from Wine 3'
     page "$work/bundle.zip"
@@ -295,10 +334,19 @@ try_page() {
     list_tests
     promise "every step has tests" every_step_has_tests
     promise "every suite of the program for real machines has a step" every_suite_has_a_step
-    promise "docs/PROOF.md has the rows of the bundle's tests" "$repo/scripts/proof-report" --check "$work/lists"
+    page --check "$work/lists" "$work"/report-*.zip
+    promise "docs/PROOF.md has the rows of the bundle's tests, and the outcomes of this run" checked
+    promise "the steps that this run left out are listed, and no others" lists_what_was_left_out
+    changed_report
+    page --check "$work/lists" "$work/changed.zip"
+    promise "a row with another outcome than in docs/PROOF.md is noticed" notices 'Plan, all of it: docs/PROOF.md says [proved], and the run [crashed]'
+    promise "a test with another outcome than in docs/PROOF.md is noticed" notices \
+        'SystemVersion, IsTheOneOfTheRegistry: docs/PROOF.md says [proved], and the run [failed: planted]'
+    page --check "$work/lists" "$work/other.zip"
+    promise "the outcomes of another system than Wine are not compared" notices 'the page is checked with one from Wine'
     : >"$work/lists/Another"
     page --check "$work/lists"
-    promise "a step that docs/PROOF.md lacks is noticed" page_says '+Another: all of it'
+    promise "a step that docs/PROOF.md lacks is noticed" notices '+Another: all of it'
 }
 
 try_faults() {
@@ -352,23 +400,29 @@ END
 
 restarted_step_has_both_parts() { same "$(tr -d '\r' <"$results/stages.txt" | paste -sd ,)" 'stage 1,stage 2'; }
 
+# Of the steps, those that were asked for, and no other.
+only_chosen_steps_ran() { same "$(cut -f 1 "$report/steps.tsv" | uniq | paste -sd ,)" 'step,Stages,Last'; }
+
 nothing_is_left_to_start() {
     ! run_limited 60 wine reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\RunOnce' /v MorvixProof >/dev/null 2>&1
 }
 
 try_restart() {
     unpack_bundle
-    printf '@>>report\\results\\stages.txt echo stage %%MORVIX_PROOF_STAGE%%\r\n@if "%%MORVIX_PROOF_STAGE%%"=="1" exit 3010\r\n' >"$bundle/stages.cmd"
+    printf '@>>report\\results\\stages.txt echo stage %%MORVIX_PROOF_STAGE%%\r\n@>>report\\results\\cut.txt echo cut %%MORVIX_CUT_NETWORK%%\r\n@if "%%MORVIX_PROOF_STAGE%%"=="1" exit 3010\r\n' >"$bundle/stages.cmd"
     use_steps <<'END'
 Stages|60|exit-code cmd /c stages.cmd
+Other|60|exit-code cmd /c echo ran>>report\results\other.txt
 Last|60|exit-code cmd /c echo ran>>report\results\last.txt
 END
     name=$(computer_name)
-    proof /disposable
+    proof /disposable /steps 'Stages Last' /cut-network
     wait_for_file "$bundle/report-$name.zip" || true
     run_limited 60 wineserver --wait || true
     promise "a step that wants a restart goes on after it, by itself" restarted_step_has_both_parts
     promise "after a restart the rest of the run follows" passes Last
+    promise "after a restart the run has the steps that were chosen before" only_chosen_steps_ran
+    promise "after a restart the network may be cut as before" same "$(tr -d '\r' <"$results/cut.txt" | paste -sd ,)" 'cut 1,cut 1'
     promise "after a restart the report is made" unpack_report
     promise "at the end nothing is left that the next logon would start" nothing_is_left_to_start
 }

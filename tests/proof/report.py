@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
 """proof-report REPORT.zip...            prints one page: what each report proves, refuses, and has different from Wine
 proof-report --write REPORT.zip...    puts the columns of these reports into docs/PROOF.md
-proof-report --check FOLDER           whether docs/PROOF.md has the rows of the tests that FOLDER lists, as
-                                      <step>.xml of --gtest_list_tests for each step, or <step> for a command
+proof-report --check FOLDER [REPORT.zip]
+                                      whether docs/PROOF.md has the rows of the tests that FOLDER lists, as
+                                      <step>.xml of --gtest_list_tests for each step, or <step> for a command; and, for
+                                      the steps of the report, what they say of Wine
 
 A report is what proof.cmd has made on a machine. A step with one suite has a row for each of its tests, any other step
-has one row.
+has one row. When a row is neither proved nor "not here", the page is printed, and proof-report ends with 1.
 """
+import codecs
 import difflib
 import pathlib
 import re
@@ -38,7 +41,14 @@ Each row is a step of the [bundle for real machines](REAL-MACHINES.md#the-bundle
 back a report. "proved" means that the row ran there and found what it should; "not here" that this machine cannot do it,
 with the reason; a cell in bold differs from Wine; an empty cell means that nobody has run it there.
 
-`scripts/proof-report --write report-COMPUTER.zip` fills a column.
+`scripts/proof-report --write report-COMPUTER.zip` fills a column. The column of Wine is compared with a run of the bundle
+whenever `scripts/test` runs. Of the steps `windows_...`, that run has `windows_base` only: the programs of the others run as
+tests of their own then, which fail when a test fails, and their cells here are compared by
+`scripts/test --only proof_bundle --full-matrix`.
+
+`InBoxDriver` binds a network card anew, one that is not connected if there is one. It is "not here" where that could cut the
+line to the machine, over remote desktop or a remote shell, or with one connected card only, unless `proof.cmd` was started with
+`/cut-network`.
 
 """
 
@@ -47,14 +57,19 @@ def fail(text):
     sys.exit(f"proof-report: {text}")
 
 
+def lines_of(text):
+    """The lines as Windows writes them. Python's splitlines also ends a line at characters that names may hold."""
+    return [line for line in text.replace("\r\n", "\n").split("\n") if line]
+
+
 class Report:
     """What one machine has sent back."""
 
     def __init__(self, path):
         try:
             with zipfile.ZipFile(path) as archive:
-                self.facts = dict(line.split(": ", 1) for line in self.text(archive, "facts.txt").splitlines())
-                table = [line.split("\t") for line in self.text(archive, "steps.tsv").splitlines()[1:]]
+                self.facts = dict(line.split(": ", 1) for line in lines_of(self.text(archive, "facts.txt")))
+                table = [line.split("\t") for line in lines_of(self.text(archive, "steps.tsv"))[1:]]
                 self.cases = {}
                 for name in sorted(archive.namelist()):
                     if name.startswith("results/") and name.endswith(".xml"):
@@ -79,12 +94,24 @@ class Report:
             return SYSTEMS["11" if build >= FIRST_BUILD_OF_11 else "10"]
         return SYSTEMS.get(f"{major}.{minor}") or fail(f"no column for version {self.facts['version']}")
 
+    def code_page(self):
+        name = "cp" + self.facts.get("ANSI code page", "1252")
+        try:
+            return codecs.lookup(name).name
+        except LookupError:
+            return "latin-1"
+
+    def has_failed(self):
+        """Whether a row is neither proved nor "not here"; a report without any has proved nothing."""
+        outcomes = [kind(outcome) for cases in self.cases.values() for outcome in cases.values()]
+        return not outcomes or set(self.outcomes.values()) != {"ended"} or not set(outcomes) <= {"proved", "not here"}
+
     def add_cases(self, step, content):
         try:
             content.decode("utf-8")
         except UnicodeDecodeError:
             # GoogleTest writes texts of the system, such as a card's name, in the system's code page.
-            content = content.decode("cp" + self.facts.get("ANSI code page", "1252"), "replace").encode("utf-8")
+            content = content.decode(self.code_page(), "replace").encode("utf-8")
         for suite in xml.fromstring(content).iter("testsuite"):
             for case in suite.iter("testcase"):
                 self.cases.setdefault(step, {})[suite.get("name"), case.get("name")] = outcome_of(case)
@@ -139,7 +166,7 @@ def rows_of(step, names):
 
 def kept_page():
     """The columns of the kept page, and its rows with their cells."""
-    lines = [line for line in PAGE.read_text(encoding="utf-8").splitlines() if line.startswith("| ")] if PAGE.exists() else []
+    lines = [line for line in lines_of(PAGE.read_text(encoding="utf-8")) if line.startswith("| ")] if PAGE.exists() else []
     if not lines:
         return {}
     table = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines]
@@ -204,7 +231,8 @@ def printed(reports):
             "".join(details(report) for report in reports))
 
 
-def check(folder):
+def check_rows(folder):
+    """Whether the page has the rows of these tests; where it differs is printed."""
     wanted = []
     for file in sorted(pathlib.Path(folder).iterdir()):
         names = []
@@ -214,17 +242,39 @@ def check(folder):
         wanted += rows_of(file.stem, names)
     page = sorted(kept_page())
     if page == sorted(wanted):
-        return 0
+        return True
     lines = [[f"{step}: {name}\n" for step, name in rows] for rows in (page, sorted(wanted))]
     sys.stdout.writelines(difflib.unified_diff(*lines, "docs/PROOF.md", "the tests", n=0))
     print("docs/PROOF.md has other rows: scripts/test --only proof_bundle --full-matrix, then "
           "scripts/proof-report --write build/package-proof/report-*.zip")
-    return 1
+    return False
+
+
+def check_outcomes(report):
+    """Whether the page says of Wine what the report does; where it differs, and what the report lacks, is printed."""
+    if report.column != EMULATOR:
+        fail(f"the report is from {report.column}: the page is checked with one from {EMULATOR}")
+    page = kept_page()
+    left_out = dict.fromkeys(step for step, _ in page if step not in report.outcomes)
+    for step in left_out:
+        print(f"left out: {step}")
+    same = True
+    for (step, name), cells in page.items():
+        kept, now = cells.get(EMULATOR, ""), report.cell(step, name)
+        if step not in left_out and kept != now:
+            print(f"{step}, {name}: docs/PROOF.md says [{kept}], and the run [{now}]")
+            same = False
+    return same
+
+
+def check(folder, report=None):
+    same = check_rows(folder)
+    return 0 if (report is None or check_outcomes(Report(report))) and same else 1
 
 
 def main(arguments):
-    if len(arguments) == 2 and arguments[0] == "--check":
-        return check(arguments[1])
+    if len(arguments) in (2, 3) and arguments[0] == "--check":
+        return check(*arguments[1:])
     write = arguments[:1] == ["--write"]
     files = arguments[1:] if write else arguments
     if not files or any(file.startswith("-") for file in files):
@@ -235,6 +285,7 @@ def main(arguments):
         PAGE.write_text(HEAD + table_of([EMULATOR, *SYSTEMS.values()], rows), encoding="utf-8")
     else:
         print(printed(reports), end="")
+        return int(any(report.has_failed() for report in reports))
     return 0
 
 

@@ -11,6 +11,8 @@
 #include "Handles.h"
 #include "ImportTable.h"
 #include "MsiPackage.h"
+#include "NativeMachine.h"
+#include "ProcessorRule.h"
 #include "ScratchDirectory.h"
 
 namespace {
@@ -67,6 +69,9 @@ TEST(Imports, OfTheProgramAndItsLibrariesAreExportedHere)
 
 TEST(Imports, OfTheDriversAreExportedByTheKernelHere)
 {
+    if (const auto why = WhyNoX64Machine(NativeMachine())) {
+        GTEST_SKIP() << NotHere(*why);
+    }
     EXPECT_FALSE(ExpectExportedForAll({".sys"}).empty());
 }
 

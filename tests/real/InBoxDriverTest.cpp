@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 
 #include "Bundle.h"
@@ -11,10 +12,13 @@
 #include "Environment.h"
 #include "HexNumber.h"
 #include "Machine.h"
+#include "NativeMachine.h"
 #include "NetInstClient.h"
 #include "NetworkCards.h"
+#include "ProcessorRule.h"
 #include "RegistryKeys.h"
 #include "SystemLibrary.h"
+#include "WindowStation.h"
 
 namespace {
 /// The set-up functions of this process ask nobody during the life of the object.
@@ -38,36 +42,42 @@ private:
     const UniqueLibrary m_library = LoadSystemLibrary("setupapi.dll");
 };
 
+bool MayCutTheNetwork()
+{
+    const char* value = std::getenv("MORVIX_CUT_NETWORK");
+    return value != nullptr && std::string_view(value) == "1";
+}
+
 class InBoxDriver : public testing::Test
 {
 protected:
     void SetUp() override
     {
-        std::vector<NetworkCard> cards = PresentNetworkCards();
-        const auto real =
-            std::ranges::count_if(cards, [](const NetworkCard& card) { return card.bus != Bus::Software; });
-        std::erase_if(cards, [](const NetworkCard& card) { return !card.HasInBoxDriver(); });
-        if (cards.empty()) {
-            GTEST_SKIP() << NotHere(
-                "no network card has a driver that came with the system: use a virtual machine with "
-                "a card that Windows knows");
+        if (const auto why = WhyNoX64Machine(NativeMachine())) {
+            GTEST_SKIP() << NotHere(*why);
         }
-        if (IsRemoteSession() && real <= 1) {
-            GTEST_SKIP() << NotHere("the only network card carries this remote session: run it at the machine");
+        const std::vector<NetworkCard> cards = PresentNetworkCards();
+        std::vector<CardFacts> facts;
+        std::ranges::transform(cards, std::back_inserter(facts), &NetworkCard::facts);
+        const CardChoice choice =
+            ChooseCard(facts, {.isRemote = IsRemoteSession() || !WindowsAreSeen(), .mayBeCut = MayCutTheNetwork()});
+        if (!choice.card) {
+            GTEST_SKIP() << NotHere(choice.whyNone);
         }
-        m_card = cards.front();
-        RecordProperty("card", m_card->name + ", " + m_card->hardwareId + ", " + m_card->infName);
+        m_card = cards[*choice.card];
+        RecordProperty("card", m_card->name + ", " + m_card->hardwareId + ", " + m_card->infName +
+                                   (m_card->facts.isConnected ? "" : ", not connected"));
     }
 
     // The card as it is now.
     [[nodiscard]] NetworkCard Again() const
     {
         for (const NetworkCard& card : PresentNetworkCards()) {
-            if (card.instanceId == m_card->instanceId) {
+            if (card.facts.instanceId == m_card->facts.instanceId) {
                 return card;
             }
         }
-        throw std::runtime_error(m_card->instanceId + " has gone");
+        throw std::runtime_error(m_card->facts.instanceId + " has gone");
     }
 
     std::optional<NetworkCard> m_card;

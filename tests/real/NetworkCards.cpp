@@ -1,11 +1,16 @@
 #include "NetworkCards.h"
 
-#include <algorithm>
+// winioctl.h needs windows.h first, and ntddndis.h needs winioctl.h.
+#include <winioctl.h>
+
+#include <ntddndis.h>
+
 #include <array>
 #include <stdexcept>
 
 #include "EntryPoints.h"
 #include "Environment.h"
+#include "Handles.h"
 #include "RegistryKeys.h"
 #include "SystemLibrary.h"
 
@@ -32,26 +37,41 @@ std::string Property(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property)
     return text.data();
 }
 
-Bus BusOf(const std::string& instanceId)
-{
-    if (instanceId.starts_with("PCI\\")) {
-        return Bus::Pci;
-    }
-    return instanceId.starts_with("ROOT\\") || instanceId.starts_with("SWD\\") ? Bus::Software : Bus::Other;
-}
-
 std::string InstanceIdOf(HDEVINFO set, SP_DEVINFO_DATA& device)
 {
     std::array<char, MAX_DEVICE_ID_LEN> id{};
     SetupDiGetDeviceInstanceIdA(set, &device, id.data(), id.size(), nullptr);
     return id.data();
 }
-} // namespace
 
-bool NetworkCard::HasInBoxDriver() const
+/// Whether the driver says that the card has no link. Where it says nothing, the card may carry a connection.
+/// @param interfaceName  The braced number by which the network knows the card.
+bool SaysItIsNotConnected(const std::string& interfaceName)
 {
-    return infName != "<none>" && !UpperCase(infName).starts_with("OEM");
+    const UniqueFile card(CreateFileA((R"(\\.\)" + interfaceName).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    ULONG question = OID_GEN_MEDIA_CONNECT_STATUS;
+    ULONG answer = NdisMediaStateConnected;
+    DWORD bytes = 0;
+    return card.IsOpen() &&
+           DeviceIoControl(card.Get(), IOCTL_NDIS_QUERY_GLOBAL_STATS, &question, sizeof(question), &answer,
+                           sizeof(answer), &bytes, nullptr) != FALSE &&
+           bytes == sizeof(answer) && answer == NdisMediaStateDisconnected;
 }
+
+CardFacts FactsOf(const NetworkCard& card, const std::string& instanceId, const std::string& interfaceName)
+{
+    CardFacts facts{.instanceId = instanceId,
+                    .bus = BusOf(UpperCase(instanceId)),
+                    .hasInBoxDriver = card.infName != "<none>" && !UpperCase(card.infName).starts_with("OEM")};
+    ULONG status = 0;
+    ULONG problem = 0;
+    facts.works =
+        CM_Get_DevNode_Status(&status, &problem, card.node, 0) == CR_SUCCESS && (status & DN_HAS_PROBLEM) == 0;
+    facts.isConnected = facts.works && !SaysItIsNotConnected(interfaceName);
+    return facts;
+}
+} // namespace
 
 std::vector<NetworkCard> PresentNetworkCards()
 {
@@ -61,16 +81,15 @@ std::vector<NetworkCard> PresentNetworkCards()
     device.cbSize = sizeof(device);
     for (DWORD index = 0; SetupDiEnumDeviceInfo(set.Get(), index, &device) != FALSE; ++index) {
         NetworkCard card;
-        card.instanceId = InstanceIdOf(set.Get(), device);
         card.hardwareId = Property(set.Get(), device, SPDRP_HARDWAREID);
         card.name = Property(set.Get(), device, SPDRP_DEVICEDESC);
         card.service = Property(set.Get(), device, SPDRP_SERVICE);
-        card.infName = ReadRegistryText(kClassKey + Property(set.Get(), device, SPDRP_DRIVER), "InfPath");
+        const std::string key = kClassKey + Property(set.Get(), device, SPDRP_DRIVER);
+        card.infName = ReadRegistryText(key, "InfPath");
         card.node = device.DevInst;
-        card.bus = BusOf(UpperCase(card.instanceId));
+        card.facts = FactsOf(card, InstanceIdOf(set.Get(), device), ReadRegistryText(key, "NetCfgInstanceId"));
         cards.push_back(std::move(card));
     }
-    std::ranges::stable_sort(cards, {}, &NetworkCard::bus);
     return cards;
 }
 
@@ -79,7 +98,7 @@ CardState StateOf(const NetworkCard& card)
     CardState state;
     const CONFIGRET answer = CM_Get_DevNode_Status(&state.status, &state.problem, card.node, 0);
     if (answer != CR_SUCCESS) {
-        throw std::runtime_error(card.instanceId + " tells no state, answer " + std::to_string(answer));
+        throw std::runtime_error(card.facts.instanceId + " tells no state, answer " + std::to_string(answer));
     }
     if ((state.status & DN_HAS_PROBLEM) == 0) {
         state.problem = 0;

@@ -8,30 +8,20 @@
 #include <string>
 #include <vector>
 
-/// How near to real hardware a network device is.
-enum class Bus
-{
-    Pci,
-    Other,   ///< also the one by which a virtual machine reaches its host
-    Software ///< devices that the system itself has made up
-};
+#include "CardChoice.h"
 
 /// A network device that is present.
 struct NetworkCard
 {
-    std::string instanceId;
+    CardFacts facts;
     std::string hardwareId; ///< the most exact one
     std::string name;
     std::string service;
     std::string infName; ///< as the system keeps it, such as "netkvm.inf" or "oem3.inf"
     DEVINST node = 0;
-    Bus bus = Bus::Software;
-
-    /// Whether its driver came with the system.
-    [[nodiscard]] bool HasInBoxDriver() const;
 };
 
-/// @return the present devices of the network class, in the order of their buses.
+/// @return the present devices of the network class.
 [[nodiscard]] std::vector<NetworkCard> PresentNetworkCards();
 
 /// What a device says of itself.

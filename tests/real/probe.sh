@@ -6,6 +6,8 @@
 set -euo pipefail
 # shellcheck source=../package/lib/package.sh
 source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/package.sh"
+# shellcheck source=../package/lib/imports.sh
+source "$(dirname -- "$(readlink -f -- "$0")")/../package/lib/imports.sh"
 
 probe=$build_dir/windows/tests/real/morvix_probe.exe
 version=$(product_version)
@@ -41,10 +43,10 @@ all_rows() {
         awk '/^[A-Za-z]*\.$/ { suite = $1 } /^  / { print suite $1 }'
 }
 
-# run_rows NAME FILTER: the program's rows, and what became of them in `proved`, `refused` and `left_out`.
+# run_rows NAME FILTER [VARIABLE=VALUE]: the program's rows, and what became of them in `proved`, `refused` and `left_out`.
 run_rows() {
     report=$work/$1.xml
-    run_limited 600 env "MORVIX_PROOF=$(windows_path "$bundle")" "MORVIX_PROOF_RESULTS=$(windows_path "$work/results-$1")" \
+    run_limited 600 env "MORVIX_PROOF=$(windows_path "$bundle")" "MORVIX_PROOF_RESULTS=$(windows_path "$work/results-$1")" "${@:3}" \
         wine "$bundle/tests/morvix_probe.exe" --gtest_filter="$2" "--gtest_output=xml:$(windows_path "$report")" \
         >"$work/$1.log" 2>&1 || true
     proved=$(rows proved) refused=$(rows refused) left_out=$(rows skipped)
@@ -71,21 +73,8 @@ row_proved() { grep -qxF "$1" <<<"$proved" || { sed -n "/RUN.*$1/,/FAILED.*$1/p"
 
 only_these_are_left_out() { diff <(LC_ALL=C sort <<<"$left_out") <(printf '%s\n' "$impossible"); }
 
-imported() {
-    x86_64-w64-mingw32-objdump -p "$probe" |
-        awk '/DLL Name:/ { library = tolower($3) } /^\t[0-9a-f]+\t *[0-9]+ +[A-Za-z_]/ { print library, $3 }'
-}
-
-# listed FILE...: the names of the lists that systems from 5.2 on have.
-listed() { awk '!/^#/ && NF == 3 && $3 <= 5.2 { print $1, $2 }' "$@"; }
-
 starts_on_the_oldest_system() {
-    diff <(imported | LC_ALL=C sort -u) <(
-        {
-            listed "$repo/tests/real/imports.txt"
-            grep -xFf <(imported) <(listed "$repo/tests/e2e/imports.txt")
-        } | LC_ALL=C sort -u
-    )
+    diff <(imported "$probe" | LC_ALL=C comm -23 - <(listed "$repo/tests/e2e/imports.txt")) <(listed "$repo/tests/real/imports.txt")
 }
 
 nothing_is_left() { [[ -z $(list_left) ]] || { list_left; return 1; }; }
@@ -104,6 +93,10 @@ disc_is_read_elsewhere() {
     diff -r "$bundle/dist" "$work/disc/dist"
 }
 
+left_alone() {
+    same "$left_out" InBoxDriver.BoundThroughTheInstallerLibraryOnceMoreKeepsTheCardWorking && grep -q 'the only card that is connected' "$work/line.log"
+}
+
 start_machine probe
 lay_out_bundle
 promise "the disc of the kit is read by other programs" disc_is_read_elsewhere
@@ -120,7 +113,9 @@ promise "nothing is left on the machine" nothing_is_left
 plug_in "$gigabit"
 run_limited 120 wine "$bundle/dist/Morvix.exe" /s /nr
 cp -- "$bundle/dist/Drv/Win7x64/ngea62x64.sys" "$drive/windows/inf/"
-run_rows card 'InBoxDriver.*'
+run_rows line 'InBoxDriver.*'
+promise "the only connected card is left alone" left_alone
+run_rows card 'InBoxDriver.*' MORVIX_CUT_NETWORK=1
 promise "a card with a driver of the system's own is bound to it once more" \
     row_proved InBoxDriver.BoundThroughTheInstallerLibraryOnceMoreKeepsTheCardWorking
 run_rows adapter 'RunsWithoutAdapter.*:RestorePoint.*'

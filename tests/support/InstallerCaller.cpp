@@ -2,13 +2,13 @@
 // msi.h needs windows.h first.
 #include <msi.h>
 
-#include <array>
 #include <iostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Handles.h"
+#include "StandardUserToken.h"
 
 /// Has the Windows Installer engine do what its command line, msiexec, has no words for; the end is the engine's
 /// answer.
@@ -41,19 +41,12 @@ UINT InstallAndCancel(const char* package, const char* properties)
 
 UINT RunAsStandardUser(std::string commandLine)
 {
-    HANDLE opened = nullptr;
-    HANDLE made = nullptr;
-    std::array<BYTE, SECURITY_MAX_SID_SIZE> administrators{};
-    auto size = static_cast<DWORD>(administrators.size());
-    CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators.data(), &size);
-    SID_AND_ATTRIBUTES disabled{administrators.data(), 0};
+    const UniqueHandle token = StandardUserToken();
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started{};
-    if (OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &opened) == FALSE ||
-        CreateRestrictedToken(opened, 0, 1, &disabled, 0, nullptr, 0, nullptr, &made) == FALSE ||
-        CreateProcessAsUserA(made, nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                             &started) == FALSE) {
+    if (!token || CreateProcessAsUserA(token.get(), nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                       nullptr, &startup, &started) == FALSE) {
         return GetLastError();
     }
     const UniqueHandle process(started.hProcess);

@@ -113,6 +113,40 @@ assert any("scripts/proof-report" in step.get("run", "") for step in jobs["page"
 END
 }
 promise "the bundle is proved on three systems, and each report is kept and read" proves_on_three_systems
+
+# make_report MACHINE RESULT: the report of a machine with one test, which has this result in JUnit's words.
+make_report() {
+    mkdir -p -- "page/reports/$1/results"
+    printf 'emulator: none\nversion: 10.0.20348, product type 3\nprocessor: x64\n' >"page/reports/$1/facts.txt"
+    printf 'step\toutcome\nPlan\tended\n' >"page/reports/$1/steps.tsv"
+    printf '<testsuites><testsuite name="Plan"><testcase name="Succeeds">%s</testcase></testsuite></testsuites>' "$2" >"page/reports/$1/results/Plan.xml"
+    python3 -m zipfile -c "page/reports/$1/report-$1.zip" "page/reports/$1"/{facts.txt,steps.tsv,results}
+}
+# read_reports: the command of the job that reads the reports, as its shell runs it; `status` is what it ends with.
+read_reports() {
+    local command
+    command=$(python3 - "$proof_flow" <<'END'
+import sys, yaml
+steps = yaml.safe_load(open(sys.argv[1]))["jobs"]["page"]["steps"]
+print(*(step["run"] for step in steps if step.get("shell") == "bash" and "proof-report" in step["run"]))
+END
+    )
+    status=0
+    (cd -- page && GITHUB_STEP_SUMMARY=summary run_limited 60 bash --noprofile --norc -eo pipefail -c "$command") || status=$?
+}
+page_job_fails_with_a_row() {
+    rm -rf -- page
+    mkdir -- page
+    ln -s -- "$repo/scripts" page/scripts
+    make_report one ''
+    make_report two '<skipped message="not here: no card"/>'
+    read_reports
+    [[ $status == 0 ]] || { say "  it ends with $status although no row failed"; return 1; }
+    make_report three '<failure message="planted"/>'
+    read_reports
+    [[ $status == 1 ]] && grep -q 'failed: planted' page/summary && grep -q 'failed: planted' page/proof.md
+}
+promise "a failed row fails the job that reads the reports, which shows it" page_job_fails_with_a_row
 tests_run_on_debian() { grep -q 'image: debian:12$' "$test_flow" && grep -qx ' *scripts/test' "$test_flow"; }
 promise "every test is run on Debian 12" tests_run_on_debian
 
