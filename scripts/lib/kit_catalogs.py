@@ -14,7 +14,6 @@ import struct
 import sys
 from pathlib import Path
 
-# --- INF files ----------------------------------------------------------------------------------------------------------
 
 # What an INF file may call its catalog on x64 systems.
 CATALOG_KEYS = ("catalogfile.ntamd64", "catalogfile.nt", "catalogfile")
@@ -52,9 +51,6 @@ def files_beside(inf):
     return {path.name.lower(): path for path in inf.parent.iterdir()}
 
 
-# --- Hashes -------------------------------------------------------------------------------------------------------------
-
-
 def is_program(data):
     return data[:2] == b"MZ"
 
@@ -71,8 +67,6 @@ def covered_by_hash(data):
     end = signature if size else len(data)
     return data[: optional + 64] + data[optional + 68 : directory] + data[directory + 8 : end] + b"\0" * (-end % 8)
 
-
-# --- Making a catalog ---------------------------------------------------------------------------------------------------
 
 # The systems as catalogs name them: the platform (2 is Windows NT) and the version.
 SYSTEMS = "2:5.2,2:6.0,2:6.1,2:6.2,2:6.3,2:10.0"
@@ -161,8 +155,6 @@ def make_catalog(inf):
     files = [there[file] for file in values_of(text, "sourcedisksfiles")]
     (inf.parent / catalog).write_bytes(catalog_listing([inf, *files]))
 
-
-# --- Checking a kit -----------------------------------------------------------------------------------------------------
 
 SIGNED_DATA = "2a864886f70d010702"
 TRUST_LIST = "2b0601040182370a01"
