@@ -55,7 +55,8 @@ bool IsAscii(std::string_view bytes)
         std::memcpy(&word, bytes.data() + at, sizeof word);
         all |= word;
     }
-    return (all & 0x8080808080808080U) == 0 && std::ranges::all_of(bytes.substr(at), [](char c) { return c >= 0; });
+    return (all & 0x8080808080808080U) == 0 &&
+           std::ranges::all_of(bytes.substr(at), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 /// The entries that a folder listed when it was read.
@@ -131,7 +132,7 @@ void KitFolder::ReadFile(const std::string& path, uint32_t codePage, FileSlot& s
         std::error_code error;
         if (!bytes && !std::filesystem::is_directory(*here, error)) {
             Remark(Severity::Error, here->string(), "cannot be read (" + CauseOf(*here) + "), and counts as empty",
-                   "allow reading it, and plan again");
+                   "make it readable, and plan again");
         }
     }
     slot.isAscii = !bytes || IsAscii(*bytes);

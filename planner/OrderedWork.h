@@ -12,7 +12,6 @@
 
 #ifndef _WIN32
 #include <condition_variable>
-#include <system_error>
 #include <thread>
 #endif
 
@@ -28,7 +27,7 @@ void DoInOrder(std::size_t count, const std::function<Answer(std::size_t)>& work
 
 namespace ordered_work {
 #ifndef _WIN32
-/// Runs a function on a new thread. Throws std::system_error when there is none.
+/// Runs a function on a new thread. Throws when there is none.
 using StartThread = std::function<std::jthread(const std::function<void()>&)>;
 
 template <class Answer>
@@ -39,11 +38,12 @@ public:
          const StartThread& start)
         : m_count(count), m_waiting(workers * kWaitingPerWorker), m_work(work)
     {
+        m_threads.reserve(workers);
         try {
             for (std::size_t worker = 0; worker < workers; ++worker) {
                 m_threads.push_back(start([this] { Work(); }));
             }
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             // Those that were started do it all.
         }
     }

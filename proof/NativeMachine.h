@@ -4,5 +4,5 @@
 #include <optional>
 
 /// @return the IMAGE_FILE_MACHINE_... number of the machine's own processor, also for an emulated program; no value on
-///         systems before Windows 10, which cannot tell it.
+///         systems that cannot tell it, such as those before Windows 10.
 [[nodiscard]] std::optional<uint16_t> NativeMachine();

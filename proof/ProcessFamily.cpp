@@ -1,6 +1,7 @@
 #include "ProcessFamily.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 bool Has(std::span<const ProcessRow> rows, const ProcessRow& wanted)

@@ -21,7 +21,7 @@ public:
     explicit ProcessFamily(const ProcessRow& first) : m_members{first} {}
 
     /// Takes in the descendants among the running processes. The system uses numbers of ended processes again: of the
-    /// processes that have had its parent's number, the parent is the last one that started no later than the child.
+    /// processes seen with its parent's number, the parent is the last one that started no later than the child.
     /// Where a time is not known, nothing is taken in, so that no foreign process is ended.
     void Grow(std::span<const ProcessRow> running);
 

@@ -13,6 +13,7 @@ set "MORVIX_PROOF_STEPS="
 set "disposable="
 set "continue="
 set "cut_network="
+set "MORVIX_CUT_NETWORK="
 set "runonce=HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\RunOnce"
 
 :argument

@@ -17,12 +17,13 @@ list_left() {
         grep -vE '^\./(users/[^/]*/(AppData/Local/)?Temp|windows/(temp|Installer))/' | LC_ALL=C sort
 }
 
-# The program has handed the system all INF files of the kit and the drivers of the two adapters.
+# The program has handed the system all INF files of the kit, with their catalogs, and the drivers of the two adapters.
 list_system_copies() {
     local inf
     for inf in "$dist"/Drv/Win7x64/*.inf; do
         inf=$(basename -- "$inf" .inf)
         printf './windows/inf/%s\n' "$inf.inf" "$inf.pnf"
+        printf './windows/system32/catroot/{f750e6c3-38ee-11d1-85e5-00c04fc295ee}/%s\n' "$inf.cat"
     done
     printf './windows/system32/drivers/%s\n' ngea62x64.sys nxga62x64.sys
 }

@@ -359,8 +359,10 @@ Refuse|60|cmd /c exit 4
 Silent|60|cmd /c exit 0
 Fail|60|exit-code cmd /c exit 3
 Late|60|exit-code reg add HKLM\SOFTWARE\Norda\Planted /f
+Uncut|60|exit-code cmd /c uncut.cmd
 END
-    proof /disposable
+    printf '@>report\\results\\uncut.txt echo [%%MORVIX_CUT_NETWORK%%]\r\n' >"$bundle/uncut.cmd"
+    MORVIX_CUT_NETWORK=1 proof /disposable
     promise "a run with faulty steps ends with 0" ends 0
     promise "a crash is reported with its exit code" fails Crash 'crashed: ended with exit code 0xC0000'
     promise "a hanging step is ended at its limit" fails Hang 'hung: ended after 3 seconds'
@@ -371,6 +373,7 @@ END
     promise "a program that leaves no results is reported, whatever its exit code" fails Silent 'crashed: ended with exit code 0x00000000'
     promise "a command that fails is reported with its exit code" fails Fail 'ended with exit code 0x00000003'
     promise "the steps after faulty ones run" passes Late
+    promise "without /cut-network the network is not cut, whatever the environment says" same "$(tr -d '\r' <"$results/uncut.txt")" '[]'
     promise "the report tells what the run has changed in the registry" changes_are_told
     mkdir -- "$work/faults"
     cp -- "$results"/*.xml "$work/faults/"

@@ -71,6 +71,8 @@ void AddSpareInf(const RunFolder& folder, const MatrixSystem& system)
     }
     const std::string spare = SpareFolder(system) + "\\";
     folder.Write(spare + kSpareInf, inf);
+    // The driver store takes no INF file without the catalog that it names.
+    CopyFileTo(folder.At(kit + ".cat"), folder.At(spare + "nxga" + system.kit.number + "x64.cat"));
     const std::string driver = KitDriverFile("nxga", system.kit);
     CopyFileTo(folder.At(std::string("Drv\\") + system.kit.folder + "\\" + driver), folder.At(spare + driver));
 }
