@@ -149,10 +149,13 @@ def make_catalog(inf):
     catalog = catalog_of(text)
     if catalog is None:
         sys.exit(f"{inf} names no catalog")
-    missing = [file for file in values_of(text, "sourcedisksfiles") if file not in there]
+    names = values_of(text, "sourcedisksfiles")
+    if not names:
+        sys.exit(f"{inf} names no file in [SourceDisksFiles]")
+    missing = [file for file in names if file not in there]
     if missing:
         sys.exit(f"{inf}: there is no {missing[0]}")
-    files = [there[file] for file in values_of(text, "sourcedisksfiles")]
+    files = [there[file] for file in names]
     (inf.parent / catalog).write_bytes(catalog_listing([inf, *files]))
 
 

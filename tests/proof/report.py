@@ -102,9 +102,11 @@ class Report:
             return "latin-1"
 
     def has_failed(self):
-        """Whether a row is neither proved nor "not here"; a report without any has proved nothing."""
+        """Whether a row is neither proved nor "not here"; a step or a report without any has proved nothing."""
         outcomes = [kind(outcome) for cases in self.cases.values() for outcome in cases.values()]
-        return not outcomes or set(self.outcomes.values()) != {"ended"} or not set(outcomes) <= {"proved", "not here"}
+        if not outcomes or any(not self.cases.get(step) for step in self.outcomes):
+            return True
+        return set(self.outcomes.values()) != {"ended"} or not set(outcomes) <= {"proved", "not here"}
 
     def add_cases(self, step, content):
         try:
