@@ -4,6 +4,8 @@
 # shellcheck disable=SC2154
 
 wine_dir=$build_dir/wine
+# The `wine` that is found there starts as reliably as it can.
+steady=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/steady
 # Servers and their programs meet in a folder of temporary files; it has to be the same one for all of them.
 export TMPDIR=$wine_dir/tmp
 
@@ -21,6 +23,7 @@ use_prefix() {
     export XDG_CONFIG_HOME=$HOME/.config XDG_CACHE_HOME=$HOME/.cache XDG_DATA_HOME=$HOME/.local/share
     # Where programs that count their lines write to, whatever their current drive is.
     export GCOV_PREFIX=Z: GCOV_PREFIX_STRIP=0
+    [[ $PATH == "$steady:"* ]] || export PATH=$steady:$PATH
     mkdir -p -- "$HOME" "$TMPDIR"
     stay_on_processor
 }

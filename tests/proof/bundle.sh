@@ -304,7 +304,8 @@ list_tests() {
         fi
         read -r -a words <<<"$command"
         run_limited 120 wine "C:\\Proof\\${words[0]}" "${words[@]:1}" --gtest_list_tests \
-            "--gtest_output=xml:$(windows_path "$work/lists/$name.xml")" >/dev/null 2>&1 </dev/null || fail "$name lists no tests"
+            "--gtest_output=xml:$(windows_path "$work/lists/$name.xml")" >"$work/list.log" 2>&1 </dev/null ||
+            fail "$name lists no tests, exit code $?: $(tail -n 20 -- "$work/list.log")"
     done < <(grep -v '^#' "$bundle/steps.txt" | tr -d '\r')
 }
 
