@@ -19,9 +19,11 @@ std::optional<Baseline> ReadBaseline(const std::string& file, std::string& probl
     if (file.empty()) {
         return Baseline();
     }
-    const std::optional<std::string> text = ReadFileBytes(file);
+    std::error_code error;
+    const std::optional<std::string> text = ReadFileBytes(file, error);
     if (!text) {
-        problem = "--baseline " + Printable(file) + ": cannot be read; --write-baseline makes one";
+        problem =
+            "--baseline " + Printable(file) + ": cannot be read (" + error.message() + "); --write-baseline makes one";
         return std::nullopt;
     }
     std::optional<Baseline> baseline = Baseline::Parse(*text, problem);

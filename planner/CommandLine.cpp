@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 #include <span>
 #include <utility>
 #include <vector>
@@ -71,7 +72,8 @@ ProfileDialect DialectOf(const std::string& reader)
 /// @return what is wrong with an argument that has no value, such as a script's variable leaves; empty when none has.
 std::string EmptyArgumentProblem(std::span<const char* const> arguments)
 {
-    for (const std::string_view argument : arguments) {
+    // The first is the program's own name.
+    for (const std::string_view argument : arguments | std::views::drop(1)) {
         if (argument.empty()) {
             return "an argument is empty";
         }

@@ -1,10 +1,8 @@
 #include "KitFolder.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -31,18 +29,6 @@ FileStamp StampOfFile(const std::filesystem::path& file)
         return {};
     }
     return {.bytes = bytes, .writeTime = static_cast<uint64_t>(written.time_since_epoch().count())};
-}
-
-/// @return why a file cannot be read, in the words of the system.
-std::string CauseOf(const std::filesystem::path& file)
-{
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) {
-        return error ? error.message() : "not a file";
-    }
-    errno = 0;
-    const std::ifstream stream(file, std::ios::binary);
-    return std::generic_category().message(stream.is_open() || errno == 0 ? EIO : errno);
 }
 
 /// Such a text is the same in every code page.
@@ -128,10 +114,10 @@ void KitFolder::ReadFile(const std::string& path, uint32_t codePage, FileSlot& s
     const std::optional<std::filesystem::path> here = FindFile(path);
     if (here) {
         stamp = StampOfFile(*here);
-        bytes = ReadFileBytes(*here);
         std::error_code error;
-        if (!bytes && !std::filesystem::is_directory(*here, error)) {
-            Remark(Severity::Error, here->string(), "cannot be read (" + CauseOf(*here) + "), and counts as empty",
+        bytes = ReadFileBytes(*here, error);
+        if (error && error != std::errc::is_a_directory) {
+            Remark(Severity::Error, here->string(), "cannot be read (" + error.message() + "), and counts as empty",
                    "make it readable, and plan again");
         }
     }
@@ -196,7 +182,7 @@ void KitFolder::ReadFolder(const std::string& directory, Folder& folder)
     const std::filesystem::directory_iterator opened(*here, error);
     if (error) {
         Remark(Severity::Error, here->string(), "cannot be read (" + error.message() + "), and counts as empty",
-               "allow reading it, and plan again");
+               "make it readable, and plan again");
         return;
     }
     folder.here = *here;

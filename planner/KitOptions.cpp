@@ -42,8 +42,8 @@ bool IsKit(const std::filesystem::path& folder, std::string& problem)
         problem = name + ": holds no Morvix.ini, or cannot be listed; KIT is the folder that holds it";
         return false;
     }
-    if (!ReadFileBytes(*ini)) {
-        problem = Printable(ini->string()) + ": cannot be read; allow reading it";
+    if (!ReadFileBytes(*ini, error)) {
+        problem = Printable(ini->string()) + ": cannot be read (" + error.message() + "); make it readable";
         return false;
     }
     return true;

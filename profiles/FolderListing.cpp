@@ -1,8 +1,8 @@
 #include "FolderListing.h"
 
 #include <array>
+#include <cerrno>
 #include <fstream>
-#include <system_error>
 
 #include "FileNames.h"
 
@@ -42,21 +42,50 @@ std::optional<std::filesystem::path> FindPath(const std::filesystem::path& folde
     return std::filesystem::exists(place, error) ? std::optional(place) : std::nullopt;
 }
 
-std::optional<std::string> ReadFileBytes(const std::filesystem::path& file)
+namespace {
+/// The streams of the library leave the cause in `errno`; not every one of theirs does.
+std::error_code CauseOfTheStream()
 {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) {
+    return {errno == 0 ? EIO : errno, std::generic_category()};
+}
+} // namespace
+
+std::optional<std::string> ReadFileBytes(const std::filesystem::path& file, std::error_code& error)
+{
+    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    if (!std::filesystem::is_regular_file(status)) {
+        if (!error) {
+            error = make_error_code(std::filesystem::is_directory(status) ? std::errc::is_a_directory
+                                                                          : std::errc::not_supported);
+        }
         return std::nullopt;
     }
+    errno = 0;
     std::ifstream stream(file, std::ios::binary);
+    if (!stream.is_open()) {
+        error = CauseOfTheStream();
+        return std::nullopt;
+    }
     std::string bytes;
     if (const auto size = std::filesystem::file_size(file, error); !error) {
         bytes.reserve(size);
     }
+    error.clear();
+    errno = 0;
     // Not byte by byte: a kit has tens of megabytes.
     std::array<char, 16384> block; // NOLINT(cppcoreguidelines-pro-type-member-init): only what was read is looked at
     while (stream.read(block.data(), block.size()) || stream.gcount() != 0) {
         bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
     }
-    return stream.bad() || !stream.is_open() ? std::nullopt : std::optional(std::move(bytes));
+    if (stream.bad()) {
+        error = CauseOfTheStream();
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+std::optional<std::string> ReadFileBytes(const std::filesystem::path& file)
+{
+    std::error_code error;
+    return ReadFileBytes(file, error);
 }

@@ -129,6 +129,8 @@ empty_arguments_are_named() {
         ends_with 2 plan kit PC7.reg --output '' && says 'an argument is empty' && ends_with 2 plan kit PC7.reg --map='D:\=' && says FOLDER=DIR
 }
 promise "an argument that is empty, or an option without its value, is named, exit code 2" empty_arguments_are_named
+starts_without_its_own_name() { (exec -a '' "$program" plan kit PC7.reg) >out 2>err </dev/null; }
+promise "a program whose own name is empty works as ever" starts_without_its_own_name
 driver_is_required() {
     ends_with 0 plan kit fleet && ends_with 1 plan kit fleet --require-driver && ends_with 0 plan kit PC7.reg --require-driver
 }
@@ -323,16 +325,25 @@ read_only_kit_is_planned() {
     cp -r -- kit readonly && chmod -R a-w readonly && ends_with 0 plan readonly PC7.reg && chmod -R u+w readonly
 }
 promise "a kit in a read-only folder is planned" read_only_kit_is_planned
-unreadable_inf_is_named() {
+# plan_without FILE: plans with a kit of which nobody may read one file.
+plan_without() {
     local -a restricted=()
     # An administrator may read everything, unless that right is taken away.
     ((EUID != 0)) || restricted=(setpriv --bounding-set '-dac_override,-dac_read_search')
-    cp -r -- kit denied && chmod 000 denied/Drv/Win8x64/ngea63x64.inf
+    rm -rf -- denied && cp -r -- kit denied && chmod 000 "denied/$1"
     status=0
     run_limited 120 "${restricted[@]}" "$program" plan denied PC7.reg >out 2>err </dev/null || status=$?
+}
+unreadable_inf_is_named() {
+    plan_without Drv/Win8x64/ngea63x64.inf
     [[ $status == 3 ]] && says 'denied/Drv/Win8x64/ngea63x64.inf: cannot be read \(Permission denied\), and counts as empty'
 }
 promise "an INF file that cannot be read is named with the cause, exit code 3" unreadable_inf_is_named
+unreadable_setup_ini_is_named() {
+    plan_without Morvix.ini
+    [[ $status == 2 ]] && says 'denied/Morvix.ini: cannot be read \(Permission denied\)'
+}
+promise "a setup INI that cannot be read is named with the cause, exit code 2" unreadable_setup_ini_is_named
 unknown_folder_is_named() {
     cp -r -- kit far && sed -i 's/^InfDir=Drv.Win8x64/InfDir=E:\\Drivers/' far/Morvix.ini && mkdir -p drivers &&
         cp -- kit/Drv/Win8x64/*.inf drivers/ && ends_with 0 plan far PC7.reg && says "--map 'E:.=DIR'" &&

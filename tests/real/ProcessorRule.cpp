@@ -23,5 +23,5 @@ std::optional<std::string> WhyNoX64Machine(std::optional<uint16_t> native)
         return std::nullopt;
     }
     return "the processor is " + NameOf(*native) +
-           ", and the kit's drivers are for x64: use a machine with an x64 processor";
+           ", and the programs and drivers of the kit are for x64: use a machine with an x64 processor";
 }

@@ -43,8 +43,13 @@ TEST(FolderListing, APathIsFoundWhateverItsLettersAndSeparators)
     EXPECT_THAT(FindPath(folder, R"(drv\WIN7X64\nge.INF)"), Optional(Eq(folder / "Drv" / "Win7x64" / "Nge.inf")));
     EXPECT_THAT(FindPath(folder, "Drv/Win7x64/"), Optional(Eq(folder / "Drv" / "Win7x64")));
     EXPECT_EQ(FindPath(folder, R"(Drv\none)"), std::nullopt);
-    EXPECT_THAT(ReadFileBytes(folder / "Drv" / "Win7x64" / "Nge.inf"), Optional(Eq("[Version]\r\n")));
-    EXPECT_EQ(ReadFileBytes(folder / "Drv"), std::nullopt);
+    std::error_code error;
+    EXPECT_THAT(ReadFileBytes(folder / "Drv" / "Win7x64" / "Nge.inf", error), Optional(Eq("[Version]\r\n")));
+    EXPECT_FALSE(error);
+    EXPECT_EQ(ReadFileBytes(folder / "Drv", error), std::nullopt);
+    EXPECT_EQ(error, std::errc::is_a_directory);
+    EXPECT_EQ(ReadFileBytes(folder / "none", error), std::nullopt);
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
     EXPECT_THAT(NamesIn(folder), ElementsAre("Drv"));
     EXPECT_THAT(NamesIn(folder / "none"), ElementsAre());
     std::filesystem::remove_all(folder);
