@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <span>
 #include <utility>
 #include <vector>
@@ -72,8 +71,7 @@ ProfileDialect DialectOf(const std::string& reader)
 /// @return what is wrong with an argument that has no value, such as a script's variable leaves; empty when none has.
 std::string EmptyArgumentProblem(std::span<const char* const> arguments)
 {
-    // The first is the program's own name.
-    for (const std::string_view argument : arguments | std::views::drop(1)) {
+    for (const std::string_view argument : arguments) {
         if (argument.empty()) {
             return "an argument is empty";
         }
@@ -106,7 +104,8 @@ public:
 
     Request Parse(int argc, const char* const* argv)
     {
-        const std::span arguments(argv, static_cast<std::size_t>(argc));
+        // Without the program's own name, which may be missing.
+        const std::span arguments(argv + std::min(argc, 1), argv + argc);
         if (const std::string problem = EmptyArgumentProblem(arguments); !problem.empty()) {
             return PrintedAnswer{.text = problem + "; see morvix-kit --help", .code = ExitCode::Usage};
         }

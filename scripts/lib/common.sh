@@ -86,6 +86,16 @@ run_child() {
 # run_limited SECONDS COMMAND...: the same with a limit that guards against hanging; 124 when the time was up.
 run_limited() { run_child timeout --kill-after=15 "$@"; }
 
+# wait_until SECONDS COMMAND...: asks again and again until the command succeeds; fails when the time is up.
+wait_until() {
+    local deadline=$((SECONDS + $1))
+    shift
+    until "$@"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.1
+    done
+}
+
 # In a background job: lets go of the build folder, so that nothing that outlives the script keeps others waiting.
 release_lock() { exec {lock}>&-; }
 

@@ -3,16 +3,6 @@
 # and display.sh.
 # shellcheck disable=SC2154
 
-# wait_until SECONDS COMMAND...: asks again and again until the command succeeds; fails when the time is up.
-wait_until() {
-    local deadline=$((SECONDS + $1))
-    shift
-    until "$@"; do
-        ((SECONDS < deadline)) || return 1
-        sleep 0.1
-    done
-}
-
 # The screen without the empty part around the windows.
 take_picture() { timeout 30 import -window root -trim +repage "$1"; }
 

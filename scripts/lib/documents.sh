@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The fenced blocks of the documents. Words behind a block's language say how it is tried: "key=value", or "key" alone.
+# The fenced blocks of the documents. Words after a block's language say how it is tried: "key=value", or "key" alone.
 # Sourced after common.sh.
 # shellcheck disable=SC2154
 

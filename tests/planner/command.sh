@@ -130,7 +130,7 @@ empty_arguments_are_named() {
 }
 promise "an argument that is empty, or an option without its value, is named, exit code 2" empty_arguments_are_named
 starts_without_its_own_name() { (exec -a '' "$program" plan kit PC7.reg) >out 2>err </dev/null; }
-promise "a program whose own name is empty works as ever" starts_without_its_own_name
+promise "a program whose own name is empty works as usual" starts_without_its_own_name
 driver_is_required() {
     ends_with 0 plan kit fleet && ends_with 1 plan kit fleet --require-driver && ends_with 0 plan kit PC7.reg --require-driver
 }

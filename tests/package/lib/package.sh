@@ -110,14 +110,7 @@ finish_msi() {
 }
 
 # wait_for_file FILE: until a program has written it; the limit only guards against hanging.
-wait_for_file() {
-    local waited
-    for ((waited = 0; waited < 1200; ++waited)); do
-        [[ ! -e $1 ]] || return 0
-        sleep 0.1
-    done
-    return 1
-}
+wait_for_file() { wait_until 120 test -e "$1"; }
 
 # hold_program PROGRAM: puts the recorder in its place. It runs until its file ".hold" is removed.
 hold_program() {

@@ -181,7 +181,7 @@ def reads_without_script(page):
     text = page.run("document.body.innerText")
     for machine in answered:
         check(machine["name"] in text, machine["name"])
-    check("Passed over" in text, "no way is told")
+    check("Passed over" in text, "no INF file is passed over")
 
 
 def paper_text(page, name):

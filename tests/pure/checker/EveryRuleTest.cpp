@@ -122,6 +122,19 @@ void AddRulesOfInfs(std::map<int, RuleKits>& kits)
     kits[305] = {WithModels(kAdapter + Model("VEN_5D1B&DEV_7A01")), WithModels(kAdapter + Model("CC_020000"))};
 }
 
+/// The INF file below so many folders with names of 25 characters.
+KitFiles WithDeepInf(int folders)
+{
+    const std::string deep = "Drv/" + Repeated("a folder of 25 characters/", folders) + "more";
+    std::string backslashed = deep;
+    std::ranges::replace(backslashed, '/', '\\');
+    return {{"Morvix.ini", Ini("InfSectionName=Norda.NTamd64\nInfDir=" + backslashed + "\n")},
+            {kPerfectInf, ""},
+            {deep + "/ngea.inf", InfWithModels(kAdapter)},
+            {deep + "/ngea.sys", "driver"},
+            {deep + "/ngea.cat", "catalog"}};
+}
+
 void AddRulesOfResults(std::map<int, RuleKits>& kits)
 {
     const std::string special = Model("VEN_5D1A&DEV_7A01&SUBSYS_00115D1A");
@@ -154,15 +167,7 @@ void AddRulesOfResults(std::map<int, RuleKits>& kits)
                   {"Drv/co.dll", "library"}}};
     kits[504] = {{{"Drv/ngea.sys", ""}}, {{"Drv/ngea.sys", ""}, {"Drv/NGEA.SY_", "driver"}}};
     kits[505] = {{{"Drv/ngea.cat", ""}}, {{"Drv/ngea.cat", ""}, {"Drv/NGEA.CAT", "catalog"}}};
-    const std::string deep = "Drv/" + Repeated("a folder of 25 characters/", 10) + "more";
-    std::string backslashed = deep;
-    std::ranges::replace(backslashed, '/', '\\');
-    kits[506] = {{{"Morvix.ini", Ini("InfSectionName=Norda.NTamd64\nInfDir=" + backslashed + "\n")},
-                  {kPerfectInf, ""},
-                  {deep + "/ngea.inf", InfWithModels(kAdapter)},
-                  {deep + "/ngea.sys", "driver"},
-                  {deep + "/ngea.cat", "catalog"}},
-                 {}};
+    kits[506] = {WithDeepInf(10), WithDeepInf(8)};
     kits[507] = {WithInf("DefaultDestDir=12", "DefaultDestDir=13"),
                  WithInf("DefaultDestDir=12", "DefaultDestDir = 12")};
     kits[601] = {{{kPerfectInf, "\xEF\xBB\xBF" + InfWithModels(kAdapter)}},
