@@ -8,6 +8,8 @@
 #include <memory>
 #include <ostream>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "Decisions.h"
 #include "Effects.h"
@@ -107,42 +109,69 @@ std::set<CallName> CallsOf(const ScenarioRow& row)
     return calls;
 }
 
-class FailingCall : public testing::TestWithParam<const ScenarioRow*>
+/// One share of a scenario's failing calls.
+struct CallShare
+{
+    const ScenarioRow* row;
+    std::size_t number;
+    std::size_t shares;
+};
+
+void PrintTo(const CallShare& share, std::ostream* out)
+{
+    *out << share.row->name << ", share " << share.number + 1 << " of " << share.shares;
+}
+
+class FailingCall : public testing::TestWithParam<CallShare>
 {
 };
 
 TEST_P(FailingCall, EndsTheRunAsDecidedAndLeaksNothing)
 {
-    const ScenarioRow& row = *GetParam();
-    const std::set<CallName> calls = CallsOf(row);
-    EXPECT_FALSE(calls.empty());
-    const Outcome clean = Stage::WithoutFault(row);
+    const auto& [row, number, shares] = GetParam();
+    const std::set<CallName> calls = CallsOf(*row);
+    EXPECT_GE(calls.size(), shares);
+    const Outcome clean = Stage::WithoutFault(*row);
+    std::size_t index = 0;
     for (const CallName& call : calls) {
+        if (index++ % shares != number) {
+            continue;
+        }
         for (const unsigned ordinal : Picked(call, clean.calls.at(call))) {
-            const Outcome faulted = Stage::Use(row).Run({.call = call, .ordinal = ordinal});
-            EXPECT_THAT(Complaints(row.name, call, ordinal, clean, faulted), IsEmpty())
+            const Outcome faulted = Stage::Use(*row).Run({.call = call, .ordinal = ordinal});
+            EXPECT_THAT(Complaints(row->name, call, ordinal, clean, faulted), IsEmpty())
                 << Describe(call) << " " << ordinal;
         }
     }
 }
 
-std::vector<const ScenarioRow*> EachScenario()
+/// The first scenario makes nearly all calls. Its shares can run at the same time, in several programs.
+std::vector<CallShare> EachShare()
 {
-    std::vector<const ScenarioRow*> rows;
+    std::vector<CallShare> each;
     for (const ScenarioRow& row : AllScenarios()) {
-        rows.push_back(&row);
+        const std::size_t shares = each.empty() ? 8 : 1;
+        for (std::size_t number = 0; number < shares; ++number) {
+            each.push_back({.row = &row, .number = number, .shares = shares});
+        }
     }
-    return rows;
+    return each;
 }
 
-std::string NameOf(const testing::TestParamInfo<const ScenarioRow*>& tested)
+std::string NameOf(const ScenarioRow& row)
 {
-    std::string name = tested.param->name;
+    std::string name = row.name;
     std::ranges::replace(name, '-', '_');
     return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Runs, FailingCall, testing::ValuesIn(EachScenario()), NameOf);
+std::string NameOfShare(const testing::TestParamInfo<CallShare>& tested)
+{
+    const auto& [row, number, shares] = tested.param;
+    return NameOf(*row) + (shares == 1 ? "" : "_" + std::to_string(number + 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, FailingCall, testing::ValuesIn(EachShare()), NameOfShare);
 
 // --- memory
 
@@ -182,7 +211,8 @@ TEST_P(MemoryShortage, ThatLastsEndsTheRunAndLeavesNothingHalfWritten)
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, MemoryShortage,
-                         testing::Values(&AllScenarios()[0], &AllScenarios()[1], &AllScenarios()[3]), NameOf);
+                         testing::Values(&AllScenarios()[0], &AllScenarios()[1], &AllScenarios()[3]),
+                         [](const auto& tested) { return NameOf(*tested.param); });
 
 // --- the table of calls
 
