@@ -42,6 +42,8 @@ keep_server
 if setarch --addr-no-randomize true; then
     start_notepad
     promise "programs of Windows have no random addresses, of which a few would end them at their start" has_fixed_addresses
+else
+    say "the kernel does not allow fixed addresses: now and then a program of Windows ends with 1 at its start"
 fi
 while IFS=$'\t' read -r program use what; do
     name=$(basename -- "$program" .exe)
